@@ -1,0 +1,6 @@
+#include "ui/ZentoroApp.h"
+
+int main(int argc, char **argv)
+{
+    return zentoro::ZentoroApp::run(argc, argv);
+}

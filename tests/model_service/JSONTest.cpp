@@ -1,0 +1,102 @@
+#include "model_service/JSON.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+using zentoro::JSON;
+
+TEST(JSON, IntegralNumbersBelowTheLimitEncodeAsIntegers)
+{
+    EXPECT_EQ(JSON::number(2.0).encode(), "2");
+    EXPECT_EQ(JSON::number(2.5).encode(), "2.5");
+    EXPECT_EQ(JSON::number(-0.0).encode(), "0");
+    EXPECT_EQ(JSON::number(999999999999999.0).encode(), "999999999999999");
+    EXPECT_EQ(JSON::number(-999999999999999.0).encode(), "-999999999999999");
+    EXPECT_EQ(JSON::number(1e15).encode(), "1e+15");
+    EXPECT_EQ(JSON::number(-1e15).encode(), "-1e+15");
+    EXPECT_EQ(JSON::number(1e300).encode(), "1e+300");
+    EXPECT_EQ(JSON(42).encode(), "42");
+}
+
+TEST(JSON, NaNAndInfinityFailTheWholeDocument)
+{
+    const JSON nan = JSON::object({{"a", JSON::array({1, JSON::number(std::nan(""))})}});
+    EXPECT_THROW(nan.encode(), JSON::Error);
+    EXPECT_THROW(JSON::number(std::numeric_limits<double>::infinity()).encode(), JSON::Error);
+}
+
+TEST(JSON, DecodingKeepsCasesApart)
+{
+    EXPECT_EQ(JSON::decode("1"), JSON::decode("1.0"));
+    EXPECT_EQ(JSON::decode("1").kind(), JSON::Kind::Number);
+    EXPECT_EQ(JSON::decode("true"), JSON(true));
+    EXPECT_FALSE(JSON::decode("true").numberValue());
+    EXPECT_NE(JSON::decode("1"), JSON(true));
+    EXPECT_NE(JSON::decode("0"), JSON(false));
+    EXPECT_NE(JSON::decode("null"), JSON::decode("0"));
+
+    const JSON object = JSON::decode(R"({"present": null})");
+    ASSERT_NE(object.find("present"), nullptr);
+    EXPECT_TRUE(object.find("present")->isNull());
+    EXPECT_EQ(object.find("absent"), nullptr);
+}
+
+TEST(JSON, ObjectFromPairsKeepsTheLastOfARepeatedKey)
+{
+    const JSON object = JSON::object({{"a", 1}, {"b", "x"}, {"a", 2}});
+    EXPECT_EQ(object.objectValue()->size(), 2u);
+    EXPECT_EQ(object.numberAt("a"), 2.0);
+}
+
+TEST(JSON, CopiesAreIndependentValues)
+{
+    JSON original = JSON::object({{"list", JSON::array({1, 2})}});
+    JSON copy = original;
+    JSON list = *copy.find("list");
+    list.append(3);
+    copy.set("list", list);
+    copy.set("new", true);
+    EXPECT_EQ(original, JSON::object({{"list", JSON::array({1, 2})}}));
+    EXPECT_EQ(copy.arrayAt("list")->size(), 3u);
+    EXPECT_NE(original, copy);
+}
+
+TEST(JSON, StringsRoundTripEscapesAndUnicode)
+{
+    const QString text = QString::fromUtf8("quote \" back \\ line\n tab\t bell\x07 é 😀 /");
+    const QByteArray encoded = JSON(text).encode();
+    EXPECT_EQ(encoded, QByteArray("\"quote \\\" back \\\\ line\\n tab\\t bell\\u0007 ") +
+                           QByteArray("é 😀 /\""));
+    EXPECT_EQ(JSON::decode(encoded), JSON(text));
+    EXPECT_EQ(JSON::decode(R"("\ud83d\ude00 \u00e9 \/")"), JSON(QString::fromUtf8("😀 é /")));
+}
+
+TEST(JSON, BadTextIsAnErrorNeverAValue)
+{
+    for (const char *bad : {"", " ", "{", "[1,]", "{\"a\" 1}", "01", "1.", "-", "+1", "nul", "tru",
+                            "\"unterminated", "\"\x01\"", "{} {}", "[1] x", "NaN", "Infinity", "1e999",
+                            "\"\\x\"", "{1: 2}"}) {
+        EXPECT_THROW(JSON::decode(bad), JSON::Error) << bad;
+    }
+    EXPECT_THROW(JSON::decode("\"\xff\xfe\""), JSON::Error);
+    EXPECT_THROW(JSON::decode(QByteArray(10000, '[')), JSON::Error);
+}
+
+TEST(JSON, DocumentsRoundTripWithSortedKeys)
+{
+    const QByteArray text = R"({"b":[1,2.5,-3,true,false,null,"s"],"a":{"z":{},"y":[]},"c":1e-7})";
+    const JSON value = JSON::decode(text);
+    EXPECT_EQ(value.encode(), R"({"a":{"y":[],"z":{}},"b":[1,2.5,-3,true,false,null,"s"],"c":1e-07})");
+    EXPECT_EQ(JSON::decode(value.encode()), value);
+}
+
+TEST(JSON, ReadingByCaseTreatsOtherCasesAsAbsent)
+{
+    const JSON value = JSON::object({{"n", 1}, {"s", "x"}});
+    EXPECT_FALSE(value.stringAt("n"));
+    EXPECT_FALSE(value.numberAt("s"));
+    EXPECT_EQ(value.arrayAt("s"), nullptr);
+    EXPECT_EQ(JSON("text").find("n"), nullptr);
+}
