@@ -45,3 +45,28 @@ void Workspace::initShared(const QString &argv0)
 }
 
 } // namespace zentoro
+
+namespace zentoro {
+
+QString Workspace::conversation(const QUuid &id) const
+{
+    return root + QStringLiteral("/Conversations/") + id.toString(QUuid::WithoutBraces).toUpper() +
+           QStringLiteral(".json");
+}
+
+QString Workspace::version(int number) const
+{
+    return versions() + u'/' + QString::number(number);
+}
+
+QString Workspace::dylib(int number) const
+{
+    return version(number) + QStringLiteral("/libZentoroApp") + QString::number(number) + QStringLiteral(".so");
+}
+
+QString Workspace::defaultsSuite() const
+{
+    return QString::fromLatin1(bundleIdentifier) + QStringLiteral(".app.") + name;
+}
+
+} // namespace zentoro

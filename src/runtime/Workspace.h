@@ -1,11 +1,23 @@
 #pragma once
 
+#include "core/DescribedError.h"
+
 #include <QString>
+#include <QUuid>
 
 namespace zentoro {
 
-// Where this copy keeps its things. A copy is named by the file it was started as.
+// Where this copy keeps its things. A copy is named by the file it was started as;
+// every path of its folder is built here and nowhere else.
 struct Workspace {
+    // An error with one text for the user; also used for words written for the user by
+    // the model service client and the sign-in.
+    struct Failure : DescribedError {
+        QString message;
+        explicit Failure(QString message) : message(std::move(message)) {}
+        QString errorDescription() const override { return message; }
+    };
+
     QString name;
     QString root;
 
@@ -19,7 +31,22 @@ struct Workspace {
     static const Workspace &shared();
     static void initShared(const QString &argv0);
 
+    QString sources() const { return root + QStringLiteral("/Sources"); }
+    QString versions() const { return root + QStringLiteral("/Versions"); }
+    QString build() const { return root + QStringLiteral("/Build"); }
+    QString logs() const { return root + QStringLiteral("/Logs"); }
+    QString data() const { return root + QStringLiteral("/Data"); }
+    QString stateFile() const { return root + QStringLiteral("/state.json"); }
+    // "Conversations/<UUID in upper case>.json" under root.
+    QString conversation(const QUuid &id) const;
+    QString version(int number) const;
+    QString dylib(int number) const;
+    // The hosted app's own settings suite: "dev.vantu.zentoro.app.<name>".
+    QString defaultsSuite() const;
+
     bool operator==(const Workspace &) const = default;
 };
+
+inline constexpr auto bundleIdentifier = "dev.vantu.zentoro";
 
 } // namespace zentoro
