@@ -1,17 +1,93 @@
 #include "runtime/Workspace.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+#include <filesystem>
+#include <map>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+// The starter app lives in a resource list of the static core library; naming its
+// initialiser keeps it linked into every program that installs the seed.
+static void registerSeedResource()
+{
+    static const bool registered = [] {
+        Q_INIT_RESOURCE(seed);
+        return true;
+    }();
+    Q_UNUSED(registered);
+}
 
 namespace zentoro {
 
 namespace {
+
 Workspace &sharedStorage()
 {
     static Workspace workspace;
     return workspace;
 }
+
+const QString seedFolder = QStringLiteral(":/Seed");
+
+QString systemWords(const std::error_code &error)
+{
+    return QString::fromLocal8Bit(error.message());
+}
+
+void makeFolder(const QString &path)
+{
+    std::error_code error;
+    std::filesystem::create_directories(QFile::encodeName(path).toStdString(), error);
+    if (error)
+        throw Workspace::Failure(QStringLiteral("Couldn't create the folder “%1”: %2.").arg(path, systemWords(error)));
+}
+
+void removeItem(const QString &path)
+{
+    std::error_code error;
+    std::filesystem::remove_all(QFile::encodeName(path).toStdString(), error);
+    if (error)
+        throw Workspace::Failure(QStringLiteral("Couldn't remove “%1”: %2.").arg(path, systemWords(error)));
+}
+
+// Copies the tree at `from` (a folder on disk or in the resources) to the new folder `to`.
+// Files are written fresh, so resource files don't arrive read-only; links stay links.
+void copyTree(const QString &from, const QString &to)
+{
+    makeFolder(to);
+    const QFileInfoList entries =
+        QDir(from).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        const QString target = to + u'/' + entry.fileName();
+        if (entry.isSymLink()) {
+            std::error_code error;
+            const auto linkTarget = std::filesystem::read_symlink(QFile::encodeName(entry.filePath()).toStdString(), error);
+            if (!error)
+                std::filesystem::create_symlink(linkTarget, QFile::encodeName(target).toStdString(), error);
+            if (error)
+                throw Workspace::Failure(
+                    QStringLiteral("Couldn't copy “%1”: %2.").arg(entry.filePath(), systemWords(error)));
+        } else if (entry.isDir()) {
+            copyTree(entry.filePath(), target);
+        } else {
+            QFile source(entry.filePath());
+            if (!source.open(QIODevice::ReadOnly))
+                throw Workspace::Failure(
+                    QStringLiteral("Couldn't copy “%1”: %2.").arg(entry.filePath(), source.errorString()));
+            QFile copy(target);
+            if (!copy.open(QIODevice::WriteOnly | QIODevice::Truncate) || copy.write(source.readAll()) < 0 ||
+                !copy.flush())
+                throw Workspace::Failure(QStringLiteral("Couldn't copy “%1”: %2.").arg(target, copy.errorString()));
+        }
+    }
+}
+
 } // namespace
 
 QString Workspace::nameFromExecutable(const QString &argv0, const QString &appImage)
@@ -44,10 +120,6 @@ void Workspace::initShared(const QString &argv0)
     sharedStorage() = forName(nameFromExecutable(argv0, qEnvironmentVariable("APPIMAGE")));
 }
 
-} // namespace zentoro
-
-namespace zentoro {
-
 QString Workspace::conversation(const QUuid &id) const
 {
     return root + QStringLiteral("/Conversations/") + id.toString(QUuid::WithoutBraces).toUpper() +
@@ -67,6 +139,62 @@ QString Workspace::dylib(int number) const
 QString Workspace::defaultsSuite() const
 {
     return QString::fromLatin1(bundleIdentifier) + QStringLiteral(".app.") + name;
+}
+
+void Workspace::prepare() const
+{
+    for (const QString &folder : {root, versions(), logs(), data(), build()})
+        makeFolder(folder);
+    if (!QFileInfo(sources()).exists() && !QFileInfo(sources()).isSymLink())
+        installSeed();
+}
+
+void Workspace::installSeed() const
+{
+    registerSeedResource();
+    if (!QFileInfo(seedFolder).isDir())
+        throw Failure(QStringLiteral("The Zentoro bundle has no Seed folder."));
+    replaceSources(seedFolder);
+}
+
+void Workspace::replaceSources(const QString &folder) const
+{
+    const QString staging = root + QStringLiteral("/.Sources-incoming");
+    removeItem(staging);
+    try {
+        copyTree(folder, staging);
+    } catch (const Failure &) {
+        std::error_code ignored;
+        std::filesystem::remove_all(QFile::encodeName(staging).toStdString(), ignored);
+        throw;
+    }
+    removeItem(sources());
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(staging).toStdString(), QFile::encodeName(sources()).toStdString(),
+                            error);
+    if (error)
+        throw Failure(QStringLiteral("Couldn't put the new sources in place: %1.").arg(systemWords(error)));
+}
+
+bool Workspace::lock() const
+{
+    // One descriptor per root, never closed: the system drops the lock when the process
+    // ends in any way, a crash included.
+    static std::map<QString, int> held;
+    if (held.contains(root))
+        return true;
+    std::error_code ignored;
+    std::filesystem::create_directories(QFile::encodeName(root).toStdString(), ignored);
+    const QByteArray path = QFile::encodeName(root + QStringLiteral("/.lock"));
+    const int descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (descriptor < 0)
+        return true;
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        ::close(descriptor);
+        return false;
+    }
+    held.emplace(root, descriptor);
+    return true;
 }
 
 } // namespace zentoro

@@ -3,6 +3,7 @@
 #include "core/DescribedError.h"
 
 #include <QString>
+#include <QStringList>
 #include <QUuid>
 
 namespace zentoro {
@@ -43,6 +44,30 @@ struct Workspace {
     QString dylib(int number) const;
     // The hosted app's own settings suite: "dev.vantu.zentoro.app.<name>".
     QString defaultsSuite() const;
+
+    // Makes sure the folders exist and that there are sources; throws Failure on the first
+    // failure. An existing "Sources", even an empty one, is left alone.
+    void prepare() const;
+    // Replaces "Sources" by the starter app carried in the program's resources.
+    void installSeed() const;
+    // Replaces "Sources" by a copy of `folder`. The copy is made beside the old tree first,
+    // so a copy that fails leaves the old sources in place.
+    void replaceSources(const QString &folder) const;
+
+    // Every regular file under "Sources", absolute paths sorted by `relativePath`. Hidden
+    // items and symbolic links are left out; this is the order the compiler and the agent see.
+    QStringList files() const;
+    // The files whose extension is exactly "swift".
+    QStringList swiftFiles() const;
+    // Turns a path the agent gave into an absolute path inside "Sources", or throws Failure.
+    // Beyond the textual rule, a path that passes through a symbolic link leading out of
+    // "Sources" is refused, so no tool can reach the rest of the disk.
+    QString resolve(const QString &path) const;
+    // The path of `location` relative to "Sources"; the whole path when it lies elsewhere.
+    QString relativePath(const QString &location) const;
+    // Takes the copy's lock and keeps it for the life of the process; false when another
+    // process holds it. A copy whose lock file can't be opened runs without a lock.
+    bool lock() const;
 
     bool operator==(const Workspace &) const = default;
 };
