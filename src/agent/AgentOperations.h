@@ -26,7 +26,7 @@ struct AgentOperations {
     // `onItemStarted` on the main thread as each output item starts. Raises
     // OpenAI::Failure or NetworkError.
     std::function<QCoro::Task<JSON>(const TaskHandle &task, const QString &bearer, const JSON &body,
-                                    std::function<void(const JSON &item)> onItemStarted)>
+                                    const std::function<void(const JSON &item)> &onItemStarted)>
         respond;
     // Carries out one function call; never raises.
     std::function<QCoro::Task<ToolResult>(const QString &name, const JSON &arguments)> perform;
