@@ -1,0 +1,59 @@
+import Foundation
+
+/// Animations are accepted and end at their final state at once.
+public struct Animation: Equatable, Sendable {
+    let duration: Double
+    public static let `default` = Animation(duration: 0.35)
+    public static let linear = Animation(duration: 0.35)
+    public static let easeIn = Animation(duration: 0.35)
+    public static let easeOut = Animation(duration: 0.35)
+    public static let easeInOut = Animation(duration: 0.35)
+    public static let spring = Animation(duration: 0.5)
+    public static let bouncy = Animation(duration: 0.5)
+    public static let smooth = Animation(duration: 0.5)
+    public static let snappy = Animation(duration: 0.3)
+    public static let interactiveSpring = Animation(duration: 0.15)
+    public static func linear(duration: Double) -> Animation { Animation(duration: duration) }
+    public static func easeIn(duration: Double) -> Animation { Animation(duration: duration) }
+    public static func easeOut(duration: Double) -> Animation { Animation(duration: duration) }
+    public static func easeInOut(duration: Double) -> Animation { Animation(duration: duration) }
+    public static func spring(response: Double = 0.5, dampingFraction: Double = 0.825, blendDuration: Double = 0) -> Animation {
+        Animation(duration: response)
+    }
+    public static func spring(duration: Double = 0.5, bounce: Double = 0, blendDuration: Double = 0) -> Animation { Animation(duration: duration) }
+    public static func bouncy(duration: Double = 0.5, extraBounce: Double = 0) -> Animation { Animation(duration: duration) }
+    public static func interpolatingSpring(stiffness: Double, damping: Double) -> Animation { .spring }
+    public func delay(_ delay: Double) -> Animation { self }
+    public func speed(_ speed: Double) -> Animation { self }
+    public func repeatForever(autoreverses: Bool = true) -> Animation { self }
+    public func repeatCount(_ count: Int, autoreverses: Bool = true) -> Animation { self }
+}
+
+@discardableResult
+public func withAnimation<Result>(_ animation: Animation? = .default, _ body: () throws -> Result) rethrows -> Result {
+    try body()
+}
+
+public struct AnyTransition: Sendable {
+    public static let opacity = AnyTransition(), scale = AnyTransition(), slide = AnyTransition(), identity = AnyTransition()
+    public static func move(edge: Edge) -> AnyTransition { AnyTransition() }
+    public static func scale(scale: CGFloat, anchor: UnitPoint = .center) -> AnyTransition { AnyTransition() }
+    public static func offset(x: CGFloat = 0, y: CGFloat = 0) -> AnyTransition { AnyTransition() }
+    public static func asymmetric(insertion: AnyTransition, removal: AnyTransition) -> AnyTransition { AnyTransition() }
+    public static func push(from edge: Edge) -> AnyTransition { AnyTransition() }
+    public func combined(with other: AnyTransition) -> AnyTransition { self }
+    public func animation(_ animation: Animation?) -> AnyTransition { self }
+}
+
+public struct ContentTransition: Sendable {
+    public static let identity = ContentTransition(), opacity = ContentTransition(), interpolate = ContentTransition()
+    public static func numericText(countsDown: Bool = false) -> ContentTransition { ContentTransition() }
+    public static func numericText(value: Double) -> ContentTransition { ContentTransition() }
+}
+
+extension View {
+    public func animation<V: Equatable>(_ animation: Animation?, value: V) -> some View { self }
+    public func animation(_ animation: Animation?) -> some View { self }
+    public func transition(_ transition: AnyTransition) -> some View { self }
+    public func contentTransition(_ transition: ContentTransition) -> some View { self }
+}

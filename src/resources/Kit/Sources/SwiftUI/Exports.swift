@@ -1,0 +1,4 @@
+// As on Apple's systems, `import SwiftUI` alone brings Foundation, Dispatch and Observation.
+@_exported import Foundation
+@_exported import Dispatch
+@_exported import Observation

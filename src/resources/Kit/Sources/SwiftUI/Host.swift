@@ -1,0 +1,281 @@
+import Foundation
+internal import ZentoroHostInterface
+
+/// One styled run of a text, resolved for drawing.
+struct TextRun: Equatable {
+    var string: String
+    var font: ResolvedFont
+    var color: RGBA
+    var underline = false
+    var strikethrough = false
+}
+
+struct ResolvedFont: Hashable {
+    var size: CGFloat
+    var weight: Int32
+    var design: Int32
+    var italic: Bool
+    var monospacedDigits: Bool
+
+    var c: ZentoroFont {
+        ZentoroFont(size: Double(size), weight: weight, design: design, italic: italic ? 1 : 0,
+                    monospacedDigits: monospacedDigits ? 1 : 0)
+    }
+}
+
+/// Calls into the Qt host (or a test's double) through the C interface.
+@MainActor
+final class HostBridge {
+    let host: UnsafePointer<ZentoroHost>
+    init(_ host: UnsafePointer<ZentoroHost>) { self.host = host }
+    private var context: UnsafeMutableRawPointer? { host.pointee.context }
+
+    func requestRedraw() { host.pointee.requestRedraw(context) }
+
+    private func withText<R>(_ runs: [TextRun], alignment: TextAlignment, lineLimit: Int?,
+                             _ body: (UnsafePointer<ZentoroText>) -> R) -> R {
+        let strings = runs.map { strdup($0.string) }
+        defer { strings.forEach { free($0) } }
+        let cRuns = zip(runs, strings).map { run, string in
+            ZentoroTextRun(utf8: UnsafePointer(string), font: run.font.c,
+                           paint: ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: run.color.c, stops: nil, stopCount: 0,
+                                               start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0),
+                           underline: run.underline ? 1 : 0, strikethrough: run.strikethrough ? 1 : 0)
+        }
+        return cRuns.withUnsafeBufferPointer { buffer in
+            var text = ZentoroText(runs: buffer.baseAddress, runCount: Int32(buffer.count),
+                                   alignment: alignment.c, lineLimit: Int32(lineLimit ?? 0))
+            return body(&text)
+        }
+    }
+
+    func measure(_ runs: [TextRun], maxWidth: CGFloat?, lineLimit: Int?) -> CGSize {
+        var width = 0.0, height = 0.0
+        withText(runs, alignment: .leading, lineLimit: lineLimit) { text in
+            host.pointee.measureText(context, text, maxWidth.map { Double($0) } ?? -1, &width, &height)
+        }
+        return CGSize(width: ceil(width), height: ceil(height))
+    }
+
+    func drawText(_ runs: [TextRun], alignment: TextAlignment, lineLimit: Int?, in rect: CGRect) {
+        withText(runs, alignment: alignment, lineLimit: lineLimit) { text in
+            host.pointee.drawText(context, text, rect.c)
+        }
+    }
+
+    func placeTextField(_ identifier: Int64, rect: CGRect, text: String, prompt: String, font: ResolvedFont, flags: Int32) {
+        host.pointee.placeTextField(context, identifier, rect.c, text, prompt, font.c, flags)
+    }
+
+    func save() { host.pointee.save(context) }
+    func restore() { host.pointee.restore(context) }
+    func concat(_ t: CGAffineTransform) {
+        host.pointee.concatTransform(context, Double(t.a), Double(t.b), Double(t.c), Double(t.d), Double(t.tx), Double(t.ty))
+    }
+    func multiplyOpacity(_ opacity: Double) { host.pointee.multiplyOpacity(context, opacity) }
+
+    private func withPath<R>(_ path: Path, _ body: (UnsafePointer<ZentoroPath>) -> R) -> R {
+        let elements = path.segments.map { segment -> ZentoroPathElement in
+            switch segment {
+            case .move(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_MOVE), points: (p.c, ZentoroPoint(), ZentoroPoint()))
+            case .line(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_LINE), points: (p.c, ZentoroPoint(), ZentoroPoint()))
+            case let .quad(c, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_QUAD), points: (c.c, p.c, ZentoroPoint()))
+            case let .cubic(a, b, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_CUBIC), points: (a.c, b.c, p.c))
+            case .close: return ZentoroPathElement(op: Int32(ZENTORO_PATH_CLOSE), points: (ZentoroPoint(), ZentoroPoint(), ZentoroPoint()))
+            }
+        }
+        return elements.withUnsafeBufferPointer { buffer in
+            var cPath = ZentoroPath(elements: buffer.baseAddress, count: Int32(buffer.count), evenOdd: path.evenOdd ? 1 : 0)
+            return body(&cPath)
+        }
+    }
+
+    private func withPaint<R>(_ paint: Paint, _ body: (UnsafePointer<ZentoroPaint>) -> R) -> R {
+        var c = ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: ZentoroColor(), stops: nil, stopCount: 0,
+                             start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0)
+        let stops: [(Double, RGBA)]
+        switch paint {
+        case .solid(let color):
+            c.color = color.c
+            stops = []
+        case let .linear(s, start, end):
+            c.kind = Int32(ZENTORO_PAINT_LINEAR); c.start = start.c; c.end = end.c; stops = s
+        case let .radial(s, center, r0, r1):
+            c.kind = Int32(ZENTORO_PAINT_RADIAL); c.start = center.c; c.startRadius = Double(r0); c.endRadius = Double(r1); stops = s
+        case let .angular(s, center, angle):
+            c.kind = Int32(ZENTORO_PAINT_ANGULAR); c.start = center.c; c.angle = angle; stops = s
+        }
+        let cStops = stops.map { ZentoroGradientStop(location: $0.0, color: $0.1.c) }
+        return cStops.withUnsafeBufferPointer { buffer in
+            c.stops = buffer.baseAddress
+            c.stopCount = Int32(buffer.count)
+            return body(&c)
+        }
+    }
+
+    func clip(_ path: Path) { withPath(path) { host.pointee.clipPath(context, $0) } }
+    func fill(_ path: Path, _ paint: Paint) {
+        withPath(path) { p in withPaint(paint) { host.pointee.fillPath(context, p, $0) } }
+    }
+    func stroke(_ path: Path, _ paint: Paint, _ style: StrokeStyle) {
+        withPath(path) { p in
+            withPaint(paint) { paint in
+                style.dash.map(Double.init).withUnsafeBufferPointer { dashes in
+                    var stroke = ZentoroStroke(lineWidth: Double(style.lineWidth), cap: style.lineCap.rawValue,
+                                               join: style.lineJoin.rawValue, miterLimit: Double(style.miterLimit),
+                                               dashes: dashes.baseAddress, dashCount: Int32(dashes.count),
+                                               dashPhase: Double(style.dashPhase))
+                    host.pointee.strokePath(context, p, paint, &stroke)
+                }
+            }
+        }
+    }
+    func shadow(_ path: Path, color: RGBA, radius: CGFloat, offset: CGSize) {
+        withPath(path) { host.pointee.shadowPath(context, $0, color.c, Double(radius), Double(offset.width), Double(offset.height)) }
+    }
+    func drawSymbol(_ name: String, in rect: CGRect, paint: Paint) {
+        withPaint(paint) { host.pointee.drawSymbol(context, name, rect.c, $0) }
+    }
+}
+
+/// What elements draw with; one per render.
+typealias Renderer = HostBridge
+
+extension RGBA { var c: ZentoroColor { ZentoroColor(red: red, green: green, blue: blue, alpha: alpha) } }
+extension CGPoint { var c: ZentoroPoint { ZentoroPoint(x: Double(x), y: Double(y)) } }
+extension CGRect { var c: ZentoroRect { ZentoroRect(x: Double(minX), y: Double(minY), width: Double(width), height: Double(height)) } }
+extension TextAlignment {
+    var c: Int32 {
+        switch self {
+        case .leading: return Int32(ZENTORO_ALIGN_LEADING)
+        case .center: return Int32(ZENTORO_ALIGN_CENTER)
+        case .trailing: return Int32(ZENTORO_ALIGN_TRAILING)
+        }
+    }
+}
+
+/// Hosting: how the generated entry file hands a root view to Zentoro's window.
+public enum ZentoroHosting {
+    /// A hosted root view, retained once for the host, which releases it with
+    /// `zentoro_view_release`.
+    @MainActor
+    public static func makeRootView<V: View>(_ view: V) -> UnsafeMutableRawPointer {
+        Unmanaged.passRetained(RootView(ViewGraph(view))).toOpaque()
+    }
+}
+
+@MainActor
+final class RootView {
+    let graph: ViewGraph
+    init(_ graph: ViewGraph) { self.graph = graph }
+}
+
+@MainActor
+private func root(_ pointer: UnsafeMutableRawPointer?) -> ViewGraph? {
+    guard let pointer else { return nil }
+    return Unmanaged<RootView>.fromOpaque(pointer).takeUnretainedValue().graph
+}
+
+@_cdecl("zentoro_kit_interface_version")
+public func _zentoroKitInterfaceVersion() -> Int32 { Int32(ZENTORO_HOST_INTERFACE_VERSION) }
+
+@_cdecl("zentoro_view_attach")
+public func _zentoroViewAttach(_ view: UnsafeMutableRawPointer?, _ host: UnsafeRawPointer?) {
+    MainActor.assumeIsolated {
+        guard let graph = root(view), let host else { return }
+        graph.host = HostBridge(host.assumingMemoryBound(to: ZentoroHost.self))
+        graph.invalidate()
+    }
+}
+
+@_cdecl("zentoro_view_release")
+public func _zentoroViewRelease(_ view: UnsafeMutableRawPointer?) {
+    MainActor.assumeIsolated {
+        guard let view else { return }
+        root(view)?.tearDown()
+        Unmanaged<RootView>.fromOpaque(view).release()
+    }
+}
+
+@_cdecl("zentoro_view_set_size")
+public func _zentoroViewSetSize(_ view: UnsafeMutableRawPointer?, _ width: Double, _ height: Double) {
+    MainActor.assumeIsolated { root(view)?.size = CGSize(width: width, height: height) }
+}
+
+@_cdecl("zentoro_view_set_appearance")
+public func _zentoroViewSetAppearance(_ view: UnsafeMutableRawPointer?, _ dark: Int32, _ accentPointer: UnsafeRawPointer?) {
+    MainActor.assumeIsolated {
+        guard let graph = root(view), let accentPointer else { return }
+        let accent = accentPointer.assumingMemoryBound(to: ZentoroColor.self).pointee
+        let scheme: ColorScheme = dark != 0 ? .dark : .light
+        let rgba = RGBA(red: accent.red, green: accent.green, blue: accent.blue, alpha: accent.alpha)
+        if graph.colorScheme != scheme || graph.accent != rgba {
+            graph.colorScheme = scheme
+            graph.accent = rgba
+            graph.invalidate()
+        }
+    }
+}
+
+@_cdecl("zentoro_view_render")
+public func _zentoroViewRender(_ view: UnsafeMutableRawPointer?) {
+    MainActor.assumeIsolated { root(view)?.render() }
+}
+
+@_cdecl("zentoro_view_pointer")
+public func _zentoroViewPointer(_ view: UnsafeMutableRawPointer?, _ kind: Int32, _ x: Double, _ y: Double,
+                                _ modifiers: Int32, _ clickCount: Int32) -> Int32 {
+    MainActor.assumeIsolated {
+        guard let graph = root(view), let event = PointerEvent.Kind(rawValue: kind) else { return 0 }
+        return graph.pointer(event, at: CGPoint(x: x, y: y), clickCount: Int(clickCount)) ? 1 : 0
+    }
+}
+
+@_cdecl("zentoro_view_scroll")
+public func _zentoroViewScroll(_ view: UnsafeMutableRawPointer?, _ x: Double, _ y: Double, _ dx: Double, _ dy: Double) -> Int32 {
+    MainActor.assumeIsolated { root(view)?.scroll(at: CGPoint(x: x, y: y), by: CGSize(width: dx, height: dy)) == true ? 1 : 0 }
+}
+
+@_cdecl("zentoro_view_key")
+public func _zentoroViewKey(_ view: UnsafeMutableRawPointer?, _ key: Int32, _ text: UnsafePointer<CChar>?, _ modifiers: Int32) -> Int32 {
+    MainActor.assumeIsolated {
+        let typed = text.map { String(cString: $0) } ?? ""
+        return root(view)?.key(KeyPress(code: key, characters: typed, modifiers: modifiers)) == true ? 1 : 0
+    }
+}
+
+@_cdecl("zentoro_view_text_changed")
+public func _zentoroViewTextChanged(_ view: UnsafeMutableRawPointer?, _ identifier: Int64, _ utf8: UnsafePointer<CChar>?) {
+    MainActor.assumeIsolated { root(view)?.textChanged(identifier, utf8.map { String(cString: $0) } ?? "") }
+}
+
+@_cdecl("zentoro_view_text_submitted")
+public func _zentoroViewTextSubmitted(_ view: UnsafeMutableRawPointer?, _ identifier: Int64) {
+    MainActor.assumeIsolated { root(view)?.textSubmitted(identifier) }
+}
+
+@_cdecl("zentoro_view_text_focus")
+public func _zentoroViewTextFocus(_ view: UnsafeMutableRawPointer?, _ identifier: Int64, _ focused: Int32) {
+    MainActor.assumeIsolated { root(view)?.textFocus(identifier, focused != 0) }
+}
+
+@_silgen_name("_dispatch_get_main_queue_handle_4CF")
+private func dispatchMainQueueHandle() -> Int32
+@_silgen_name("_dispatch_main_queue_callback_4CF")
+private func dispatchMainQueueCallback(_ message: UnsafeMutableRawPointer?)
+
+@_cdecl("zentoro_kit_main_queue_fd")
+public func _zentoroKitMainQueueFD() -> Int32 { dispatchMainQueueHandle() }
+
+@_cdecl("zentoro_kit_service_main")
+public func _zentoroKitServiceMain() -> Double {
+    // Dispatch signals the main queue through an eventfd; reading it re-arms the signal.
+    var descriptor = pollfd(fd: dispatchMainQueueHandle(), events: Int16(POLLIN), revents: 0)
+    if poll(&descriptor, 1, 0) > 0 {
+        var counter: UInt64 = 0
+        _ = read(descriptor.fd, &counter, 8)
+    }
+    dispatchMainQueueCallback(nil)
+    guard let next = RunLoop.main.limitDate(forMode: .default) else { return -1 }
+    return max(0, next.timeIntervalSinceNow)
+}

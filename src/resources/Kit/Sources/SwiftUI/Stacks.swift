@@ -1,0 +1,234 @@
+import Foundation
+
+public struct VStack<Content: View>: View, PrimitiveView {
+    public typealias Body = Never
+    let alignment: HorizontalAlignment, spacing: CGFloat?, content: Content
+    public init(alignment: HorizontalAlignment = .center, spacing: CGFloat? = nil, @ViewBuilder content: () -> Content) {
+        self.alignment = alignment; self.spacing = spacing; self.content = content()
+    }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        var inner = context
+        inner.stackAxis = .vertical
+        return [StackElement(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner))]
+    }
+}
+
+public struct HStack<Content: View>: View, PrimitiveView {
+    public typealias Body = Never
+    let alignment: VerticalAlignment, spacing: CGFloat?, content: Content
+    public init(alignment: VerticalAlignment = .center, spacing: CGFloat? = nil, @ViewBuilder content: () -> Content) {
+        self.alignment = alignment; self.spacing = spacing; self.content = content()
+    }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        var inner = context
+        inner.stackAxis = .horizontal
+        return [StackElement(axis: .horizontal, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner))]
+    }
+}
+
+public struct ZStack<Content: View>: View, PrimitiveView {
+    public typealias Body = Never
+    let alignment: Alignment, content: Content
+    public init(alignment: Alignment = .center, @ViewBuilder content: () -> Content) {
+        self.alignment = alignment; self.content = content()
+    }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        var inner = context
+        inner.stackAxis = nil
+        return [ZStackElement(children: resolveView(content, inner), alignment: alignment)]
+    }
+}
+
+/// Lazy stacks lay out every row; they behave like their plain counterparts.
+public struct LazyVStack<Content: View>: View {
+    let alignment: HorizontalAlignment, spacing: CGFloat?, content: Content
+    public init(alignment: HorizontalAlignment = .center, spacing: CGFloat? = nil, pinnedViews: PinnedScrollableViews = .init(),
+                @ViewBuilder content: () -> Content) {
+        self.alignment = alignment; self.spacing = spacing; self.content = content()
+    }
+    public var body: some View { VStack(alignment: alignment, spacing: spacing) { content } }
+}
+
+public struct LazyHStack<Content: View>: View {
+    let alignment: VerticalAlignment, spacing: CGFloat?, content: Content
+    public init(alignment: VerticalAlignment = .center, spacing: CGFloat? = nil, pinnedViews: PinnedScrollableViews = .init(),
+                @ViewBuilder content: () -> Content) {
+        self.alignment = alignment; self.spacing = spacing; self.content = content()
+    }
+    public var body: some View { HStack(alignment: alignment, spacing: spacing) { content } }
+}
+
+public struct PinnedScrollableViews: OptionSet, Sendable {
+    public let rawValue: UInt32
+    public init(rawValue: UInt32) { self.rawValue = rawValue }
+    public static let sectionHeaders = PinnedScrollableViews(rawValue: 1)
+    public static let sectionFooters = PinnedScrollableViews(rawValue: 2)
+}
+
+public struct Spacer: View, PrimitiveView {
+    public typealias Body = Never
+    let minLength: CGFloat?
+    public init(minLength: CGFloat? = nil) { self.minLength = minLength }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        [SpacerElement(minLength: minLength ?? StackElement.defaultSpacing, axis: context.stackAxis)]
+    }
+}
+
+/// A thin line across the enclosing stack.
+public struct Divider: View, PrimitiveView {
+    public typealias Body = Never
+    public init() {}
+    func resolve(_ context: ResolveContext) -> [Element] {
+        [DividerElement(axis: context.stackAxis == .horizontal ? .vertical : .horizontal,
+                        color: Color.separator.rgba(in: context.environment))]
+    }
+}
+
+final class DividerElement: Element {
+    let axis: Axis
+    let color: RGBA
+    init(axis: Axis, color: RGBA) { self.axis = axis; self.color = color }
+    override func measure(_ proposal: ProposedViewSize) -> CGSize {
+        axis == .horizontal ? CGSize(width: proposal.width ?? 10, height: 1) : CGSize(width: 1, height: proposal.height ?? 10)
+    }
+    override func draw(_ renderer: Renderer) { renderer.fill(Path(frame), .solid(color)) }
+}
+
+/// Views made from the elements of a collection, each identified by its id.
+public struct ForEach<Data: RandomAccessCollection, ID: Hashable, Content: View>: View, PrimitiveView {
+    public typealias Body = Never
+    public var data: Data
+    let identify: (Data.Element) -> ID
+    public var content: (Data.Element) -> Content
+    var deleteAction: ((IndexSet) -> Void)?
+    var moveAction: ((IndexSet, Int) -> Void)?
+
+    public init(_ data: Data, id: KeyPath<Data.Element, ID>, @ViewBuilder content: @escaping (Data.Element) -> Content) {
+        self.data = data; identify = { $0[keyPath: id] }; self.content = content
+    }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        var result: [Element] = []
+        var offset = 0
+        for element in data {
+            let elements = resolveView(content(element), context.child(.id(AnyHashable(identify(element)))))
+            if let deleteAction {
+                let index = offset
+                let rowContext = context.child(.id(AnyHashable(identify(element)))).child(.id("row"))
+                result += elements.map {
+                    RowActionElement($0, path: rowContext.path, graph: context.graph, delete: { deleteAction(IndexSet(integer: index)) })
+                }
+            } else {
+                result += elements
+            }
+            offset += 1
+        }
+        return result
+    }
+
+    /// Rows that the user can delete: a delete button shows when the pointer is on the row.
+    public func onDelete(perform action: ((IndexSet) -> Void)?) -> ForEach {
+        var copy = self
+        copy.deleteAction = action
+        return copy
+    }
+    public func onMove(perform action: ((IndexSet, Int) -> Void)?) -> ForEach {
+        var copy = self
+        copy.moveAction = action
+        return copy
+    }
+}
+
+extension ForEach where ID == Data.Element.ID, Data.Element: Identifiable {
+    public init(_ data: Data, @ViewBuilder content: @escaping (Data.Element) -> Content) {
+        self.init(data, id: \.id, content: content)
+    }
+}
+
+extension ForEach where Data == Range<Int>, ID == Int {
+    public init(_ data: Range<Int>, @ViewBuilder content: @escaping (Int) -> Content) {
+        self.init(data, id: \.self, content: content)
+    }
+}
+
+/// A row of a ForEach with `onDelete`: hovering shows a delete button at its trailing edge.
+final class RowActionElement: InteractiveElement {
+    let delete: () -> Void
+    init(_ child: Element, path: ViewPath, graph: ViewGraph, delete: @escaping () -> Void) {
+        self.delete = delete
+        super.init(child, path: path, graph: graph)
+    }
+    var deleteButtonFrame: CGRect {
+        CGRect(x: frame.maxX - 26, y: frame.midY - 11, width: 22, height: 22)
+    }
+    override func draw(_ renderer: Renderer) {
+        child.draw(renderer)
+        if hovered {
+            renderer.fill(Path(ellipseIn: deleteButtonFrame), .solid(Color.red.rgba(in: EnvironmentValues())))
+            renderer.drawSymbol("minus", in: deleteButtonFrame.insetBy(dx: 5, dy: 5), paint: .solid(RGBA(red: 1, green: 1, blue: 1, alpha: 1)))
+        }
+    }
+    override var acceptsHover: Bool { true }
+    override func hits(_ point: CGPoint) -> [InteractiveElement]? {
+        if hovered && deleteButtonFrame.contains(point) { return [self] }
+        guard frame.contains(point) else { return nil }
+        return (child.hits(point) ?? []) + [self]
+    }
+    override func tap(at point: CGPoint, count: Int) -> Bool {
+        guard deleteButtonFrame.contains(point) else { return false }
+        delete()
+        return true
+    }
+}
+
+/// Hands its content the size it is given: `GeometryReader { proxy in ... }`.
+public struct GeometryReader<Content: View>: View, PrimitiveView {
+    public typealias Body = Never
+    let content: (GeometryProxy) -> Content
+    public init(@ViewBuilder content: @escaping (GeometryProxy) -> Content) { self.content = content }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        let content = self.content
+        var inner = context
+        inner.stackAxis = nil
+        return [GeometryElement(context: inner) { proxy, ctx in resolveView(content(proxy), ctx) }]
+    }
+}
+
+public struct GeometryProxy {
+    public let size: CGSize
+    let origin: CGPoint
+    public var safeAreaInsets: EdgeInsets { EdgeInsets() }
+    public func frame(in coordinateSpace: CoordinateSpace) -> CGRect {
+        switch coordinateSpace {
+        case .local: return CGRect(origin: .zero, size: size)
+        default: return CGRect(origin: origin, size: size)
+        }
+    }
+}
+
+public enum CoordinateSpace: Hashable {
+    case global, local, named(AnyHashable)
+}
+
+extension CoordinateSpace {
+    public static func named<H: Hashable>(_ name: H) -> CoordinateSpace { .named(AnyHashable(name)) }
+}
+
+final class GeometryElement: Element {
+    let context: ResolveContext
+    let make: @MainActor (GeometryProxy, ResolveContext) -> [Element]
+    private var content: [Element] = []
+    init(context: ResolveContext, make: @escaping @MainActor (GeometryProxy, ResolveContext) -> [Element]) {
+        self.context = context; self.make = make
+    }
+    override var children: [Element] { content }
+    override func measure(_ proposal: ProposedViewSize) -> CGSize { proposal.replacingUnspecifiedDimensions() }
+    override func place(in rect: CGRect) {
+        frame = rect
+        content = make(GeometryProxy(size: rect.size, origin: rect.origin), context)
+        // Content sits at the top leading corner, as in SwiftUI.
+        for element in content {
+            let s = element.size(ProposedViewSize(rect.size))
+            element.place(in: CGRect(origin: rect.origin, size: s))
+        }
+    }
+}

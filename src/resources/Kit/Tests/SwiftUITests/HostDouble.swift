@@ -1,0 +1,193 @@
+import ZentoroHostInterface
+@testable import SwiftUI
+
+/// A host with deterministic text metrics that records what the kit draws. Every character
+/// is 0.6 em wide, every line 1.25 em high, and lines break between words.
+final class HostDouble {
+    struct DrawnText { var string: String; var rect: CGRect; var color: ZentoroColor; var size: Double; var weight: Int32 }
+    struct Fill { var bounds: CGRect; var paint: ZentoroPaint }
+    struct Field { var identifier: Int64; var rect: CGRect; var text: String; var prompt: String; var flags: Int32 }
+
+    var texts: [DrawnText] = []
+    var fills: [Fill] = []
+    var strokes: [CGRect] = []
+    var symbols: [(name: String, rect: CGRect)] = []
+    var fields: [Field] = []
+    var redrawRequests = 0
+    private var offsets: [CGPoint] = [.zero]
+    private(set) var host = ZentoroHost()
+
+    static func width(_ string: String, size: Double) -> Double { Double(string.count) * size * 0.6 }
+
+    /// Lines of a paragraph broken at spaces to fit `maxWidth`.
+    static func lines(_ string: String, size: Double, maxWidth: Double) -> [String] {
+        guard maxWidth >= 0 else { return string.components(separatedBy: "\n") }
+        var lines: [String] = []
+        for paragraph in string.components(separatedBy: "\n") {
+            var line = ""
+            for word in paragraph.split(separator: " ", omittingEmptySubsequences: false).map(String.init) {
+                let candidate = line.isEmpty ? word : line + " " + word
+                if !line.isEmpty && width(candidate, size: size) > maxWidth {
+                    lines.append(line)
+                    line = word
+                } else {
+                    line = candidate
+                }
+            }
+            lines.append(line)
+        }
+        return lines
+    }
+
+    static func measure(_ text: UnsafePointer<ZentoroText>, maxWidth: Double) -> CGSize {
+        let runs = UnsafeBufferPointer(start: text.pointee.runs, count: Int(text.pointee.runCount))
+        let string = runs.map { String(cString: $0.utf8) }.joined()
+        let size = runs.map(\.font.size).max() ?? 13
+        var lines = Self.lines(string, size: size, maxWidth: maxWidth)
+        if text.pointee.lineLimit > 0 { lines = Array(lines.prefix(Int(text.pointee.lineLimit))) }
+        let width = lines.map { Self.width($0, size: size) }.max() ?? 0
+        return CGSize(width: width, height: Double(lines.count) * (size * 1.25).rounded())
+    }
+
+    init() {
+        host.version = Int32(ZENTORO_HOST_INTERFACE_VERSION)
+        host.context = Unmanaged.passUnretained(self).toOpaque()
+        host.measureText = { _, text, maxWidth, width, height in
+            let size = HostDouble.measure(text!, maxWidth: maxWidth)
+            width!.pointee = size.width
+            height!.pointee = size.height
+        }
+        host.save = { HostDouble.of($0).offsets.append(HostDouble.of($0).offsets.last!) }
+        host.restore = { HostDouble.of($0).offsets.removeLast() }
+        host.concatTransform = { context, _, _, _, _, tx, ty in
+            let double = HostDouble.of(context)
+            let last = double.offsets.removeLast()
+            double.offsets.append(CGPoint(x: last.x + tx, y: last.y + ty))
+        }
+        host.multiplyOpacity = { _, _ in }
+        host.clipPath = { _, _ in }
+        host.fillPath = { context, path, paint in
+            let double = HostDouble.of(context)
+            double.fills.append(Fill(bounds: double.bounds(path!), paint: paint!.pointee))
+        }
+        host.strokePath = { context, path, _, _ in
+            let double = HostDouble.of(context)
+            double.strokes.append(double.bounds(path!))
+        }
+        host.shadowPath = { _, _, _, _, _, _ in }
+        host.drawText = { context, text, rect in
+            let double = HostDouble.of(context)
+            let runs = UnsafeBufferPointer(start: text!.pointee.runs, count: Int(text!.pointee.runCount))
+            let string = runs.map { String(cString: $0.utf8) }.joined()
+            double.texts.append(DrawnText(string: string, rect: double.shifted(rect), color: runs.first?.paint.color ?? ZentoroColor(),
+                                          size: runs.first?.font.size ?? 0, weight: runs.first?.font.weight ?? 0))
+        }
+        host.drawSymbol = { context, name, rect, _ in
+            let double = HostDouble.of(context)
+            double.symbols.append((String(cString: name!), double.shifted(rect)))
+        }
+        host.placeTextField = { context, identifier, rect, text, prompt, _, flags in
+            let double = HostDouble.of(context)
+            double.fields.append(Field(identifier: identifier, rect: double.shifted(rect), text: String(cString: text!),
+                                       prompt: String(cString: prompt!), flags: flags))
+        }
+        host.requestRedraw = { HostDouble.of($0).redrawRequests += 1 }
+    }
+
+    static func of(_ context: UnsafeMutableRawPointer?) -> HostDouble {
+        Unmanaged<HostDouble>.fromOpaque(context!).takeUnretainedValue()
+    }
+    private func shifted(_ rect: ZentoroRect) -> CGRect {
+        let o = offsets.last!
+        return CGRect(x: rect.x + o.x, y: rect.y + o.y, width: rect.width, height: rect.height)
+    }
+    private func bounds(_ path: UnsafePointer<ZentoroPath>) -> CGRect {
+        let elements = UnsafeBufferPointer(start: path.pointee.elements, count: Int(path.pointee.count))
+        var points: [ZentoroPoint] = []
+        for e in elements {
+            switch Int(e.op) {
+            case Int(ZENTORO_PATH_MOVE), Int(ZENTORO_PATH_LINE): points.append(e.points.0)
+            case Int(ZENTORO_PATH_QUAD): points += [e.points.1]
+            case Int(ZENTORO_PATH_CUBIC): points += [e.points.2]
+            default: break
+            }
+        }
+        guard !points.isEmpty else { return .zero }
+        let xs = points.map(\.x), ys = points.map(\.y)
+        let o = offsets.last!
+        return CGRect(x: xs.min()! + o.x, y: ys.min()! + o.y, width: xs.max()! - xs.min()!, height: ys.max()! - ys.min()!)
+    }
+}
+
+/// A root view hosted through the C interface, the way Zentoro's window hosts one.
+@MainActor
+final class Hosted {
+    let double = HostDouble()
+    let view: UnsafeMutableRawPointer
+    private var hostStorage: UnsafeMutablePointer<ZentoroHost>
+
+    init<V: View>(_ root: V, width: Double = 400, height: Double = 300) {
+        view = ZentoroHosting.makeRootView(root)
+        hostStorage = .allocate(capacity: 1)
+        hostStorage.initialize(to: double.host)
+        _zentoroViewAttach(view, UnsafeRawPointer(hostStorage))
+        _zentoroViewSetSize(view, width, height)
+        render()
+    }
+    deinit {
+        _zentoroViewRelease(view)
+        hostStorage.deallocate()
+    }
+
+    func render() {
+        double.texts = []; double.fills = []; double.strokes = []; double.symbols = []; double.fields = []
+        _zentoroViewRender(view)
+    }
+    func resize(_ width: Double, _ height: Double) {
+        _zentoroViewSetSize(view, width, height)
+        render()
+    }
+    func text(_ string: String) -> HostDouble.DrawnText? { double.texts.first { $0.string == string } }
+    var strings: [String] { double.texts.map(\.string) }
+
+    func click(_ point: CGPoint, count: Int = 1) {
+        _ = _zentoroViewPointer(view, 0, point.x, point.y, 0, Int32(count))
+        _ = _zentoroViewPointer(view, 2, point.x, point.y, 0, Int32(count))
+        render()
+    }
+    func click(_ string: String) {
+        guard let rect = text(string)?.rect else { Issue.record("no text \(string) among \(strings)"); return }
+        click(CGPoint(x: rect.midX, y: rect.midY))
+    }
+    func drag(from a: CGPoint, to b: CGPoint, steps: Int = 4) {
+        _ = _zentoroViewPointer(view, 0, a.x, a.y, 0, 1)
+        for i in 1...steps {
+            let t = Double(i) / Double(steps)
+            _ = _zentoroViewPointer(view, 1, a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t, 0, 1)
+        }
+        _ = _zentoroViewPointer(view, 2, b.x, b.y, 0, 1)
+        render()
+    }
+    func type(_ text: String, into identifier: Int64) {
+        _zentoroViewTextChanged(view, identifier, text)
+        render()
+    }
+}
+
+import Testing
+
+func checkEqual<T: Equatable>(_ a: T, _ b: T, _ comment: String = "", sourceLocation: SourceLocation = #_sourceLocation) {
+    #expect(a == b, "\(comment)", sourceLocation: sourceLocation)
+}
+func checkEqual(_ a: CGFloat, _ b: CGFloat, accuracy: CGFloat, _ comment: String = "", sourceLocation: SourceLocation = #_sourceLocation) {
+    #expect(abs(a - b) <= accuracy, "\(a) is not \(b) \(comment)", sourceLocation: sourceLocation)
+}
+func checkNotNil<T>(_ value: T?, _ comment: String = "", sourceLocation: SourceLocation = #_sourceLocation) {
+    #expect(value != nil, "\(comment)", sourceLocation: sourceLocation)
+}
+func checkGreaterThan<T: Comparable>(_ a: T, _ b: T, sourceLocation: SourceLocation = #_sourceLocation) {
+    #expect(a > b, sourceLocation: sourceLocation)
+}
+func checkLessThanOrEqual<T: Comparable>(_ a: T, _ b: T, sourceLocation: SourceLocation = #_sourceLocation) {
+    #expect(a <= b, sourceLocation: sourceLocation)
+}

@@ -1,0 +1,104 @@
+import Testing
+@testable import SwiftUI
+
+// Text in the double: 13 pt body text is 7.8 px per character and 16 px per line.
+@MainActor @Suite struct LayoutTests {
+    @Test func stacksCentreTheirContentAndSpaceItByEight() {
+        let hosted = Hosted(VStack { Text("ab"); Text("abcd") }, width: 400, height: 300)
+        let a = hosted.text("ab")!.rect, b = hosted.text("abcd")!.rect
+        checkEqual(a.width, 16, accuracy: 0.01, "widths are rounded up to whole pixels")
+        checkEqual(a.midX, 200, accuracy: 0.5)
+        checkEqual(b.midX, 200, accuracy: 0.5)
+        checkEqual(b.minY - a.maxY, 8, accuracy: 0.01)
+        // The pair (16 + 8 + 16) sits in the middle of the height.
+        checkEqual(a.minY, (300 - 40) / 2, accuracy: 0.5)
+    }
+
+    @Test func spacerPushesSiblingsToTheEdgesAndPaddingInsetsThem() {
+        let hosted = Hosted(HStack { Text("L"); Spacer(); Text("R") }.padding(), width: 300, height: 100)
+        checkEqual(hosted.text("L")!.rect.minX, 16, accuracy: 0.01)
+        checkEqual(hosted.text("R")!.rect.maxX, 284, accuracy: 0.5)
+    }
+
+    @Test func alignmentOfStacks() {
+        let hosted = Hosted(VStack(alignment: .leading, spacing: 0) { Text("a"); Text("abcdefghij") }, width: 400, height: 100)
+        checkEqual(hosted.text("a")!.rect.minX, hosted.text("abcdefghij")!.rect.minX, accuracy: 0.01)
+        let top = Hosted(ZStack(alignment: .topTrailing) { Color.red; Text("x") }, width: 200, height: 100)
+        checkEqual(top.text("x")!.rect.maxX, 200, accuracy: 0.5)
+        checkEqual(top.text("x")!.rect.minY, 0, accuracy: 0.5)
+    }
+
+    @Test func flexibleViewsShareWhatTheTextLeaves() {
+        // Text takes its ideal width first; the two colours split the rest equally.
+        let hosted = Hosted(HStack(spacing: 0) { Color.red; Text("abcdefghij"); Color.blue }, width: 278, height: 50)
+        let fills = hosted.double.fills.map(\.bounds)
+        checkEqual(fills.count, 2)
+        checkEqual(fills[0].width, 100, accuracy: 0.5)
+        checkEqual(fills[1].width, 100, accuracy: 0.5)
+        checkEqual(hosted.text("abcdefghij")!.rect.minX, 100, accuracy: 0.5)
+    }
+
+    @Test func framesFixAndStretch() {
+        let fixed = Hosted(Color.red.frame(width: 50, height: 20), width: 200, height: 100)
+        checkEqual(fixed.double.fills[0].bounds, CGRect(x: 75, y: 40, width: 50, height: 20))
+
+        let wide = Hosted(Text("hi").frame(maxWidth: .infinity, alignment: .leading).background(Color.blue), width: 200, height: 100)
+        checkEqual(wide.double.fills[0].bounds.width, 200, accuracy: 0.01)
+        checkEqual(wide.double.fills[0].bounds.height, 16, accuracy: 0.01)
+        checkEqual(wide.text("hi")!.rect.minX, 0, accuracy: 0.01)
+
+        let minimum = Hosted(Text("hi").frame(minWidth: 100).background(Color.blue), width: 300, height: 100)
+        checkEqual(minimum.double.fills[0].bounds.width, 100, accuracy: 0.01)
+    }
+
+    @Test func longTextWrapsToTheOfferedWidth() {
+        let words = "one two three four five six seven eight"
+        let hosted = Hosted(Text(words).padding(10), width: 120, height: 300)
+        let rect = hosted.text(words)!.rect
+        checkLessThanOrEqual(rect.width, 100)
+        checkGreaterThan(rect.height, 16 * 3)
+        let limited = Hosted(Text(words).lineLimit(1).padding(10), width: 120, height: 300)
+        checkEqual(limited.text(words)!.rect.height, 16, accuracy: 0.01)
+    }
+
+    @Test func layoutPriorityGoesBeforeFlexibility() {
+        let hosted = Hosted(HStack(spacing: 0) {
+            Text("aaaaaaaaaa aaaaaaaaaa").layoutPriority(1)
+            Text("bbbbbbbbbb bbbbbbbbbb")
+        }, width: 200, height: 100)
+        checkEqual(hosted.text("aaaaaaaaaa aaaaaaaaaa")!.rect.height, 16, accuracy: 0.01, "the favoured text keeps one line")
+        checkGreaterThan(hosted.text("bbbbbbbbbb bbbbbbbbbb")!.rect.height, 16)
+    }
+
+    @Test func scrollViewOffersUnlimitedHeightAndScrolls() {
+        let hosted = Hosted(ScrollView { VStack(spacing: 0) { ForEach(0..<50) { Text("row \($0)").frame(height: 20) } } },
+                            width: 200, height: 100)
+        checkEqual(hosted.text("row 0")!.rect.midY, 10, accuracy: 0.5)
+        checkEqual(_zentoroViewScroll(hosted.view, 50, 50, 0, 60), 1)
+        hosted.render()
+        checkEqual(hosted.text("row 3")!.rect.midY, 10, accuracy: 0.5)
+        // Scrolling stops at the end of the content.
+        _ = _zentoroViewScroll(hosted.view, 50, 50, 0, 10_000)
+        hosted.render()
+        checkEqual(hosted.text("row 49")!.rect.midY, 90, accuracy: 0.5)
+    }
+
+    @Test func geometryReaderSeesItsSize() {
+        let hosted = Hosted(GeometryReader { proxy in Text("\(Int(proxy.size.width))x\(Int(proxy.size.height))") }.padding(10),
+                            width: 220, height: 120)
+        checkNotNil(hosted.text("200x100"))
+    }
+
+    @Test func shapesFillTheOfferAndCircleStaysRound() {
+        let hosted = Hosted(Circle().fill(Color.red).frame(width: 100, height: 40), width: 200, height: 100)
+        checkEqual(hosted.double.fills[0].bounds.width, 40, accuracy: 0.5)
+        checkEqual(hosted.double.fills[0].bounds.midX, 100, accuracy: 0.5)
+    }
+
+    @Test func offsetMovesDrawingButNotLayout() {
+        let hosted = Hosted(HStack(spacing: 0) { Text("a").offset(x: 30, y: 5); Text("b") }, width: 200, height: 100)
+        let a = hosted.text("a")!.rect, b = hosted.text("b")!.rect
+        checkEqual(a.minX - 30, b.minX - 7.8, accuracy: 0.5)
+        checkEqual(a.minY - 5, b.minY, accuracy: 0.5)
+    }
+}
