@@ -54,6 +54,8 @@ Agent::Agent(AgentOperations operations, QObject *parent) : QObject(parent), ope
         hasAPIKey_ = operations_.hasAPIKey();
     if (auto stored = Defaults::string(providerKey))
         preferredProvider_ = providerFromText(*stored);
+    restore();
+    refreshConversations();
 }
 
 std::optional<Provider> Agent::provider() const

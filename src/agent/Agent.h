@@ -2,6 +2,7 @@
 
 #include "agent/AgentOperations.h"
 #include "agent/ChatItem.h"
+#include "agent/SavedConversation.h"
 #include "core/MainTask.h"
 #include "model_service/JSON.h"
 #include "model_service/Provider.h"
@@ -9,12 +10,15 @@
 #include <QDateTime>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <QUuid>
 
 #include <optional>
 
 namespace zentoro {
+
+class Runtime;
 
 // The spine of the program: the open conversation, the user's messages, and the run
 // that drives the model step by step, carries out its tool calls and shows each as a row.
@@ -25,6 +29,7 @@ class Agent : public QObject {
     Q_OBJECT
 public:
     static constexpr int stepLimit = 80;
+    using Saved = SavedConversation;
 
     explicit Agent(QObject *parent = nullptr);
     // With `operations` in place of the program's own (tests drive the run with fakes).
@@ -53,6 +58,9 @@ public:
     QString currentRequest;
     QDateTime createdAt = QDateTime::currentDateTimeUtc();
 
+    // The runtime whose state the model is told of and whose loaded version a restart reports.
+    QPointer<Runtime> runtime;
+
     TaskHandle task() const { return task_; }
     AgentOperations &operations() { return operations_; }
 
@@ -64,6 +72,30 @@ public:
     void afterStopping(std::function<void()> work);
     // Called as each output item of a response starts; only moves `activity`.
     void started(const JSON &item);
+
+    // Tells the user of an event at once with `shown`, and the model later with `told`.
+    void note(const QString &shown, const QString &told);
+
+    // Whether the last run ended in an error and its input still waits to go out again.
+    bool canRetry() const;
+    // Sends the waiting input again; nothing while a run goes on or nothing waits.
+    void retry();
+
+    // Conversations on disk. `writeConversation` writes the open one and patches the list;
+    // the program's `save` operation is this.
+    void writeConversation();
+    Saved saved() const;
+    // Replaces the working copy; touches neither the disk nor the list.
+    void load(const Saved &saved);
+    // Reopens the conversation that the copy's settings name.
+    void restore();
+    // Rebuilds the list from the folder, newest first.
+    void refreshConversations();
+    void openConversation(const QUuid &id);
+    void newConversation();
+    // Once per process after the launch: answers the calls a crash or quit left open and
+    // goes on with the turn when the agent itself asked for the restart.
+    void resumeAfterLaunch();
 
     void setPreferredProvider(std::optional<Provider> provider);
     void setActivity(std::optional<QString> activity);

@@ -1,7 +1,10 @@
 #include "agent/AgentWiring.h"
 
 #include "agent/Agent.h"
+#include "agent/HistoryUpkeep.h"
+#include "agent/Instructions.h"
 #include "agent/Tools.h"
+#include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
 
 #include <QPointer>
@@ -34,16 +37,23 @@ AgentOperations programOperations(Agent &agent)
     operations.perform = [weak, runtimeTools](const QString &name, const JSON &arguments) -> QCoro::Task<ToolResult> {
         co_return co_await Tools::perform(*weak, Workspace::shared(), runtimeTools, name, arguments);
     };
-    operations.forHistory = [](const JSON &item) -> std::optional<JSON> { return item; };
-    operations.context = [] { return QString(); };
-    operations.recover = [](const TaskHandle &, const OpenAI::Failure &, Provider,
-                            Recovery *) -> QCoro::Task<bool> { co_return false; };
-    operations.errorItem = [](std::exception_ptr failure, Provider) {
-        ChatItem item = ChatItem::make(ChatItem::Kind::Error, describe(failure));
-        item.failed = true;
-        return item;
+    operations.forHistory = HistoryUpkeep::forHistory;
+    operations.context = [weak] { return Instructions::context(weak ? weak->runtime.data() : nullptr); };
+    operations.recover = [weak](const TaskHandle &task, const OpenAI::Failure &failure, Provider provider,
+                                Recovery *recovery) -> QCoro::Task<bool> {
+        if (!weak)
+            co_return false;
+        const PlanService plan = PlanService::standard();
+        const bool again = co_await FailureRecovery::recover(*weak, task, failure, provider, *recovery, plan);
+        co_return again;
     };
-    operations.save = [] {};
+    operations.errorItem = [](std::exception_ptr failure, Provider provider) {
+        return FailureRecovery::errorItem(failure, provider, PlanService::standard());
+    };
+    operations.save = [weak] {
+        if (weak)
+            weak->writeConversation();
+    };
     operations.relaunch = [](bool) {};
     operations.canUsePlan = [] { return false; };
     operations.hasAPIKey = [] { return false; };

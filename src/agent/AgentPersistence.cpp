@@ -1,0 +1,202 @@
+#include "agent/Agent.h"
+
+#include "core/AtomicFile.h"
+#include "core/Defaults.h"
+#include "runtime/Runtime.h"
+#include "runtime/Workspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace zentoro {
+
+namespace {
+
+const QString currentConversationKey = QStringLiteral("currentConversation");
+
+// A process started without a copy has nowhere to keep conversations.
+bool hasCopy()
+{
+    return !Workspace::shared().root.isEmpty();
+}
+
+QString conversationsFolder()
+{
+    return Workspace::shared().root + QStringLiteral("/Conversations");
+}
+
+QString stoppedOutput()
+{
+    return QStringLiteral("Zentoro stopped (it crashed or was quit) before this finished.");
+}
+
+QString restartAnswer(std::optional<int> loadedVersion)
+{
+    const QString running = loadedVersion ? QStringLiteral("version %1.").arg(*loadedVersion)
+                                          : QStringLiteral("no version (the window is empty).");
+    return QStringLiteral("Zentoro restarted; it is now running ") + running;
+}
+
+} // namespace
+
+Agent::Saved Agent::saved() const
+{
+    Saved saved;
+    saved.id = conversationID_;
+    saved.created = createdAt;
+    saved.updated = QDateTime::currentDateTimeUtc();
+    saved.items = items_;
+    saved.previousResponseID = previousResponseID;
+    saved.pendingInput = pendingInput;
+    saved.notes = notes;
+    saved.restartCallID = restartCallID;
+    saved.unansweredCalls = unansweredCalls;
+    saved.currentRequest = currentRequest;
+    saved.history = history;
+    return saved;
+}
+
+void Agent::writeConversation()
+{
+    if (!hasCopy())
+        return;
+    const Workspace &workspace = Workspace::shared();
+    const Saved current = saved();
+    Defaults::setSuiteValue(workspace.defaultsSuite(), currentConversationKey, uuidText(conversationID_));
+
+    const QString path = workspace.conversation(conversationID_);
+    if (!items_.isEmpty() || !pendingInput.isEmpty()) {
+        QDir().mkpath(conversationsFolder());
+        try {
+            AtomicFile::write(path, current.encode());
+        } catch (const JSON::Error &) {
+            // A value JSON can't hold; the old file stands and the next save tries again.
+        }
+    } else {
+        QFile::remove(path);
+    }
+
+    // Patched in place: a write never moves an entry, however recent.
+    const ConversationSummary summary = current.summary(conversationID_);
+    QList<ConversationSummary> list = conversations_;
+    const auto entry = std::find_if(list.begin(), list.end(),
+                                    [&](const ConversationSummary &listed) { return listed.id == summary.id; });
+    if (entry != list.end()) {
+        if (summary.isEmpty)
+            list.erase(entry);
+        else
+            *entry = summary;
+    } else if (!summary.isEmpty) {
+        list.prepend(summary);
+    }
+    setConversations(std::move(list));
+}
+
+void Agent::load(const Saved &saved)
+{
+    setConversationID(saved.id.value_or(QUuid::createUuid()));
+    createdAt = saved.created.value_or(QDateTime::currentDateTimeUtc());
+    setItems(saved.items);
+    previousResponseID = saved.previousResponseID;
+    pendingInput = saved.pendingInput;
+    notes = saved.notes;
+    restartCallID = saved.restartCallID;
+    unansweredCalls = saved.unansweredCalls;
+    currentRequest = saved.currentRequest;
+    history = saved.history;
+}
+
+void Agent::restore()
+{
+    if (!hasCopy())
+        return;
+    const Workspace &workspace = Workspace::shared();
+    const auto id = uuidFromText(Defaults::suiteValue(workspace.defaultsSuite(), currentConversationKey).toString());
+    if (!id)
+        return;
+    if (auto stored = Saved::read(workspace.conversation(*id)))
+        load(*stored);
+}
+
+void Agent::refreshConversations()
+{
+    if (!hasCopy())
+        return;
+    const QFileInfoList entries =
+        QDir(conversationsFolder()).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
+    QList<ConversationSummary> list;
+    for (const QFileInfo &entry : entries) {
+        if (entry.suffix() != u"json")
+            continue;
+        const auto stored = Saved::read(entry.filePath());
+        if (!stored)
+            continue;
+        const QUuid fallback = uuidFromText(entry.completeBaseName()).value_or(QUuid::createUuid());
+        ConversationSummary summary = stored->summary(fallback);
+        if (!summary.isEmpty)
+            list.append(std::move(summary));
+    }
+    std::stable_sort(list.begin(), list.end(), [](const ConversationSummary &a, const ConversationSummary &b) {
+        return a.updated > b.updated;
+    });
+    setConversations(std::move(list));
+}
+
+void Agent::openConversation(const QUuid &id)
+{
+    if (id == conversationID_)
+        return;
+    QPointer<Agent> weak(this);
+    afterStopping([weak, id] {
+        if (!weak || !hasCopy())
+            return;
+        if (auto stored = Saved::read(Workspace::shared().conversation(id))) {
+            weak->load(*stored);
+            weak->save();
+        } else {
+            weak->refreshConversations();
+        }
+    });
+}
+
+void Agent::newConversation()
+{
+    QPointer<Agent> weak(this);
+    afterStopping([weak] {
+        if (!weak)
+            return;
+        Saved blank;
+        blank.id = QUuid::createUuid();
+        weak->load(blank);
+        weak->save();
+    });
+}
+
+void Agent::resumeAfterLaunch()
+{
+    for (const QString &callID : std::as_const(unansweredCalls)) {
+        if (callID != restartCallID)
+            pendingInput.append(output(callID, stoppedOutput()));
+    }
+    unansweredCalls.clear();
+    save();
+    if (!restartCallID)
+        return;
+
+    const QString callID = *restartCallID;
+    restartCallID.reset();
+    QString answer = restartAnswer(runtime ? runtime->loadedVersion() : std::nullopt);
+    if (!notes.isEmpty()) {
+        answer += u'\n' + notes.join(u'\n');
+        notes.clear();
+    }
+    pendingInput.append(output(callID, answer));
+    appendItem(ChatItem::make(ChatItem::Kind::Event, QStringLiteral("Restarted"), QStringLiteral("arrow.clockwise")));
+    save();
+    start();
+}
+
+} // namespace zentoro
