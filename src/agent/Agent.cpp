@@ -189,12 +189,20 @@ QCoro::Task<> Agent::loop(TaskHandle self)
                 stopped();
                 co_return;
             }
-            if (serviceFailure && co_await operations_.recover(self, *serviceFailure, provider, &recovery)) {
-                if (++steps >= stepLimit) {
-                    appendItem(errorRow(stepLimitText()));
+            if (serviceFailure) {
+                const bool again = co_await operations_.recover(self, *serviceFailure, provider, &recovery);
+                // A stop during a repair's wait is a stop, not a failure.
+                if (self.isCancelled()) {
+                    stopped();
                     co_return;
                 }
-                continue;
+                if (again) {
+                    if (++steps >= stepLimit) {
+                        appendItem(errorRow(stepLimitText()));
+                        co_return;
+                    }
+                    continue;
+                }
             }
             appendItem(operations_.errorItem(failure, provider));
             co_return;

@@ -1,0 +1,161 @@
+#include "agent/Agent.h"
+#include "agent/Instructions.h"
+#include "runtime/Workspace.h"
+
+#include "support/Await.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+using namespace zentoro::Instructions;
+
+namespace {
+
+const QDateTime now(QDate(2026, 11, 22), QTime(15, 0), QTimeZone::utc());
+const QLocale english(QLocale::English, QLocale::UnitedStates);
+
+Workspace copyNamed(const QString &name)
+{
+    Workspace workspace = Workspace::forName(name);
+    QDir(workspace.root).removeRecursively();
+    QDir().mkpath(workspace.sources());
+    return workspace;
+}
+
+void put(const Workspace &workspace, const QString &path, const QByteArray &bytes)
+{
+    const QString full = workspace.sources() + "/" + path;
+    QDir().mkpath(QFileInfo(full).path());
+    QFile file(full);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QStringList lines(const QString &text)
+{
+    return text.split(u'\n');
+}
+
+} // namespace
+
+TEST(Instructions, ThePromptNamesTheCopyAndItsOwnDataFolder)
+{
+    const QString kitchen = instructions("Kitchen Timer", "/home/u/.local/share/Zentoro/Apps/Kitchen Timer/Data");
+    const QString notes = instructions("Notes", "/home/u/.local/share/Zentoro/Apps/Notes/Data");
+    EXPECT_NE(kitchen, notes);
+    EXPECT_EQ(kitchen.count("\"Kitchen Timer\""), 2);
+    EXPECT_TRUE(kitchen.contains("files under /home/u/.local/share/Zentoro/Apps/Kitchen Timer/Data. Both are"));
+
+    const QStringList prompt = lines(kitchen);
+    ASSERT_GE(prompt.size(), 26);
+    EXPECT_TRUE(prompt[0].startsWith("You are the engineer inside Zentoro, a Linux desktop app that rewrites itself."));
+    EXPECT_EQ(prompt[1], "");
+    EXPECT_EQ(prompt[4], "# How Zentoro runs the app");
+    EXPECT_EQ(prompt[12], "# How to work");
+    EXPECT_EQ(prompt[19], "# Notes");
+    EXPECT_TRUE(prompt[25].startsWith("- Each message from the user comes with a note"));
+    EXPECT_FALSE(kitchen.endsWith('\n'));
+    EXPECT_FALSE(kitchen.contains("macOS"));
+
+    // The kit's list follows the notes whenever the build carries it.
+    const QString kit = kitList();
+    if (kit.isEmpty()) {
+        EXPECT_EQ(prompt.size(), 26);
+    } else {
+        EXPECT_EQ(prompt[26], "");
+        EXPECT_EQ(prompt[27], "# What Zentoro's SwiftUI supports");
+        EXPECT_TRUE(kitchen.endsWith("# What Zentoro's SwiftUI supports\n" + kit));
+    }
+}
+
+TEST(Instructions, TheStateNoteOfACopyWithNothingBuilt)
+{
+    const Workspace workspace = copyNamed("Empty Note");
+    const QString note = context(RuntimeState(), std::nullopt, "Swift 6.3.1 at /opt/swift", workspace, now, english);
+    EXPECT_EQ(note, "Zentoro right now:\n"
+                    "- Running: nothing (the window shows Zentoro's setup screen).\n"
+                    "- Versions built so far: 0.\n"
+                    "- Compiler: Swift 6.3.1 at /opt/swift.\n"
+                    "- Files in the source folder: none.\n"
+                    "- Today is Sunday, November 22, 2026.");
+    QDir(workspace.root).removeRecursively();
+}
+
+TEST(Instructions, TheStateNoteTellsTheRunningVersionAndTheFiles)
+{
+    const Workspace workspace = copyNamed("Busy Note");
+    put(workspace, "AppRoot.swift", "import SwiftUI\nstruct AppRoot: View {}\n");
+    put(workspace, "Model/Empty.swift", "");
+    put(workspace, "Model/Latin1.swift", "let caf\xe9 = 1\n");
+    RuntimeState state;
+    state.versions = {VersionRecord{1, now.addDays(-3), "First", false},
+                      VersionRecord{2, now.addSecs(-2 * 3600), "A blue timer", false}};
+
+    const QStringList note = lines(context(state, 2, "Swift 6.3.1 at /opt/swift", workspace, now, english));
+    EXPECT_EQ(note[1], "- Running: version 2, built 2 hours ago for \"A blue timer\".");
+    EXPECT_EQ(note[2], "- Versions built so far: 2.");
+    EXPECT_EQ(note[4], "- Files in the source folder: AppRoot.swift (3 lines), Model/Empty.swift (1 lines), "
+                       "Model/Latin1.swift (0 lines).");
+
+    // A loaded version without a record is as good as nothing.
+    EXPECT_EQ(lines(context(state, 7, "x", workspace, now, english))[1],
+              "- Running: nothing (the window shows Zentoro's setup screen).");
+    QDir(workspace.root).removeRecursively();
+}
+
+TEST(Instructions, AgesReadAsPeopleSayThem)
+{
+    struct Case {
+        qint64 secondsAgo;
+        const char *text;
+    };
+    for (const Case &c : {Case{0, "now"}, Case{1, "1 second ago"}, Case{45, "45 seconds ago"}, Case{60, "1 minute ago"},
+                          Case{59 * 60, "59 minutes ago"}, Case{3600, "1 hour ago"}, Case{2 * 3600 + 59, "2 hours ago"},
+                          Case{86400, "yesterday"}, Case{2 * 86400, "2 days ago"}, Case{7 * 86400, "last week"},
+                          Case{15 * 86400, "2 weeks ago"}, Case{31 * 86400, "last month"},
+                          Case{200 * 86400, "6 months ago"}, Case{365 * 86400, "last year"},
+                          Case{3 * 365 * 86400, "3 years ago"}, Case{-5 * 60, "in 5 minutes"},
+                          Case{-86400, "tomorrow"}})
+        EXPECT_EQ(relativeAge(now.addSecs(-c.secondsAgo), now), c.text) << c.secondsAgo;
+    EXPECT_EQ(fullDate(QDate(2026, 11, 22), QLocale(QLocale::English, QLocale::UnitedKingdom)),
+              "Sunday, 22 November 2026");
+}
+
+TEST(Instructions, NotesShowAtOnceAndReachTheModelTogetherWithTheNextMessage)
+{
+    QList<JSON> sent;
+    AgentOperations ops;
+    ops.hasAPIKey = [] { return true; };
+    ops.canUsePlan = [] { return false; };
+    ops.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> { co_return QString::fromUtf8("k"); };
+    ops.request = [](Provider) { return JSON::object(); };
+    Agent *agent = nullptr;
+    ops.respond = [&](const TaskHandle &, const QString &, const JSON &,
+                      const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
+        sent = agent->pendingInput;
+        co_return JSON::object({{"output", JSON::array()}});
+    };
+    ops.forHistory = [](const JSON &item) -> std::optional<JSON> { return item; };
+    ops.context = [] { return QStringLiteral("state note"); };
+    int saves = 0;
+    ops.save = [&] { ++saves; };
+    Agent instance(ops);
+    agent = &instance;
+
+    instance.note("Version 3 crashed; back to version 2.", "Version 3 crashed while starting.");
+    instance.note("You went back to version 1.", "The user went back to version 1.");
+    EXPECT_EQ(saves, 2);
+    ASSERT_EQ(instance.items().size(), 2);
+    EXPECT_EQ(instance.items()[0].text, "Version 3 crashed; back to version 2.");
+    EXPECT_EQ(instance.items()[0].symbol, "info.circle");
+    EXPECT_EQ(instance.items()[0].kind, ChatItem::Kind::Event);
+
+    instance.send("fix it");
+    ASSERT_TRUE(test::spinUntil([&] { return !instance.isRunning(); }));
+    ASSERT_EQ(sent.size(), 3);
+    EXPECT_EQ(sent[0], Agent::message("developer", "Meanwhile, in Zentoro:\n- Version 3 crashed while starting.\n"
+                                                   "- The user went back to version 1."));
+}

@@ -1,0 +1,441 @@
+#include "agent/Agent.h"
+#include "core/Defaults.h"
+#include "runtime/Workspace.h"
+
+#include "support/Await.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString currentKey = QStringLiteral("currentConversation");
+
+// Every test works on a copy of its own, left behind clean, so that agents made later in
+// this program restore nothing.
+class Persistence : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        Workspace::initShared(QStringLiteral("/opt/Persisting"));
+        clean();
+    }
+    void TearDown() override { clean(); }
+
+    static void clean()
+    {
+        QDir(Workspace::shared().root).removeRecursively();
+        QFile::remove(Defaults::path(Workspace::shared().defaultsSuite()));
+    }
+
+    static QString folder() { return Workspace::shared().root + "/Conversations"; }
+    static QString fileOf(const QUuid &id) { return Workspace::shared().conversation(id); }
+    static QVariant current() { return Defaults::suiteValue(Workspace::shared().defaultsSuite(), currentKey); }
+    static void setCurrent(const QString &text)
+    {
+        Defaults::setSuiteValue(Workspace::shared().defaultsSuite(), currentKey, text);
+    }
+
+    static void put(const QString &name, const QByteArray &bytes)
+    {
+        QDir().mkpath(folder());
+        QFile file(folder() + "/" + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    static JSON stored(const QUuid &id)
+    {
+        QFile file(fileOf(id));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return JSON::decode(file.readAll());
+    }
+};
+
+ChatItem userRow(const QString &text)
+{
+    return ChatItem::make(ChatItem::Kind::User, text);
+}
+
+// The least a readable file holds.
+QByteArray minimalFile(const QString &firstMessage, std::optional<double> updated = std::nullopt,
+                       const QString &id = QString())
+{
+    JSON json = JSON::object({{"items", JSON::array({userRow(firstMessage).toJSON()})},
+                              {"pendingInput", JSON::array()},
+                              {"notes", JSON::array()}});
+    if (updated)
+        json.set("updated", JSON::number(*updated));
+    if (!id.isEmpty())
+        json.set("id", id);
+    return json.encode();
+}
+
+QStringList titles(const Agent &agent)
+{
+    QStringList result;
+    for (const ConversationSummary &summary : agent.conversations())
+        result.append(summary.title);
+    return result;
+}
+
+// Operations for a run whose every save is the real one and whose model never answers
+// until it is stopped.
+AgentOperations hangingModel(Agent *&agent)
+{
+    AgentOperations ops;
+    ops.hasAPIKey = [] { return true; };
+    ops.canUsePlan = [] { return false; };
+    ops.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> { co_return QString::fromUtf8("key"); };
+    ops.request = [](Provider) { return JSON::object(); };
+    ops.respond = [](const TaskHandle &task, const QString &, const JSON &,
+                     const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
+        co_await sleep(task, 20s);
+        throw NetworkError(QNetworkReply::OperationCanceledError, QString::fromUtf8("cancelled"));
+    };
+    ops.forHistory = [](const JSON &item) -> std::optional<JSON> { return item; };
+    ops.context = [] { return QStringLiteral("state note"); };
+    ops.recover = [](const TaskHandle &, const OpenAI::Failure &, Provider, Recovery *) -> QCoro::Task<bool> {
+        co_return false;
+    };
+    ops.errorItem = [](std::exception_ptr, Provider) { return ChatItem::make(ChatItem::Kind::Error, "failed"); };
+    ops.save = [&agent] { agent->writeConversation(); };
+    ops.relaunch = [](bool) {};
+    return ops;
+}
+
+} // namespace
+
+TEST_F(Persistence, AConversationComesBackWholeInTheNextProcess)
+{
+    QUuid id;
+    {
+        Agent agent;
+        id = agent.conversationID();
+        agent.createdAt = QDateTime(QDate(2001, 1, 1), QTime(0, 0, 1, 250), QTimeZone::utc());
+        ChatItem tool = ChatItem::make(ChatItem::Kind::Tool, "Built version 3", "hammer");
+        tool.detail = "warnings: none";
+        tool.imagePath = "/tmp/shot.png";
+        agent.setItems({userRow("Make a timer"), tool});
+        agent.pendingInput = {Agent::output("call_2", "ran")};
+        agent.history = {Agent::message("user", "Make a timer"),
+                         JSON::object({{"type", "function_call"}, {"call_id", "call_2"}, {"name", "build"}})};
+        agent.notes = {"Version 2 crashed"};
+        agent.previousResponseID = "resp_9";
+        agent.restartCallID = "call_3";
+        agent.unansweredCalls = {"call_3"};
+        agent.currentRequest = "Make a timer";
+        agent.writeConversation();
+    }
+    EXPECT_EQ(current().toString(), uuidText(id));
+
+    const JSON json = stored(id);
+    EXPECT_EQ(json.stringAt("id"), uuidText(id));
+    EXPECT_EQ(json.numberAt("created"), 1.25);
+    EXPECT_GT(*json.numberAt("updated"), 7e8); // seconds since 2001, not since 1970
+    EXPECT_LT(*json.numberAt("updated"), 2e9);
+
+    Agent restored;
+    EXPECT_EQ(restored.conversationID(), id);
+    EXPECT_EQ(restored.createdAt, QDateTime(QDate(2001, 1, 1), QTime(0, 0, 1, 250), QTimeZone::utc()));
+    ASSERT_EQ(restored.items().size(), 2);
+    EXPECT_EQ(restored.items()[1].detail, "warnings: none");
+    EXPECT_EQ(restored.items()[1].imagePath, "/tmp/shot.png");
+    EXPECT_EQ(restored.pendingInput, (QList<JSON>{Agent::output("call_2", "ran")}));
+    EXPECT_EQ(restored.history.size(), 2);
+    EXPECT_EQ(restored.notes, QStringList{"Version 2 crashed"});
+    EXPECT_EQ(restored.previousResponseID, "resp_9");
+    EXPECT_EQ(restored.restartCallID, "call_3");
+    EXPECT_EQ(restored.unansweredCalls, QStringList{"call_3"});
+    EXPECT_EQ(restored.currentRequest, "Make a timer");
+    ASSERT_EQ(restored.conversations().size(), 1);
+    EXPECT_EQ(restored.conversations()[0].title, "Make a timer");
+}
+
+TEST_F(Persistence, AWriterLeavesOutAbsentValuesAndNoTemporaryFiles)
+{
+    Agent agent;
+    agent.setItems({userRow("hi")});
+    agent.writeConversation();
+    agent.writeConversation();
+    const JSON json = stored(agent.conversationID());
+    for (const char *key : {"id", "created", "updated", "items", "pendingInput", "notes", "unansweredCalls",
+                            "currentRequest", "history"})
+        EXPECT_TRUE(json.find(key)) << key;
+    EXPECT_FALSE(json.find("previousResponseID"));
+    EXPECT_FALSE(json.find("restartCallID"));
+    EXPECT_EQ(QDir(folder()).entryList(QDir::Files | QDir::Hidden), QStringList{uuidText(agent.conversationID()) + ".json"});
+}
+
+TEST_F(Persistence, SavesPatchTheListInPlaceAndOnlyConversationsWithRowsAreListed)
+{
+    put("96E41A52-2E41-4B0C-8E8A-8F3C0A5F7B11.json",
+        minimalFile("Older one", 100, "96E41A52-2E41-4B0C-8E8A-8F3C0A5F7B11"));
+    Agent agent;
+    ASSERT_EQ(titles(agent), QStringList{"Older one"});
+
+    // Queued input alone makes a file but no entry, and the settings name it from the first save.
+    agent.pendingInput = {Agent::message("user", "queued")};
+    agent.writeConversation();
+    EXPECT_TRUE(QFile::exists(fileOf(agent.conversationID())));
+    EXPECT_EQ(titles(agent), QStringList{"Older one"});
+
+    agent.setItems({userRow("Newer one")});
+    agent.writeConversation();
+    EXPECT_EQ(titles(agent), (QStringList{"Newer one", "Older one"}));
+
+    // Opening the older one moves neither entry, though it is now the latest written.
+    agent.openConversation(QUuid::fromString(QStringLiteral("96E41A52-2E41-4B0C-8E8A-8F3C0A5F7B11")));
+    EXPECT_EQ(titles(agent), (QStringList{"Newer one", "Older one"}));
+    EXPECT_GT(agent.conversations()[1].updated, QDateTime::currentDateTimeUtc().addSecs(-60));
+
+    // A conversation emptied of everything loses its file and its entry.
+    agent.setItems({});
+    agent.pendingInput.clear();
+    agent.writeConversation();
+    EXPECT_FALSE(QFile::exists(fileOf(agent.conversationID())));
+    EXPECT_EQ(titles(agent), QStringList{"Newer one"});
+    EXPECT_EQ(current().toString(), uuidText(agent.conversationID()));
+}
+
+TEST_F(Persistence, TheListSkipsWhatItCantReadAndLeavesItOnDisk)
+{
+    const QByteArray good = minimalFile("Readable");
+    put("5A0D9C7E-1F6B-4B7A-9E54-1C2D3E4F5A6B.json", good.left(good.size() / 2)); // truncated
+    put("6B1E0D8F-2A7C-4C8B-8F65-2D3E4F5A6B7C.json", "not JSON at all");
+    put("7C2F1E90-3B8D-4D9C-9076-3E4F5A6B7C8D.json",
+        R"({"items":{},"pendingInput":[],"notes":[]})"); // items of the wrong type
+    put("8D302FA1-4C9E-4EAD-8187-4F5A6B7C8D9E.json", R"({"items":[],"pendingInput":[]})"); // notes missing
+    put("9E4130B2-5DAF-4FBE-9298-5A6B7C8D9EAF.json",
+        R"({"items":[{"id":"0B3A4C2D-1E5F-4A6B-8C7D-9E0F1A2B3C4D","kind":"robot","text":"x","failed":false}],)"
+        R"("pendingInput":[],"notes":[]})"); // a row of an unknown kind
+    put("AF5241C3-6EB0-40CF-A3A9-6B7C8D9EAFB0.json", QByteArray(200000, '[')); // nested beyond reason
+    put("B06352D4-7FC1-41D0-B4BA-7C8D9EAFB0C1.JSON", good);                    // capitals aren't "json"
+    put("C17463E5-80D2-42E1-85CB-8D9EAFB0C1D2.txt", good);
+    put("D28574F6-91E3-43F2-96DC-9EAFB0C1D2E3.json", minimalFile("Readable"));
+    {
+        QFile enormous(folder() + "/E39685A7-A2F4-4403-87ED-AFB0C1D2E3F4.json");
+        ASSERT_TRUE(enormous.open(QIODevice::WriteOnly));
+        enormous.write(good);
+        ASSERT_TRUE(enormous.resize(SavedConversation::largestFile + 1));
+    }
+
+    Agent agent;
+    EXPECT_EQ(titles(agent), QStringList{"Readable"});
+    EXPECT_EQ(QDir(folder()).entryList(QDir::Files).size(), 10);
+}
+
+TEST_F(Persistence, ReadingFollowsTheKeysRules)
+{
+    auto read = [](const QByteArray &bytes) -> std::optional<SavedConversation> {
+        try {
+            return SavedConversation::fromJSON(JSON::decode(bytes));
+        } catch (const JSON::Error &) {
+            return std::nullopt;
+        }
+    };
+    const auto minimal = read(R"({"items":[],"pendingInput":[1,"two",null],"notes":["a"],"somethingNew":{"x":1}})");
+    ASSERT_TRUE(minimal);
+    EXPECT_FALSE(minimal->id);
+    EXPECT_FALSE(minimal->created);
+    EXPECT_TRUE(minimal->unansweredCalls.isEmpty());
+    EXPECT_EQ(minimal->pendingInput.size(), 3);
+
+    // Optional keys may be null; they read as absent.
+    const auto nulls = read(R"({"id":null,"created":null,"previousResponseID":null,"restartCallID":null,)"
+                            R"("unansweredCalls":null,"currentRequest":null,"history":null,)"
+                            R"("items":[],"pendingInput":[],"notes":[]})");
+    ASSERT_TRUE(nulls);
+    EXPECT_FALSE(nulls->previousResponseID);
+
+    // A lower-case UUID is still one; a date keeps its fraction.
+    const auto dated = read(R"({"id":"0b3a4c2d-1e5f-4a6b-8c7d-9e0f1a2b3c4d","created":-0.5,"updated":1e9,)"
+                            R"("items":[],"pendingInput":[],"notes":[]})");
+    ASSERT_TRUE(dated);
+    EXPECT_EQ(uuidText(*dated->id), "0B3A4C2D-1E5F-4A6B-8C7D-9E0F1A2B3C4D");
+    EXPECT_EQ(*dated->created, QDateTime(QDate(2000, 12, 31), QTime(23, 59, 59, 500), QTimeZone::utc()));
+
+    for (const char *bad : {
+             R"([])",
+             R"({"pendingInput":[],"notes":[]})",
+             R"({"items":[],"notes":[]})",
+             R"({"items":[],"pendingInput":[],"notes":[3]})",
+             R"({"items":[],"pendingInput":{},"notes":[]})",
+             R"({"id":"conversation-1","items":[],"pendingInput":[],"notes":[]})",
+             R"({"id":"{0B3A4C2D-1E5F-4A6B-8C7D-9E0F1A2B3C4D}","items":[],"pendingInput":[],"notes":[]})",
+             R"({"id":42,"items":[],"pendingInput":[],"notes":[]})",
+             R"({"created":"2024-01-01","items":[],"pendingInput":[],"notes":[]})",
+             R"({"updated":1e300,"items":[],"pendingInput":[],"notes":[]})",
+             R"({"unansweredCalls":"call_1","items":[],"pendingInput":[],"notes":[]})",
+             R"({"unansweredCalls":[1],"items":[],"pendingInput":[],"notes":[]})",
+             R"({"currentRequest":false,"items":[],"pendingInput":[],"notes":[]})",
+             R"({"history":{},"items":[],"pendingInput":[],"notes":[]})",
+             R"({"items":[null],"pendingInput":[],"notes":[]})",
+         })
+        EXPECT_FALSE(read(bad)) << bad;
+}
+
+TEST_F(Persistence, AFileWithoutIdIsListedUnderItsNameAndContinuesUnderAFreshId)
+{
+    const QString name = QStringLiteral("1A2B3C4D-5E6F-4071-8293-A4B5C6D7E8F9");
+    put(name + ".json", minimalFile("No id inside"));
+    put("notes.json", minimalFile("Oddly named"));
+    put(".hidden.json", minimalFile("Hidden"));
+    put("later.json", minimalFile("Dated", 5000));
+
+    Agent agent;
+    // Newest first; the undated sort last in the order of the listing.
+    EXPECT_EQ(titles(agent), (QStringList{"Dated", "Hidden", "No id inside", "Oddly named"}));
+    EXPECT_EQ(uuidText(agent.conversations()[2].id), name);
+    EXPECT_EQ(agent.conversations()[3].updated, ConversationSummary::distantPast());
+    const QUuid oddID = agent.conversations()[3].id;
+    agent.refreshConversations();
+    EXPECT_NE(agent.conversations()[3].id, oddID);
+
+    // An entry under a made-up id names no file: opening it only refreshes the list.
+    const QUuid before = agent.conversationID();
+    agent.openConversation(agent.conversations()[3].id);
+    EXPECT_EQ(agent.conversationID(), before);
+
+    // Restoring the file without an id continues it under a new one; the old file stays.
+    setCurrent(name);
+    Agent restored;
+    EXPECT_NE(uuidText(restored.conversationID()), name);
+    ASSERT_EQ(restored.items().size(), 1);
+    restored.writeConversation();
+    EXPECT_TRUE(QFile::exists(folder() + "/" + name + ".json"));
+    EXPECT_TRUE(QFile::exists(fileOf(restored.conversationID())));
+    EXPECT_EQ(restored.conversations().size(), 5);
+}
+
+TEST_F(Persistence, AStaleOrUnreadableCurrentConversationGivesAFreshOne)
+{
+    for (const QString &named : {QStringLiteral("3F2504E0-4F89-41D3-9A0C-0305E82C3301"), QStringLiteral("not an id"),
+                                 QString()}) {
+        setCurrent(named);
+        Agent agent;
+        EXPECT_TRUE(agent.items().isEmpty()) << named.toStdString();
+        EXPECT_NE(uuidText(agent.conversationID()), named);
+    }
+    put("3F2504E0-4F89-41D3-9A0C-0305E82C3301.json", "{\"items\":[");
+    setCurrent("3F2504E0-4F89-41D3-9A0C-0305E82C3301");
+    Agent agent;
+    EXPECT_TRUE(agent.items().isEmpty());
+    EXPECT_NE(uuidText(agent.conversationID()), "3F2504E0-4F89-41D3-9A0C-0305E82C3301");
+    // Restoring writes nothing: the damaged file is as it was.
+    QFile file(folder() + "/3F2504E0-4F89-41D3-9A0C-0305E82C3301.json");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "{\"items\":[");
+}
+
+TEST_F(Persistence, OpeningTheOpenConversationTouchesNothing)
+{
+    Agent agent;
+    agent.setItems({userRow("Stay")});
+    agent.writeConversation();
+    const JSON before = stored(agent.conversationID());
+    QThread::msleep(5);
+    agent.openConversation(agent.conversationID());
+    EXPECT_EQ(stored(agent.conversationID()), before);
+}
+
+TEST_F(Persistence, ANewConversationLeavesNoFileAndTheSettingsNameIt)
+{
+    Agent agent;
+    agent.setItems({userRow("First")});
+    agent.notes = {"pending note"};
+    agent.writeConversation();
+    const QUuid first = agent.conversationID();
+
+    agent.newConversation();
+    EXPECT_NE(agent.conversationID(), first);
+    EXPECT_TRUE(agent.items().isEmpty());
+    EXPECT_TRUE(agent.notes.isEmpty());
+    EXPECT_FALSE(QFile::exists(fileOf(agent.conversationID())));
+    EXPECT_EQ(current().toString(), uuidText(agent.conversationID()));
+    EXPECT_EQ(titles(agent), QStringList{"First"});
+
+    // And the old one opens again, with what it held.
+    agent.openConversation(first);
+    EXPECT_EQ(agent.conversationID(), first);
+    EXPECT_EQ(agent.notes, QStringList{"pending note"});
+    EXPECT_EQ(current().toString(), uuidText(first));
+}
+
+TEST_F(Persistence, SwitchingDuringARunWaitsSoTheRunsLastSaveGoesToItsOwnFile)
+{
+    put("2B3C4D5E-6F70-4182-93A4-B5C6D7E8F9A0.json", minimalFile("Other"));
+    Agent *pointer = nullptr;
+    Agent agent(hangingModel(pointer));
+    pointer = &agent;
+    agent.send("long job");
+    ASSERT_TRUE(agent.isRunning());
+    const QUuid first = agent.conversationID();
+
+    agent.openConversation(QUuid::fromString(QStringLiteral("2B3C4D5E-6F70-4182-93A4-B5C6D7E8F9A0")));
+    ASSERT_TRUE(test::spinUntil([&] { return agent.conversationID() != first; }));
+    EXPECT_FALSE(agent.isRunning());
+    ASSERT_EQ(agent.items().size(), 1);
+    EXPECT_EQ(agent.items()[0].text, "Other");
+
+    const JSON old = stored(first);
+    const JSON::Array rows = *old.arrayAt("items");
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_EQ(rows[1].stringAt("text"), "Stopped");
+    EXPECT_EQ(old.arrayAt("pendingInput")->size(), 2u);
+}
+
+TEST_F(Persistence, AfterACrashDuringToolsTheCallsGetTheStoppedTextAndTheTurnStaysEnded)
+{
+    Agent *pointer = nullptr;
+    Agent agent(hangingModel(pointer));
+    pointer = &agent;
+    agent.setItems({userRow("build it"), ChatItem::make(ChatItem::Kind::Tool, "Edited AppRoot.swift")});
+    agent.pendingInput = {Agent::output("c1", "edited")};
+    agent.unansweredCalls = {"c2", "c3"};
+    agent.resumeAfterLaunch();
+
+    EXPECT_FALSE(agent.isRunning());
+    EXPECT_EQ(agent.items().size(), 2);
+    const QString stopped = "Zentoro stopped (it crashed or was quit) before this finished.";
+    EXPECT_EQ(agent.pendingInput,
+              (QList<JSON>{Agent::output("c1", "edited"), Agent::output("c2", stopped), Agent::output("c3", stopped)}));
+    EXPECT_TRUE(agent.unansweredCalls.isEmpty());
+    EXPECT_TRUE(stored(agent.conversationID()).arrayAt("unansweredCalls")->empty());
+}
+
+TEST_F(Persistence, ARestartTheAgentAskedForIsAnsweredAndTheTurnGoesOn)
+{
+    Agent *pointer = nullptr;
+    Agent agent(hangingModel(pointer));
+    pointer = &agent;
+    agent.setItems({userRow("restart please")});
+    agent.unansweredCalls = {"c1", "restart"};
+    agent.restartCallID = "restart";
+    agent.notes = {"Version 4 crashed while starting; back to version 3.", "Second note"};
+    agent.resumeAfterLaunch();
+
+    EXPECT_TRUE(agent.isRunning());
+    ASSERT_EQ(agent.pendingInput.size(), 2);
+    EXPECT_EQ(agent.pendingInput[0],
+              Agent::output("c1", "Zentoro stopped (it crashed or was quit) before this finished."));
+    EXPECT_EQ(agent.pendingInput[1],
+              Agent::output("restart", "Zentoro restarted; it is now running no version (the window is empty).\n"
+                                       "Version 4 crashed while starting; back to version 3.\nSecond note"));
+    EXPECT_FALSE(agent.restartCallID);
+    EXPECT_TRUE(agent.notes.isEmpty());
+    EXPECT_EQ(agent.items().last().text, "Restarted");
+    EXPECT_EQ(agent.items().last().symbol, "arrow.clockwise");
+
+    // Saved before the run went on: a second crash now would not answer the restart twice.
+    const JSON onDisk = stored(agent.conversationID());
+    EXPECT_FALSE(onDisk.find("restartCallID"));
+    EXPECT_EQ(onDisk.arrayAt("pendingInput")->size(), 2u);
+    agent.task().cancel();
+    ASSERT_TRUE(test::spinUntil([&] { return !agent.isRunning(); }));
+}

@@ -1,0 +1,311 @@
+#include "agent/Agent.h"
+#include "agent/HistoryUpkeep.h"
+#include "agent/Recovery.h"
+#include "model_service/AgentConfig.h"
+#include "runtime/Workspace.h"
+
+#include "support/Await.h"
+
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+
+using namespace zentoro;
+using namespace std::chrono_literals;
+
+namespace {
+
+JSON answer()
+{
+    return JSON::object({{"id", "resp_next"},
+                         {"output", JSON::array({JSON::object({{"type", "message"},
+                                                               {"content", JSON::array({JSON::object(
+                                                                               {{"text", "Fixed it."}})})}})})}});
+}
+
+OpenAI::Failure failure(int status, std::optional<QString> code, std::optional<QString> param = std::nullopt,
+                        QString message = QStringLiteral("It failed."))
+{
+    return OpenAI::Failure(status, std::move(code), std::move(param), std::move(message));
+}
+
+// A run whose model fails as scripted, with the real recovery and error rows, and a fake
+// credential source that records when a fresh token was asked for.
+struct Harness {
+    std::deque<std::optional<OpenAI::Failure>> failures;
+    Provider provider = Provider::APIKey;
+    PlanService plan{QUrl(QStringLiteral("https://chatgpt.example/settings/usage")), 20ms};
+    std::vector<bool> refreshes;
+    std::vector<std::optional<QString>> chains; // previousResponseID as each request was built
+    std::vector<QList<JSON>> inputs;            // pendingInput as each request was built
+    std::vector<std::optional<QString>> activities;
+    Agent agent;
+
+    explicit Harness(Provider provider = Provider::APIKey) : provider(provider), agent(operations()) {}
+
+    AgentOperations operations()
+    {
+        AgentOperations ops;
+        ops.hasAPIKey = [this] { return provider == Provider::APIKey; };
+        ops.canUsePlan = [this] { return provider == Provider::ChatGPT; };
+        ops.bearer = [this](const TaskHandle &, Provider, bool refresh) -> QCoro::Task<QString> {
+            refreshes.push_back(refresh);
+            co_return QString::fromUtf8("token");
+        };
+        ops.request = [this](Provider) {
+            chains.push_back(agent.previousResponseID);
+            inputs.push_back(agent.pendingInput);
+            return JSON::object();
+        };
+        ops.respond = [this](const TaskHandle &task, const QString &, const JSON &,
+                             const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
+            co_await sleep(task, 1ms);
+            if (!failures.empty()) {
+                auto next = failures.front();
+                failures.pop_front();
+                if (next)
+                    throw *next;
+            }
+            co_return answer();
+        };
+        ops.perform = [](const QString &, const JSON &) -> QCoro::Task<ToolResult> { co_return ToolResult{}; };
+        ops.forHistory = HistoryUpkeep::forHistory;
+        ops.context = [] { return QStringLiteral("state note"); };
+        ops.recover = [this](const TaskHandle &task, const OpenAI::Failure &failure, Provider provider,
+                             Recovery *recovery) -> QCoro::Task<bool> {
+            const bool again = co_await FailureRecovery::recover(agent, task, failure, provider, *recovery, plan);
+            activities.push_back(agent.activity());
+            co_return again;
+        };
+        ops.errorItem = [this](std::exception_ptr error, Provider provider) {
+            return FailureRecovery::errorItem(error, provider, plan);
+        };
+        ops.save = [] {};
+        ops.relaunch = [](bool) {};
+        return ops;
+    }
+
+    void fail(std::initializer_list<std::optional<OpenAI::Failure>> script)
+    {
+        failures.insert(failures.end(), script);
+    }
+
+    void sendAndFinish(const QString &text)
+    {
+        agent.send(text);
+        ASSERT_TRUE(test::spinUntil([&] { return !agent.isRunning(); }));
+    }
+
+    ChatItem last() const { return agent.items().last(); }
+};
+
+QList<JSON> texts(int count)
+{
+    QList<JSON> list;
+    for (int i = 0; i < count; ++i)
+        list.append(Agent::message("user", QString::number(i)));
+    return list;
+}
+
+} // namespace
+
+TEST(Recovery, ALostChainIsDroppedOnceAndTheNextRequestGoesOutWhole)
+{
+    Harness harness;
+    harness.agent.previousResponseID = "resp_old";
+    harness.agent.history = texts(2);
+    harness.fail({failure(400, std::nullopt, "previous_response_id", "Not found.")});
+    harness.sendAndFinish("go on");
+    EXPECT_EQ(harness.chains, (std::vector<std::optional<QString>>{"resp_old", std::nullopt}));
+    EXPECT_EQ(harness.inputs[1], harness.inputs[0]); // history holds it all: no notice
+    EXPECT_EQ(harness.last().text, "Fixed it.");
+
+    // Once per run: a second loss in the same run is an error row.
+    Harness twice;
+    twice.agent.previousResponseID = "resp_old";
+    twice.agent.history = texts(2);
+    twice.fail({failure(400, std::nullopt, std::nullopt, "Previous response with id 'x' not found."),
+                failure(404, std::nullopt, std::nullopt, "previous response is gone")});
+    twice.agent.operations().request = [&](Provider) {
+        twice.agent.previousResponseID = "resp_again";
+        return JSON::object();
+    };
+    twice.sendAndFinish("go on");
+    EXPECT_EQ(twice.last().kind, ChatItem::Kind::Error);
+    EXPECT_EQ(twice.last().text, "OpenAI error 404: previous response is gone");
+}
+
+TEST(Recovery, ALostChainWithNothingKeptHereDropsTheOrphanedOutputsAndSaysSo)
+{
+    Harness harness;
+    harness.agent.previousResponseID = "resp_old";
+    harness.agent.pendingInput = {Agent::output("c1", "built")};
+    harness.fail({failure(400, std::nullopt, "previous_response_id")});
+    harness.sendAndFinish("and now?");
+    ASSERT_EQ(harness.inputs.size(), 2u);
+    const QList<JSON> second = harness.inputs[1];
+    ASSERT_EQ(second.size(), 3);
+    EXPECT_EQ(second[0], Agent::message("developer", "Earlier parts of this conversation were lost; look at the "
+                                                     "files again before relying on them."));
+    EXPECT_EQ(second[1], Agent::message("developer", "state note"));
+    EXPECT_EQ(second[2], Agent::message("user", "and now?"));
+}
+
+TEST(Recovery, TooLongIsTrimmedFourTimesAtMost)
+{
+    Harness harness;
+    harness.agent.history = texts(200);
+    const auto tooLong = failure(400, "context_length_exceeded");
+    harness.fail({tooLong, tooLong, tooLong, tooLong, tooLong});
+    harness.sendAndFinish("more");
+    EXPECT_EQ(harness.inputs.size(), 5u);
+    EXPECT_EQ(harness.last().kind, ChatItem::Kind::Error);
+    EXPECT_EQ(harness.last().text, "OpenAI error 400: It failed.");
+    EXPECT_LT(harness.agent.history.size(), 200 / 8);
+    // The queued input goes out unchanged each time, and stays for another try.
+    for (const QList<JSON> &input : harness.inputs)
+        EXPECT_EQ(input, harness.inputs[0]);
+    EXPECT_EQ(harness.agent.pendingInput, harness.inputs[0]);
+
+    Harness untrimmable;
+    untrimmable.fail({tooLong});
+    untrimmable.sendAndFinish("more");
+    EXPECT_EQ(untrimmable.inputs.size(), 1u);
+    EXPECT_EQ(untrimmable.last().kind, ChatItem::Kind::Error);
+}
+
+TEST(Recovery, RefusedReasoningIsTakenOutOfHistoryOnce)
+{
+    Harness harness;
+    harness.agent.history = {Agent::message("user", "a"), JSON::object({{"type", "reasoning"}, {"encrypted_content", "x"}})};
+    const auto refused = failure(400, "invalid_encrypted_content", std::nullopt, "Encrypted content could not be verified.");
+    harness.fail({refused, refused});
+    harness.sendAndFinish("next");
+    EXPECT_EQ(harness.inputs.size(), 2u);
+    EXPECT_EQ(harness.last().kind, ChatItem::Kind::Error);
+    for (const JSON &item : std::as_const(harness.agent.history))
+        EXPECT_NE(item.stringAt("type"), "reasoning");
+}
+
+TEST(Recovery, OnThePlanA401AsksForOneFreshToken)
+{
+    Harness harness(Provider::ChatGPT);
+    harness.fail({failure(401, std::nullopt), failure(401, std::nullopt)});
+    harness.sendAndFinish("hello");
+    EXPECT_EQ(harness.refreshes, (std::vector<bool>{false, true}));
+    EXPECT_EQ(harness.last().kind, ChatItem::Kind::Error);
+
+    Harness once(Provider::ChatGPT);
+    once.fail({failure(401, std::nullopt)});
+    once.sendAndFinish("hello");
+    EXPECT_EQ(once.refreshes, (std::vector<bool>{false, true}));
+    EXPECT_EQ(once.last().text, "Fixed it.");
+
+    Harness withKey;
+    withKey.fail({failure(401, std::nullopt)});
+    withKey.sendAndFinish("hello");
+    EXPECT_EQ(withKey.refreshes, (std::vector<bool>{false}));
+    EXPECT_EQ(withKey.last().kind, ChatItem::Kind::Error);
+}
+
+TEST(Recovery, ABusyPlanIsWaitedForTwiceLongerEachTime)
+{
+    Harness harness(Provider::ChatGPT);
+    harness.fail({failure(503, std::nullopt), failure(0, "subscription_sharing_user_unavailable"),
+                  failure(429, "subscription_sharing_usage_unavailable")});
+    QElapsedTimer timer;
+    timer.start();
+    harness.sendAndFinish("hello");
+    EXPECT_GE(timer.elapsed(), 60); // 20 ms, then 40 ms
+    EXPECT_EQ(harness.inputs.size(), 3u);
+    EXPECT_EQ(harness.activities[0], "Waiting for ChatGPT…");
+    EXPECT_EQ(harness.last().kind, ChatItem::Kind::Error);
+    EXPECT_EQ(harness.last().link, (ChatLink{"Manage Usage", harness.plan.usageURL}));
+
+    // The API key path doesn't wait.
+    Harness withKey;
+    withKey.fail({failure(503, std::nullopt)});
+    withKey.sendAndFinish("hello");
+    EXPECT_EQ(withKey.inputs.size(), 1u);
+}
+
+TEST(Recovery, AStopDuringAWaitEndsWithStoppedNotAnError)
+{
+    Harness harness(Provider::ChatGPT);
+    harness.plan.busyWait = 20s;
+    harness.fail({failure(503, std::nullopt)});
+    harness.agent.send("hello");
+    ASSERT_TRUE(test::spinUntil([&] { return harness.agent.activity() == "Waiting for ChatGPT…"; }));
+    harness.agent.task().cancel();
+    ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }, 2s));
+    EXPECT_EQ(harness.last().text, "Stopped");
+    EXPECT_FALSE(harness.agent.canRetry());
+    EXPECT_FALSE(harness.agent.pendingInput.isEmpty());
+}
+
+TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)
+{
+    const PlanService plan{QUrl(QStringLiteral("https://chatgpt.example/settings/usage")), 1ms};
+    const ChatLink usage{"Manage Usage", plan.usageURL};
+    auto row = [&](const OpenAI::Failure &error, Provider provider = Provider::ChatGPT) {
+        return FailureRecovery::errorItem(std::make_exception_ptr(error), provider, plan);
+    };
+
+    const ChatItem limit = row(failure(429, "subscription_sharing_usage_limit_exceeded"), Provider::APIKey);
+    EXPECT_EQ(limit.text, "Usage limit reached. Review your plan or Zentoro's limit in ChatGPT settings.");
+    EXPECT_EQ(limit.link, usage);
+    EXPECT_EQ(limit.kind, ChatItem::Kind::Error);
+    EXPECT_FALSE(limit.detail);
+    EXPECT_FALSE(limit.symbol);
+
+    EXPECT_EQ(row(failure(403, "subscription_sharing_user_not_eligible", std::nullopt, "Free plan")).text,
+              "Your ChatGPT plan can't be used in Zentoro (Free plan). You can add an OpenAI API key in Settings "
+              "instead.");
+    EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", std::nullopt, "No.")).text,
+              "Your ChatGPT plan doesn't support something in this request. (No.)");
+    EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", "model", "No.")).text,
+              "Your ChatGPT plan doesn't support the model " + AgentConfig::model() + "; pick another in Settings. (No.)");
+    EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", "tools", "No.")).text,
+              "Your ChatGPT plan doesn't support “tools”. (No.)");
+
+    const ChatItem busy = row(failure(429, "rate_limit_exceeded", std::nullopt, "Slow down."));
+    EXPECT_EQ(busy.text, "OpenAI error 429: Slow down.");
+    EXPECT_EQ(busy.link, usage);
+    EXPECT_FALSE(row(failure(429, std::nullopt), Provider::APIKey).link);
+    EXPECT_FALSE(row(failure(500, std::nullopt)).link);
+
+    const ChatItem other = FailureRecovery::errorItem(
+        std::make_exception_ptr(Workspace::Failure("Sign in with ChatGPT again.")), Provider::ChatGPT, plan);
+    EXPECT_EQ(other.text, "Sign in with ChatGPT again.");
+    EXPECT_FALSE(other.link);
+}
+
+TEST(Recovery, TryAgainSendsTheSameInputWithNoNewRow)
+{
+    Harness harness;
+    harness.fail({failure(500, std::nullopt)});
+    harness.sendAndFinish("hello");
+    ASSERT_TRUE(harness.agent.canRetry());
+    const qsizetype rows = harness.agent.items().size();
+
+    harness.agent.retry();
+    EXPECT_FALSE(harness.agent.canRetry());
+    harness.agent.retry(); // refused while the run goes on
+    ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }));
+    ASSERT_EQ(harness.inputs.size(), 2u);
+    EXPECT_EQ(harness.inputs[1], harness.inputs[0]);
+    EXPECT_EQ(harness.agent.items().size(), rows + 1);
+    EXPECT_EQ(harness.last().text, "Fixed it.");
+    EXPECT_FALSE(harness.agent.canRetry());
+}
+
+TEST(Recovery, PlanServiceFollowsTheConfiguredOrigin)
+{
+    qputenv("ZENTORO_CHATGPT_BASE", "http://127.0.0.1:9/");
+    EXPECT_EQ(PlanService::standard().usageURL, QUrl("http://127.0.0.1:9/settings/usage"));
+    qunsetenv("ZENTORO_CHATGPT_BASE");
+    EXPECT_EQ(PlanService::standard().usageURL, QUrl("https://chatgpt.com/settings/usage"));
+    EXPECT_EQ(PlanService::standard().busyWait, 5s);
+}
