@@ -1,0 +1,81 @@
+#include "runtime/BuildSteps.h"
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+
+TEST(BuildSteps, SwiftLiteralsEscapeWhatWouldEndOrBreakThem)
+{
+    EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("dev.vantu.zentoro.app.Kitchen Timer")),
+              QStringLiteral("\"dev.vantu.zentoro.app.Kitchen Timer\""));
+    EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("a\"b\\c\nd\te\x01")),
+              QStringLiteral("\"a\\\"b\\\\c\\nd\\te\\u{1}\""));
+    // Interpolation needs a backslash, which is escaped, so "\(" stays text.
+    EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("\\(x)")), QStringLiteral("\"\\\\(x)\""));
+    EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("Café ☕")), QStringLiteral("\"Café ☕\""));
+}
+
+TEST(BuildSteps, EntryFileCarriesTheCopysNameAndSuiteAndExportsTheFactory)
+{
+    const QString entry =
+        BuildSteps::entryFile(QStringLiteral("Bob's \"Timer\""), QStringLiteral("dev.vantu.zentoro.app.Bob's \"Timer\""));
+    EXPECT_EQ(entry, QStringLiteral("import SwiftUI\n"
+                                    "enum AppInfo { static let name = \"Bob's \\\"Timer\\\"\" }\n"
+                                    "extension UserDefaults { static let app = UserDefaults(suiteName: "
+                                    "\"dev.vantu.zentoro.app.Bob's \\\"Timer\\\"\")! }\n"
+                                    "@_cdecl(\"zentoro_make_root_view\")\n"
+                                    "public func zentoro_make_root_view() -> UnsafeMutableRawPointer { "
+                                    "ZentoroHosting.makeRootView(AppRoot()) }"));
+}
+
+TEST(BuildSteps, CompilerArgumentsPutTheKitFlagsBeforeTheFilesAndTheEntryFirst)
+{
+    BuildSteps::CompileInputs inputs;
+    inputs.module = QStringLiteral("ZentoroApp7");
+    inputs.output = QStringLiteral("/a/Versions/7/libZentoroApp7.so");
+    inputs.moduleCache = QStringLiteral("/a/Build/ModuleCache");
+    inputs.sdk = QStringLiteral("/");
+    inputs.kitFlags = {QStringLiteral("-I"), QStringLiteral("/kit")};
+    inputs.files = {QStringLiteral("/a/Build/ZentoroEntry.swift"), QStringLiteral("/a/Sources/AppRoot.swift")};
+
+    const QStringList arguments = BuildSteps::compilerArguments(inputs);
+#if defined(__x86_64__)
+    const QString triple = QStringLiteral("x86_64-unknown-linux-gnu");
+#else
+    const QString triple = QStringLiteral("aarch64-unknown-linux-gnu");
+#endif
+    EXPECT_EQ(arguments,
+              (QStringList{"-emit-library", "-parse-as-library", "-module-name", "ZentoroApp7", "-target", triple, "-sdk",
+                           "/", "-swift-version", "5", "-Onone", "-g", "-diagnostic-style", "llvm",
+                           "-module-cache-path", "/a/Build/ModuleCache", "-o", "/a/Versions/7/libZentoroApp7.so", "-I",
+                           "/kit", "/a/Build/ZentoroEntry.swift", "/a/Sources/AppRoot.swift"}));
+}
+
+TEST(BuildSteps, CleanShowsRelativePathsAndNamesTheGeneratedEntry)
+{
+    const QString sources = QStringLiteral("/data/Apps/T/Sources");
+    const QString entry = QStringLiteral("/data/Apps/T/Build/ZentoroEntry.swift");
+    const QString output = QStringLiteral("\n/data/Apps/T/Sources/Views/Foo.swift:3:5: error: cannot find 'x'\n"
+                                          "/data/Apps/T/Build/ZentoroEntry.swift:5:75: error: no AppRoot\n"
+                                          "/data/Apps/T/SourcesOld/Bar.swift:1:1: note: elsewhere\n\n");
+    EXPECT_EQ(BuildSteps::clean(output, sources + QStringLiteral("/"), entry),
+              QStringLiteral("Views/Foo.swift:3:5: error: cannot find 'x'\n"
+                             "<Zentoro's generated entry point>:5:75: error: no AppRoot\n"
+                             "/data/Apps/T/SourcesOld/Bar.swift:1:1: note: elsewhere"));
+}
+
+TEST(BuildSteps, CleanCutsBeyondTwelveThousandCharactersAsPeopleCountThem)
+{
+    const QString entry = QStringLiteral("/e.swift");
+    const QString exactly = QString(BuildSteps::outputLimit, u'x');
+    EXPECT_EQ(BuildSteps::clean(exactly, QStringLiteral("/s"), entry), exactly);
+
+    // A flag is two code points and four UTF-16 units but one character.
+    const QString flag = QStringLiteral("🇩🇪");
+    QString flags;
+    for (qsizetype i = 0; i < BuildSteps::outputLimit; ++i)
+        flags += flag;
+    EXPECT_EQ(BuildSteps::clean(flags, QStringLiteral("/s"), entry), flags);
+    EXPECT_EQ(BuildSteps::clean(flags + flag, QStringLiteral("/s"), entry),
+              flags + QStringLiteral("\n… (output truncated)"));
+}

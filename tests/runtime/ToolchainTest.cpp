@@ -1,0 +1,110 @@
+#include "runtime/Toolchain.h"
+
+#include "core/Defaults.h"
+
+#include "support/Await.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+
+TEST(Toolchain, VersionTextFollowsTheWordVersion)
+{
+    EXPECT_EQ(Toolchain::versionText(QStringLiteral("Swift version 6.3.1 (swift-6.3.1-RELEASE)\n"
+                                                    "Target: x86_64-unknown-linux-gnu\n")),
+              QStringLiteral("Swift 6.3.1"));
+    EXPECT_EQ(Toolchain::versionText(QStringLiteral("warning: odd\n\nApple Swift version 6.2 (swift-6.2-RELEASE)")),
+              QStringLiteral("Swift 6.2"));
+    // Nothing after "version": the whole line stands.
+    EXPECT_EQ(Toolchain::versionText(QStringLiteral("Swift version")), QStringLiteral("Swift version"));
+    EXPECT_EQ(Toolchain::versionText(QStringLiteral("clang version 17\n")), QStringLiteral("Swift"));
+    EXPECT_EQ(Toolchain::versionText(QString()), QStringLiteral("Swift"));
+}
+
+TEST(Toolchain, ExplainAndLastLine)
+{
+    EXPECT_EQ(Toolchain::explain(QStringLiteral(" \n\t")), QStringLiteral("swiftc failed."));
+    EXPECT_EQ(Toolchain::explain(QStringLiteral("\nerror: bad install\n")), QStringLiteral("error: bad install"));
+
+    EXPECT_EQ(Toolchain::lastLine(QStringLiteral("warning: a\nwarning: b\n  /opt/swift  \n\n")),
+              QStringLiteral("/opt/swift"));
+    EXPECT_EQ(Toolchain::lastLine(QString()), QString());
+}
+
+TEST(Toolchain, DescriptionNamesTheSwiftToolchain)
+{
+    EXPECT_EQ(Toolchain::ready({QStringLiteral("/opt/swift/usr/bin/swiftc"), QStringLiteral("/"),
+                                QStringLiteral("Swift 6.3.1"), QStringLiteral("/opt/swift")})
+                  .description(),
+              QStringLiteral("Swift 6.3.1 at /opt/swift"));
+    EXPECT_EQ(Toolchain::missing().description(), QStringLiteral("the Swift toolchain isn't installed"));
+    EXPECT_EQ(Toolchain::installing().description(), QStringLiteral("the Swift toolchain is being installed"));
+    EXPECT_EQ(Toolchain::checking().description(), QStringLiteral("checking for the Swift compiler"));
+    EXPECT_EQ(Toolchain::broken(QStringLiteral("it broke")).description(), QStringLiteral("it broke"));
+    EXPECT_EQ(Toolchain(), Toolchain::checking());
+    EXPECT_NE(Toolchain::broken(QStringLiteral("a")), Toolchain::broken(QStringLiteral("b")));
+}
+
+namespace {
+
+// Puts only `folder` on PATH for the life of the object.
+class PathOverride {
+public:
+    explicit PathOverride(const QString &folder) : saved_(qgetenv("PATH")) { qputenv("PATH", folder.toUtf8()); }
+    ~PathOverride() { qputenv("PATH", saved_); }
+
+private:
+    QByteArray saved_;
+};
+
+void writeScript(const QString &path, const QByteArray &body)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("#!/bin/sh\n" + body);
+    file.close();
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+} // namespace
+
+TEST(Toolchain, ACompilerThatFailsIsBrokenWithItsWords)
+{
+    QTemporaryDir bin;
+    PathOverride path(bin.path());
+    writeScript(bin.path() + QStringLiteral("/swiftc"), "exit 1\n");
+    EXPECT_EQ(test::await(Toolchain::detect()), Toolchain::broken(QStringLiteral("swiftc failed.")));
+
+    writeScript(bin.path() + QStringLiteral("/swiftc"), "echo 'error: cannot find libstdc++' >&2\nexit 2\n");
+    EXPECT_EQ(test::await(Toolchain::detect()), Toolchain::broken(QStringLiteral("error: cannot find libstdc++")));
+}
+
+TEST(Toolchain, FindsTheInstalledCompilerAndItsRoot)
+{
+    if (!QFile::exists(QStringLiteral("/opt/swift/usr/bin/swiftc")))
+        GTEST_SKIP() << "No Swift toolchain in /opt/swift on this machine.";
+    // Not on PATH: the usual install folders are searched next.
+    PathOverride path(QStringLiteral("/nonexistent"));
+    const Toolchain found = test::await(Toolchain::detect());
+    ASSERT_TRUE(found.isReady()) << found.description().toStdString();
+    EXPECT_EQ(found.compiler()->swiftc, QStringLiteral("/opt/swift/usr/bin/swiftc"));
+    EXPECT_EQ(found.compiler()->developerDir, QStringLiteral("/opt/swift"));
+    EXPECT_EQ(found.compiler()->sdk, QStringLiteral("/"));
+    EXPECT_TRUE(found.compiler()->version.startsWith(QStringLiteral("Swift 6"))) << found.compiler()->version.toStdString();
+}
+
+TEST(Toolchain, SimulatedMissingToolsWinOverAWorkingCompiler)
+{
+    QTemporaryDir bin;
+    PathOverride path(bin.path());
+    writeScript(bin.path() + QStringLiteral("/swiftc"), "echo 'Swift version 6.3.1 (swift-6.3.1-RELEASE)'\n");
+    ASSERT_TRUE(test::await(Toolchain::detect()).isReady());
+
+    Defaults::setValue(QStringLiteral("ZentoroSimulateMissingTools"), true);
+    const Toolchain simulated = test::await(Toolchain::detect());
+    Defaults::remove(QStringLiteral("ZentoroSimulateMissingTools"));
+    EXPECT_EQ(simulated, Toolchain::missing());
+}
