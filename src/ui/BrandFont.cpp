@@ -10,6 +10,13 @@
 #include <algorithm>
 #include <memory>
 
+// The typeface is a resource list of the static core library; naming its initialiser keeps
+// it linked into every program that draws the wordmark.
+static void registerBrandResource()
+{
+    Q_INIT_RESOURCE(brand);
+}
+
 namespace zentoro::BrandFont {
 
 namespace {
@@ -27,6 +34,7 @@ struct Typeface {
 const Typeface *typeface()
 {
     static const Typeface *loaded = [] () -> const Typeface * {
+        registerBrandResource();
         QFile file(QStringLiteral(":/brand/Anybody.ttf"));
         if (!file.open(QIODevice::ReadOnly))
             return nullptr;

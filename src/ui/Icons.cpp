@@ -5,12 +5,24 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
+// The drawings are a resource list of the static core library; naming its initialiser keeps
+// it linked into every program that draws icons.
+static void registerIconResource()
+{
+    static const bool registered = [] {
+        Q_INIT_RESOURCE(icons);
+        return true;
+    }();
+    Q_UNUSED(registered);
+}
+
 namespace zentoro::Icons {
 
 namespace {
 
 QString path(const QString &name)
 {
+    registerIconResource();
     return QStringLiteral(":/icons/%1.svg").arg(name);
 }
 

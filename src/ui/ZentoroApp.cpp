@@ -1,5 +1,6 @@
 #include "ui/ZentoroApp.h"
 
+#include "agent/Agent.h"
 #include "runtime/Workspace.h"
 #include "ui/MainWindow.h"
 
@@ -19,7 +20,8 @@ int ZentoroApp::run(int argc, char **argv)
     QApplication::setApplicationDisplayName(Workspace::shared().name);
     QApplication::setDesktopFileName(QStringLiteral("dev.vantu.zentoro"));
 
-    MainWindow window;
+    Agent agent;
+    MainWindow window(agent);
     window.show();
     return application.exec();
 }

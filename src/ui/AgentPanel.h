@@ -1,0 +1,65 @@
+#pragma once
+
+#include "agent/ChatItem.h"
+#include "ui/TranscriptRows.h"
+
+#include <QLabel>
+#include <QSet>
+#include <QToolButton>
+#include <QUuid>
+#include <QWidget>
+
+namespace zentoro {
+
+class Agent;
+class Composer;
+class EmptyState;
+class LazyColumn;
+class WorkingRow;
+
+// The side panel of the main window: the conversation with the agent and the field in which
+// the user types. It shows the agent's state and holds nothing of its own but the draft.
+class AgentPanel : public QWidget {
+    Q_OBJECT
+public:
+    explicit AgentPanel(Agent &agent, QWidget *parent = nullptr);
+
+    // Sends the draft when it can be sent, and empties it.
+    void send();
+    bool canSend() const;
+    QString draft() const;
+
+    LazyColumn *transcript() const { return transcript_; }
+    Composer *composer() const { return composer_; }
+    EmptyState *emptyState() const { return emptyState_; }
+    WorkingRow *workingRow() const { return workingRow_; }
+    QToolButton *conversationsButton() const { return conversations_; }
+    QToolButton *newConversationButton() const { return newConversation_; }
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    QWidget *makeHeader();
+    void syncItems();
+    void syncState();
+    void updateHeaderIcons();
+    QWidget *makeRow(qsizetype row);
+
+    Agent &agent_;
+    QList<ChatItem> shown_;
+    QSet<QUuid> expanded_;
+    RowActions actions_;
+    QLabel *glyph_ = nullptr;
+    QLabel *model_ = nullptr;
+    QToolButton *conversations_ = nullptr;
+    QToolButton *newConversation_ = nullptr;
+    LazyColumn *transcript_ = nullptr;
+    EmptyState *emptyState_ = nullptr;
+    WorkingRow *workingRow_ = nullptr;
+    Composer *composer_ = nullptr;
+    bool focusedOnce_ = false;
+};
+
+} // namespace zentoro
