@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace zentoro::AgentConfig {
+
+inline constexpr auto defaultModel = "gpt-6.1-sol";
+
+// "openai-key" in the support folder that all copies share.
+QString keyPath();
+
+// The key saved in the key file, without surrounding white space; absent when the file
+// is missing, unreadable or blank.
+std::optional<QString> savedKey();
+// `OPENAI_API_KEY`, trimmed; absent when unset or blank.
+std::optional<QString> environmentKey();
+// The key that requests use: the saved one wins over the environment's.
+std::optional<QString> effectiveKey();
+
+// Replaces the saved key; absent or blank text removes it. The file is readable by its
+// owner alone from the moment it exists. Raises Workspace::Failure when it can't be
+// written, and the old key is gone then too.
+void saveAPIKey(const std::optional<QString> &key);
+
+// The model slug that requests ask for: the "model" setting, or the default.
+QString model();
+
+} // namespace zentoro::AgentConfig
