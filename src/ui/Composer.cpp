@@ -33,7 +33,7 @@ ComposerField::ComposerField(QWidget *parent) : QPlainTextEdit(parent)
 {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTabChangesFocus(true);
     setLineWrapMode(QPlainTextEdit::WidgetWidth);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -56,7 +56,7 @@ int ComposerField::visibleLines() const
 
 int ComposerField::heightFor(int lines) const
 {
-    return lines * fontMetrics().lineSpacing() + 6 + 2 * frameWidth();
+    return lines * fontMetrics().lineSpacing() + 6 + 2 * frameWidth() + 2;
 }
 
 QSize ComposerField::sizeHint() const
@@ -71,6 +71,11 @@ QSize ComposerField::minimumSizeHint() const
 
 void ComposerField::fitHeight()
 {
+    // Past eight lines the field stops growing and scrolls.
+    int lines = 0;
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next())
+        lines += block.layout() && block.layout()->lineCount() > 0 ? block.layout()->lineCount() : 1;
+    setVerticalScrollBarPolicy(lines > maximumLines ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
     const int height = heightFor(visibleLines());
     if (height != this->height()) {
         setFixedHeight(height);

@@ -30,7 +30,7 @@ double scaleOf(Type type)
 
 bool isDark(const QPalette &palette)
 {
-    return palette.color(QPalette::Window).lightnessF() < 0.5;
+    return palette.color(QPalette::Active, QPalette::Window).lightnessF() < 0.5;
 }
 
 QColor tint(const QPalette &palette)
@@ -40,12 +40,12 @@ QColor tint(const QPalette &palette)
 
 QColor secondary(const QPalette &palette)
 {
-    return withAlpha(palette.color(QPalette::WindowText), 0.62);
+    return withAlpha(palette.color(QPalette::Active, QPalette::WindowText), 0.62);
 }
 
 QColor tertiary(const QPalette &palette)
 {
-    return withAlpha(palette.color(QPalette::WindowText), 0.38);
+    return withAlpha(palette.color(QPalette::Active, QPalette::WindowText), 0.38);
 }
 
 QColor red(const QPalette &palette)

@@ -24,6 +24,14 @@ using PanelStyle::Type;
 
 constexpr auto selectable = Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard;
 
+// Keeps to the width of its content, and wraps by height for width.
+QSizePolicy huggingPolicy()
+{
+    QSizePolicy policy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    return policy;
+}
+
 // A wrapping label that asks for the width of its text on one line, so that a layout lets
 // short text hug its content and wraps long text at the room there is.
 class NaturalLabel : public QLabel {
@@ -48,7 +56,7 @@ public:
         setWordWrap(true);
         setTextInteractionFlags(selectable);
         setContentsMargins(12, 8, 12, 8);
-        setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+        setSizePolicy(huggingPolicy());
         PanelStyle::setTextColor(this, Qt::white);
         setAccessibleName(text);
     }
@@ -114,7 +122,7 @@ QWidget *eventRow(const ChatItem &item)
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setFont(caption);
-    label->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    label->setSizePolicy(huggingPolicy());
     label->setTextInteractionFlags(selectable);
     PanelStyle::setTextColor(label, color);
     layout->addWidget(label);
