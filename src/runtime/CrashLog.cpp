@@ -1,0 +1,216 @@
+#include "runtime/CrashLog.h"
+
+#include "core/Defaults.h"
+
+#include <QDateTime>
+#include <QFile>
+
+#include <execinfo.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace zentoro::CrashLog {
+
+namespace {
+
+constexpr int frameLimit = 128;
+// Both made before the handler is installed, so the handler never allocates.
+void **frames = nullptr;
+char *alternateStack = nullptr;
+
+constexpr int fatalSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGTRAP, SIGABRT, SIGFPE};
+
+void writeAll(const char *text, size_t length)
+{
+    while (length > 0) {
+        const ssize_t written = ::write(STDERR_FILENO, text, length);
+        if (written <= 0)
+            return;
+        text += written;
+        length -= size_t(written);
+    }
+}
+
+void writeText(const char *text)
+{
+    size_t length = 0;
+    while (text[length])
+        ++length;
+    writeAll(text, length);
+}
+
+// Runs on whichever thread faulted, at any moment: only write, backtrace,
+// backtrace_symbols_fd, signal and raise, and no allocation.
+extern "C" void zentoroCrashHandler(int signal)
+{
+    writeText("\n*** ZENTORO CRASH: ");
+    writeText(signalText(signal));
+    writeText(" ***\nBacktrace:\n");
+    const int count = ::backtrace(frames, frameLimit);
+    ::backtrace_symbols_fd(frames, count, STDERR_FILENO);
+    // Die of the same cause, so the system's own crash reporting sees it.
+    ::signal(signal, SIG_DFL);
+    ::raise(signal);
+}
+
+void installHandler()
+{
+    if (!frames) {
+        frames = new void *[frameLimit];
+        // The first call loads the unwinder, which allocates; do it now rather than in the handler.
+        ::backtrace(frames, 1);
+    }
+    // Runaway recursion in hosted code overflows the stack; the handler needs a stack of its own then.
+    if (!alternateStack) {
+        alternateStack = new char[SIGSTKSZ * 4];
+        stack_t stack{};
+        stack.ss_sp = alternateStack;
+        stack.ss_size = SIGSTKSZ * 4;
+        ::sigaltstack(&stack, nullptr);
+    }
+    struct sigaction action {};
+    action.sa_handler = zentoroCrashHandler;
+    action.sa_flags = SA_ONSTACK;
+    sigemptyset(&action.sa_mask);
+    for (int fatal : fatalSignals)
+        ::sigaction(fatal, &action, nullptr);
+}
+
+void redirectOutput(const QString &file)
+{
+    const QByteArray path = QFile::encodeName(file);
+    const int descriptor = ::open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND, 0644);
+    if (descriptor < 0)
+        return;
+    std::fflush(stdout);
+    std::fflush(stderr);
+    ::dup2(descriptor, STDOUT_FILENO);
+    ::dup2(descriptor, STDERR_FILENO);
+    ::close(descriptor);
+    // A line printed just before a crash must already be in the file.
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+}
+
+QString trimmedOf(QString text, const QString &characters)
+{
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && characters.contains(text[begin]))
+        ++begin;
+    while (end > begin && characters.contains(text[end - 1]))
+        --end;
+    return text.mid(begin, end - begin);
+}
+
+} // namespace
+
+const char *signalText(int signal)
+{
+    switch (signal) {
+    case SIGILL:
+        return "SIGILL (illegal instruction)";
+    case SIGTRAP:
+        return "SIGTRAP (Swift runtime trap: fatalError, force unwrap of nil, array index out of range, …)";
+    case SIGABRT:
+        return "SIGABRT (abort)";
+    case SIGFPE:
+        return "SIGFPE (arithmetic error)";
+    case SIGBUS:
+        return "SIGBUS (bad memory access)";
+    case SIGSEGV:
+        return "SIGSEGV (bad memory access)";
+    default:
+        return "signal";
+    }
+}
+
+QString rawValue(Which which)
+{
+    switch (which) {
+    case Which::Current:
+        return QStringLiteral("current");
+    case Which::Previous:
+        return QStringLiteral("previous");
+    case Which::Crash:
+        return QStringLiteral("crash");
+    }
+    return {};
+}
+
+std::optional<Which> which(const QString &rawValue)
+{
+    for (Which candidate : {Which::Current, Which::Previous, Which::Crash}) {
+        if (CrashLog::rawValue(candidate) == rawValue)
+            return candidate;
+    }
+    return std::nullopt;
+}
+
+QString url(Which which, const QString &logs)
+{
+    return logs + u'/' + rawValue(which) + QStringLiteral(".log");
+}
+
+std::optional<PreviousCrash> start(const QString &logs)
+{
+    const QString current = url(Which::Current, logs);
+    const QString previous = url(Which::Previous, logs);
+    QFile::remove(previous);
+    QFile::rename(current, previous);
+
+    if (!Defaults::flag(QStringLiteral("ZentoroNoLogRedirect")))
+        redirectOutput(current);
+    installHandler();
+
+    const QByteArray header = QStringLiteral("Zentoro started %1, pid %2\n")
+                                  .arg(QDateTime::currentDateTimeUtc().toString(Qt::ISODate))
+                                  .arg(::getpid())
+                                  .toUtf8();
+    std::fputs(header.constData(), stdout);
+    std::fflush(stdout);
+
+    std::optional<PreviousCrash> crash = previousCrash(previous);
+    if (crash) {
+        const QString kept = url(Which::Crash, logs);
+        QFile::remove(kept);
+        QFile::copy(previous, kept);
+    }
+    return crash;
+}
+
+std::optional<PreviousCrash> previousCrash(const QString &file)
+{
+    QFile log(file);
+    if (!log.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    // Read line by line: a log grows for as long as its run lasted, and only two lines matter.
+    const QByteArray markerBytes(marker);
+    QByteArray reason;
+    QByteArray markerLine;
+    while (!log.atEnd()) {
+        QByteArray line = log.readLine();
+        if (line.endsWith('\n'))
+            line.chop(1);
+        if (line.endsWith('\r'))
+            line.chop(1);
+        if (line.contains("Fatal error") || line.contains("Terminating app due to uncaught exception"))
+            reason = line;
+        if (line.contains(markerBytes))
+            markerLine = line;
+    }
+    if (markerLine.isEmpty())
+        return std::nullopt;
+    if (!reason.isEmpty())
+        return PreviousCrash{QString::fromUtf8(reason)};
+    QString text = QString::fromUtf8(markerLine);
+    text.remove(QString::fromLatin1(marker));
+    text.remove(QStringLiteral("***"));
+    text = trimmedOf(text, QStringLiteral(" \t:"));
+    return PreviousCrash{text.isEmpty() ? QStringLiteral("crash") : text};
+}
+
+} // namespace zentoro::CrashLog
