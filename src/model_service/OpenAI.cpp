@@ -28,6 +28,11 @@ QNetworkAccessManager &manager()
     return *shared;
 }
 
+QString cancelledMessage()
+{
+    return QStringLiteral("The request was cancelled.");
+}
+
 bool isSuccess(int status)
 {
     return status >= 200 && status <= 299;
@@ -57,9 +62,7 @@ public:
     {
         if (hasEnded_)
             return;
-        end(std::make_exception_ptr(NetworkError(QNetworkReply::OperationCanceledError,
-                                                 QStringLiteral("The request was cancelled."))),
-            true);
+        end(std::make_exception_ptr(NetworkError(QNetworkReply::OperationCanceledError, cancelledMessage())), true);
     }
 
     JSON result() const
@@ -161,6 +164,8 @@ QCoro::Task<JSON> respond(const TaskHandle &task, const QString &bearer, const J
                           const std::function<void(const JSON &item)> &onItemStarted)
 {
     const QByteArray encoded = body.encode();
+    if (task.isCancelled())
+        throw NetworkError(QNetworkReply::OperationCanceledError, cancelledMessage());
     QNetworkRequest request(QUrl(origin() + QStringLiteral("/v1/responses")));
     request.setRawHeader("Authorization", "Bearer " + bearer.toUtf8());
     request.setRawHeader("Content-Type", "application/json");

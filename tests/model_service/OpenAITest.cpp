@@ -1,0 +1,383 @@
+#include "model_service/OpenAI.h"
+
+#include "support/Await.h"
+#include "support/FakeResponsesServer.h"
+
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+using namespace zentoro::test;
+using Ending = ScriptedReply::Ending;
+
+namespace {
+
+struct Outcome {
+    std::optional<JSON> response;
+    std::exception_ptr error;
+    QList<JSON> started;
+
+    OpenAI::Failure failure() const
+    {
+        try {
+            if (error)
+                std::rethrow_exception(error);
+        } catch (const OpenAI::Failure &failure) {
+            return failure;
+        } catch (...) {
+        }
+        ADD_FAILURE() << "expected an OpenAI::Failure";
+        return OpenAI::Failure(-1, std::nullopt, std::nullopt, QString());
+    }
+    std::optional<NetworkError> networkError() const
+    {
+        try {
+            if (error)
+                std::rethrow_exception(error);
+        } catch (const NetworkError &failure) {
+            return failure;
+        } catch (...) {
+        }
+        return std::nullopt;
+    }
+};
+
+const JSON sampleBody = JSON::object({{"model", "gpt-test"}, {"stream", true}, {"input", JSON::array({"héllo"})}});
+
+class OpenAITest : public ::testing::Test {
+protected:
+    void SetUp() override { server.becomeModelService(); }
+
+    TaskHandle start(Outcome &outcome)
+    {
+        return startTask([&outcome](TaskHandle self) -> QCoro::Task<> {
+            const QString bearer = QString::fromUtf8("sk-test");
+            const std::function<void(const JSON &)> onItemStarted = [&outcome](const JSON &item) {
+                outcome.started.append(item);
+            };
+            try {
+                outcome.response = co_await OpenAI::respond(self, bearer, sampleBody, onItemStarted);
+            } catch (...) {
+                outcome.error = std::current_exception();
+            }
+        });
+    }
+
+    Outcome respond(ScriptedReply reply)
+    {
+        server.enqueue(std::move(reply));
+        Outcome outcome;
+        TaskHandle task = start(outcome);
+        EXPECT_TRUE(spinUntil([&] { return task.isFinished(); }));
+        return outcome;
+    }
+
+    FakeResponsesServer server;
+};
+
+JSON item(const QString &id)
+{
+    return FakeResponsesServer::message(id, id);
+}
+
+} // namespace
+
+TEST_F(OpenAITest, PostsTheBodyWithTheHeadersInOrder)
+{
+    respond(FakeResponsesServer::textReply("hi"));
+    ASSERT_EQ(server.requests().size(), 1);
+    const RecordedRequest &request = server.requests().first();
+    EXPECT_EQ(request.method, "POST");
+    EXPECT_EQ(request.path, "/v1/responses");
+    EXPECT_EQ(request.json(), sampleBody);
+    EXPECT_EQ(request.header("Authorization"), "Bearer sk-test");
+    EXPECT_EQ(request.header("Content-Type"), "application/json");
+    EXPECT_EQ(request.header("Accept"), "text/event-stream");
+    EXPECT_EQ(request.header("User-Agent"), "Zentoro/" ZENTORO_VERSION);
+
+    QList<QByteArray> ours;
+    for (const auto &[name, value] : request.headers) {
+        if (QList<QByteArray>{"Authorization", "Content-Type", "Accept", "User-Agent"}.contains(name))
+            ours.append(name);
+    }
+    EXPECT_EQ(ours, (QList<QByteArray>{"Authorization", "Content-Type", "Accept", "User-Agent"}));
+}
+
+TEST_F(OpenAITest, AnOriginWithATrailingSlashStillReachesTheService)
+{
+    qputenv("ZENTORO_API_BASE", (server.origin() + "/").toUtf8());
+    const Outcome outcome = respond(FakeResponsesServer::textReply("hi"));
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(server.requests().first().path, "/v1/responses");
+}
+
+TEST_F(OpenAITest, ReturnsTheCompletedResponseAndReportsItemsAsTheyStart)
+{
+    const JSON::Array items{item("a"), FakeResponsesServer::call("read_file", JSON::object({{"path", "AppRoot.swift"}}))};
+    const Outcome outcome = respond(FakeResponsesServer::turn(items, "resp_7"));
+    ASSERT_TRUE(outcome.response) << describe(outcome.error).toStdString();
+    EXPECT_EQ(*outcome.response, FakeResponsesServer::response("resp_7", items));
+    ASSERT_EQ(outcome.started.size(), 2);
+    EXPECT_EQ(outcome.started[0].stringAt("id"), "a");
+    EXPECT_EQ(outcome.started[1].stringAt("name"), "read_file");
+}
+
+TEST_F(OpenAITest, AssemblesTheOutputFromFinishedItemsOnlyWhenTheResponseHasNone)
+{
+    // Empty output: the "done" items in the order they finished.
+    Outcome outcome = respond(EventStream()
+                                  .added(item("a"))
+                                  .added(item("b"))
+                                  .done(item("b"))
+                                  .done(item("a"))
+                                  .completed(FakeResponsesServer::response("r", {}))
+                                  .reply());
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(*outcome.response->find("output"), JSON::array({item("b"), item("a")}));
+
+    // Missing output.
+    outcome = respond(EventStream().done(item("a")).completed(JSON::object({{"id", "r"}})).reply());
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(*outcome.response, JSON::object({{"id", "r"}, {"output", JSON::array({item("a")})}}));
+
+    // Output of its own: the finished items are ignored.
+    outcome = respond(EventStream().done(item("a")).completed(FakeResponsesServer::response("r", {item("z")})).reply());
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(*outcome.response->find("output"), JSON::array({item("z")}));
+
+    // A response that isn't an object comes back as it stands.
+    outcome = respond(EventStream().done(item("a")).completed("odd").reply());
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(*outcome.response, JSON("odd"));
+}
+
+TEST_F(OpenAITest, AnIncompleteResponseIsAnAnswerNotAFailure)
+{
+    JSON cut = FakeResponsesServer::response("r", {}, "incomplete");
+    cut.set("incomplete_details", JSON::object({{"reason", "max_output_tokens"}}));
+    const Outcome outcome = respond(EventStream().done(item("a")).incomplete(cut).reply());
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(outcome.response->stringAt("status"), "incomplete");
+    EXPECT_EQ(*outcome.response->find("output"), JSON::array({item("a")}));
+}
+
+TEST_F(OpenAITest, ReadsLinesHoweverTheyAreFramedAndSplit)
+{
+    const QByteArray completed = R"({"type":"response.completed","response":{"id":"r","output":[]}})";
+    const QByteArray added = R"({"type":"response.output_item.added","item":{"id":"x"}})";
+    // No blank after the colon, CR LF and lone CR terminators, comments, and a last line
+    // without a terminator.
+    const QByteArray body = ": keep-alive\r\nevent: ignored\r\ndata:" + added + "\r\rdata:\t " + completed;
+    for (qsizetype piece : {qsizetype(0), qsizetype(1), qsizetype(7)}) {
+        SCOPED_TRACE(piece);
+        ScriptedReply reply;
+        reply.body = body;
+        const Outcome outcome = respond(reply.inPieces(piece));
+        ASSERT_TRUE(outcome.response) << describe(outcome.error).toStdString();
+        EXPECT_EQ(outcome.response->stringAt("id"), "r");
+        ASSERT_EQ(outcome.started.size(), 1);
+        EXPECT_EQ(outcome.started[0], JSON::object({{"id", "x"}}));
+    }
+}
+
+TEST_F(OpenAITest, AnEventSplitIntoManySmallWritesIsReadWhole)
+{
+    const QString long_text = QString(5000, u'ä');
+    const Outcome outcome = respond(FakeResponsesServer::turn({item(long_text)}).inPieces(13, 0));
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(outcome.response->arrayAt("output")->front(), item(long_text));
+}
+
+TEST_F(OpenAITest, SkipsWhatCannotBeAnEvent)
+{
+    const Outcome outcome = respond(EventStream()
+                                        .raw("data: {not json\n\n")
+                                        .raw("data: [\"error\"]\n\n")
+                                        .raw("data: \"response.completed\"\n\n")
+                                        .raw("data: {\"item\":{\"id\":\"failed\"}}\n\n")
+                                        .raw("data: {\"type\":7,\"item\":{\"id\":\"completed\"}}\n\n")
+                                        .raw("data: {\"type\":\"response.output_item.added\",\"item\":\"\xff\xfe\"}\n\n")
+                                        .raw("data: {\"type\":\"error\"\n\n")
+                                        .raw("garbage without a prefix\n")
+                                        .raw("data : {\"type\":\"error\"}\n")
+                                        .raw("DATA: {\"type\":\"error\"}\n")
+                                        .added(item("kept"))
+                                        .completed(FakeResponsesServer::response("r", {}))
+                                        .reply());
+    ASSERT_TRUE(outcome.response) << describe(outcome.error).toStdString();
+    ASSERT_EQ(outcome.started.size(), 1);
+    EXPECT_EQ(outcome.started[0].stringAt("id"), "kept");
+}
+
+TEST_F(OpenAITest, EventsSpelledWithEscapesAreStillActedOn)
+{
+    const Outcome outcome = respond(
+        EventStream().raw(R"(data: {"type":"response.\u0063ompleted","response":{"id":"escaped"}})" "\n").reply());
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(outcome.response->stringAt("id"), "escaped");
+}
+
+TEST_F(OpenAITest, AnEndWithoutATerminalEventIsAFailure)
+{
+    const QString closed = "The connection closed before the response finished.";
+    const JSON noResponseKey = JSON::object({{"type", "response.completed"}});
+
+    // A terminal event without its response is skipped, so the stream ends unfinished.
+    Outcome outcome = respond(EventStream().added(item("a")).event(noResponseKey).reply());
+    EXPECT_EQ(outcome.failure(), OpenAI::Failure(0, std::nullopt, std::nullopt, closed));
+    EXPECT_EQ(outcome.started.size(), 1);
+
+    // "[DONE]" ends the reading, and whatever follows is never looked at.
+    outcome = respond(
+        EventStream().done(item("a")).doneMarker().completed(FakeResponsesServer::response("r", {})).reply());
+    EXPECT_EQ(outcome.failure(), OpenAI::Failure(0, std::nullopt, std::nullopt, closed));
+
+    // An empty 200.
+    outcome = respond(ScriptedReply());
+    EXPECT_EQ(outcome.failure().message, closed);
+    EXPECT_EQ(outcome.failure().errorDescription(), closed);
+}
+
+TEST_F(OpenAITest, FailedAndErrorEventsCarryTheServicesWords)
+{
+    const JSON full = JSON::object({{"code", "server_error"}, {"param", "input"}, {"message", "Try again."}});
+    const OpenAI::Failure fullFailure(0, "server_error", "input", "Try again.");
+    const OpenAI::Failure bare(0, std::nullopt, std::nullopt, "The response failed.");
+
+    EXPECT_EQ(respond(EventStream().failed(full).reply()).failure(), fullFailure);
+    EXPECT_EQ(respond(EventStream().failed(JSON::object({{"code", 5}})).reply()).failure(), bare);
+    EXPECT_EQ(respond(EventStream().event(JSON::object({{"type", "response.failed"}})).reply()).failure(), bare);
+    EXPECT_EQ(respond(EventStream().error(full).reply()).failure(), fullFailure);
+    EXPECT_EQ(respond(EventStream().error("overloaded").reply()).failure(), bare);
+
+    // Without an `error` key the event itself holds the fields.
+    JSON flat = full;
+    flat.set("type", "error");
+    EXPECT_EQ(respond(EventStream().event(flat).reply()).failure(), fullFailure);
+
+    // Failures stop the reading: a later completion doesn't count.
+    const Outcome outcome =
+        respond(EventStream().error(full).completed(FakeResponsesServer::response("r", {})).reply());
+    EXPECT_FALSE(outcome.response);
+}
+
+TEST_F(OpenAITest, HTTPErrorsBecomeFailuresWithTheirStatus)
+{
+    Outcome outcome = respond(FakeResponsesServer::httpError(
+        400, R"({"error":{"message":"Too long.","code":"context_length_exceeded","param":"input"}})"));
+    EXPECT_EQ(outcome.failure(), OpenAI::Failure(400, "context_length_exceeded", "input", "Too long."));
+    EXPECT_EQ(outcome.failure().errorDescription(), "OpenAI error 400: Too long.");
+
+    outcome = respond(FakeResponsesServer::httpError(503, "", "text/plain"));
+    EXPECT_EQ(outcome.failure(), OpenAI::Failure(503, std::nullopt, std::nullopt, "HTTP 503"));
+    EXPECT_EQ(outcome.failure().errorDescription(), "OpenAI error 503: HTTP 503");
+
+    const QByteArray html = "<html><body>" + QByteArray(10'000, 'x') + "</body></html>";
+    outcome = respond(FakeResponsesServer::httpError(502, html, "text/html").inPieces(1000));
+    EXPECT_EQ(outcome.failure().status, 502);
+    EXPECT_EQ(outcome.failure().message, QString::fromLatin1(html.left(400)));
+    EXPECT_TRUE(outcome.started.isEmpty());
+}
+
+TEST_F(OpenAITest, AnEndlessErrorBodyIsReadOnlyUpToTheLimit)
+{
+    // The server never ends this body: the client stops reading after the limit.
+    ScriptedReply endless = FakeResponsesServer::httpError(500, QByteArray(300'000, '<'), "text/html");
+    endless.inPieces(50'000).endingWith(Ending::Hang);
+    QElapsedTimer clock;
+    clock.start();
+    const Outcome outcome = respond(endless);
+    EXPECT_LT(clock.elapsed(), 5000);
+    EXPECT_EQ(outcome.failure().status, 500);
+    EXPECT_EQ(outcome.failure().message, QString(400, u'<'));
+}
+
+TEST_F(OpenAITest, ACutOrResetStreamIsATransportError)
+{
+    for (Ending ending : {Ending::Close, Ending::Reset}) {
+        ScriptedReply cut = EventStream().added(item("a")).textDelta("par").reply();
+        const Outcome outcome = respond(cut.endingWith(ending));
+        ASSERT_TRUE(outcome.networkError()) << describe(outcome.error).toStdString();
+        EXPECT_FALSE(outcome.networkError()->isCancelled());
+        EXPECT_FALSE(outcome.response);
+    }
+}
+
+TEST_F(OpenAITest, CancellingAbortsASlowStreamAtOnce)
+{
+    // The item starts at once; the rest would take half a minute.
+    EventStream stream;
+    stream.added(item("a"));
+    const qsizetype head = stream.bytes().size();
+    for (int i = 0; i < 300; ++i)
+        stream.textDelta("slow");
+    ScriptedReply slow = stream.completed(FakeResponsesServer::response("r", {})).reply();
+    server.enqueue(slow.inPieces(head, 100));
+
+    Outcome outcome;
+    TaskHandle task = start(outcome);
+    ASSERT_TRUE(spinUntil([&] { return !outcome.started.isEmpty(); }));
+    QElapsedTimer clock;
+    clock.start();
+    task.cancel();
+    ASSERT_TRUE(spinUntil([&] { return task.isFinished(); }, std::chrono::seconds(2)));
+    EXPECT_LT(clock.elapsed(), 100);
+    ASSERT_TRUE(outcome.networkError());
+    EXPECT_TRUE(outcome.networkError()->isCancelled());
+    EXPECT_TRUE(spinUntil([&] { return server.openConnections() == 0; }, std::chrono::seconds(2)));
+}
+
+TEST_F(OpenAITest, ATaskCancelledBeforehandSendsNothing)
+{
+    Outcome outcome;
+    TaskHandle task = startTask([&outcome](TaskHandle self) -> QCoro::Task<> {
+        self.cancel();
+        const QString bearer = QString::fromUtf8("sk");
+        const std::function<void(const JSON &)> ignore = [](const JSON &) {};
+        try {
+            outcome.response = co_await OpenAI::respond(self, bearer, sampleBody, ignore);
+        } catch (...) {
+            outcome.error = std::current_exception();
+        }
+    });
+    ASSERT_TRUE(spinUntil([&] { return task.isFinished(); }));
+    ASSERT_TRUE(outcome.networkError());
+    EXPECT_TRUE(outcome.networkError()->isCancelled());
+    EXPECT_TRUE(server.requests().isEmpty());
+}
+
+TEST_F(OpenAITest, ConsecutiveRequestsShareTheServer)
+{
+    for (int i = 0; i < 3; ++i) {
+        const Outcome outcome = respond(FakeResponsesServer::textReply("hi", QStringLiteral("resp_%1").arg(i)));
+        ASSERT_TRUE(outcome.response);
+        EXPECT_EQ(outcome.response->stringAt("id"), QStringLiteral("resp_%1").arg(i));
+    }
+    EXPECT_EQ(server.requests().size(), 3);
+}
+
+TEST(OpenAIFailure, TakesTheMessageCodeAndParamFromTheBody)
+{
+    using OpenAI::Failure;
+    EXPECT_EQ(OpenAI::failure(429, R"({"error":"Slow down."})"), Failure(429, std::nullopt, std::nullopt, "Slow down."));
+    EXPECT_EQ(OpenAI::failure(403, R"({"detail":{"code":"deactivated","message":"Gone."}})"),
+              Failure(403, "deactivated", std::nullopt, "Gone."));
+    EXPECT_EQ(OpenAI::failure(401, R"({"detail":"Unauthorized","error":{"param":"x"}})"),
+              Failure(401, std::nullopt, "x", "Unauthorized"));
+    // `detail` never gives the param, and fields of another case count as absent.
+    EXPECT_EQ(OpenAI::failure(400, R"({"detail":{"param":"p","message":"m"},"error":{"code":1}})"),
+              Failure(400, std::nullopt, std::nullopt, "m"));
+    // JSON that isn't an object gives its text.
+    EXPECT_EQ(OpenAI::failure(500, "[1,2]").message, "[1,2]");
+    EXPECT_EQ(OpenAI::failure(500, R"({"error":""})").message, "HTTP 500");
+    EXPECT_EQ(OpenAI::failure(0, "").errorDescription(), "HTTP 0");
+}
+
+TEST(OpenAIFailure, ACharacterCutAtTheTextLimitIsRepaired)
+{
+    // "é" is two bytes; the 400th byte is its first half.
+    const QByteArray body = QByteArray(399, 'a') + "é" + QByteArray(100, 'b');
+    const QString message = OpenAI::failure(502, body).message;
+    EXPECT_EQ(message, QString(399, u'a') + QChar(QChar::ReplacementCharacter));
+}
