@@ -157,10 +157,11 @@ extension TextAlignment {
 /// Hosting: how the generated entry file hands a root view to Zentoro's window.
 public enum ZentoroHosting {
     /// A hosted root view, retained once for the host, which releases it with
-    /// `zentoro_view_release`.
-    @MainActor
-    public static func makeRootView<V: View>(_ view: V) -> UnsafeMutableRawPointer {
-        Unmanaged.passRetained(RootView(ViewGraph(view))).toOpaque()
+    /// `zentoro_view_release`. The host calls the factory on the main thread.
+    public static func makeRootView<V: View>(_ view: @autoclosure () -> V) -> UnsafeMutableRawPointer {
+        MainActor.assumeIsolated {
+            Unmanaged.passRetained(RootView(ViewGraph(view()))).toOpaque()
+        }
     }
 }
 

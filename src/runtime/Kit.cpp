@@ -1,0 +1,162 @@
+#include "runtime/Kit.h"
+
+#include "runtime/Shell.h"
+#include "runtime/Workspace.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QUuid>
+
+// The kit's sources live in a resource list of the static core library; naming its
+// initialiser keeps it linked into every program that builds the kit.
+static void registerKitResource()
+{
+    static const bool registered = [] {
+        Q_INIT_RESOURCE(kit);
+        return true;
+    }();
+    Q_UNUSED(registered);
+}
+
+namespace zentoro::Kit {
+
+namespace {
+
+const QString resourceRoot = QStringLiteral(":/Kit");
+const QString library = QStringLiteral("libSwiftUI.so");
+const QString module = QStringLiteral("SwiftUI.swiftmodule");
+
+QStringList resourceFiles()
+{
+    registerKitResource();
+    QStringList files;
+    QDirIterator it(resourceRoot, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files << it.next().mid(resourceRoot.size() + 1);
+    files.sort();
+    return files;
+}
+
+QString safeName(const QString &text)
+{
+    QString name;
+    for (const QChar c : text.trimmed())
+        name += (c.isLetterOrNumber() || c == u'.' || c == u'-') ? c : u'_';
+    return name;
+}
+
+bool isComplete(const QString &folder)
+{
+    return QFile::exists(folder + u'/' + library) && QFile::exists(folder + u'/' + module);
+}
+
+// Copies the kit's sources out of the program into `folder`; returns the Swift files.
+std::optional<QStringList> extract(const QString &folder, QString &error)
+{
+    QStringList swiftFiles;
+    for (const QString &file : resourceFiles()) {
+        const QString target = folder + u'/' + file;
+        QDir().mkpath(QFileInfo(target).path());
+        QFile source(resourceRoot + u'/' + file);
+        QFile out(target);
+        if (!source.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly) || out.write(source.readAll()) < 0) {
+            error = QStringLiteral("Couldn't write the UI kit's sources to %1: %2").arg(target, out.errorString());
+            return std::nullopt;
+        }
+        if (file.endsWith(QStringLiteral(".swift")))
+            swiftFiles << target;
+    }
+    return swiftFiles;
+}
+
+QString targetTriple()
+{
+#if defined(__aarch64__)
+    return QStringLiteral("aarch64-unknown-linux-gnu");
+#else
+    return QStringLiteral("x86_64-unknown-linux-gnu");
+#endif
+}
+
+} // namespace
+
+QString version()
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    for (const QString &file : resourceFiles()) {
+        QFile source(resourceRoot + u'/' + file);
+        source.open(QIODevice::ReadOnly);
+        hash.addData(file.toUtf8());
+        hash.addData(source.readAll());
+    }
+    return QString::fromLatin1(hash.result().toHex().left(12));
+}
+
+QString cacheFolder(const QString &compilerVersion)
+{
+    return Workspace::support() + QStringLiteral("/KitCache/") + version() + u'-' + safeName(compilerVersion);
+}
+
+QStringList appArguments(const QString &folder)
+{
+    return {QStringLiteral("-I"), folder, QStringLiteral("-I"), folder + QStringLiteral("/include"),
+            QStringLiteral("-L"), folder, QStringLiteral("-lSwiftUI"),
+            QStringLiteral("-Xlinker"), QStringLiteral("-rpath"), QStringLiteral("-Xlinker"), folder};
+}
+
+QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
+{
+    const QString folder = cacheFolder(compilerVersion);
+    if (isComplete(folder))
+        co_return Build{appArguments(folder), {}};
+
+    const QString staging = QFileInfo(folder).path() + QStringLiteral("/.building-")
+        + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    QString error;
+    const auto sources = extract(staging + QStringLiteral("/src"), error);
+    if (!sources) {
+        QDir(staging).removeRecursively();
+        co_return Build{{}, error};
+    }
+    const QString include = staging + QStringLiteral("/src/Sources/ZentoroHostInterface/include");
+    QStringList arguments{QStringLiteral("-emit-library"),
+                          QStringLiteral("-emit-module"),
+                          QStringLiteral("-parse-as-library"),
+                          QStringLiteral("-module-name"), QStringLiteral("SwiftUI"),
+                          QStringLiteral("-target"), targetTriple(),
+                          QStringLiteral("-swift-version"), QStringLiteral("5"),
+                          QStringLiteral("-O"),
+                          QStringLiteral("-I"), include,
+                          QStringLiteral("-module-cache-path"), staging + QStringLiteral("/ModuleCache"),
+                          QStringLiteral("-emit-module-path"), staging + u'/' + module,
+                          QStringLiteral("-Xlinker"), QStringLiteral("-soname=") + library,
+                          QStringLiteral("-o"), staging + u'/' + library};
+    arguments += *sources;
+    const Shell::Result result = co_await Shell::run(swiftc, arguments, staging, task);
+
+    if (result.status != 0 || !isComplete(staging)) {
+        QDir(staging).removeRecursively();
+        const QString output = result.output.trimmed();
+        co_return Build{{}, output.isEmpty()
+                                ? QStringLiteral("The UI kit didn't build (swiftc status %1).").arg(result.status)
+                                : QStringLiteral("The UI kit didn't build:\n") + output};
+    }
+    // What app builds need next to the library: the module and the host interface's module map.
+    QDir(staging + QStringLiteral("/ModuleCache")).removeRecursively();
+    QDir().mkpath(staging + QStringLiteral("/include"));
+    for (const QString &name : QDir(include).entryList(QDir::Files))
+        QFile::copy(include + u'/' + name, staging + QStringLiteral("/include/") + name);
+    QDir(staging + QStringLiteral("/src")).removeRecursively();
+
+    // Another copy may have finished first; then its cache stands and this one goes.
+    if (!QDir().rename(staging, folder) && !isComplete(folder)) {
+        QDir(staging).removeRecursively();
+        co_return Build{{}, QStringLiteral("Couldn't put the UI kit into %1.").arg(folder)};
+    }
+    QDir(staging).removeRecursively();
+    co_return Build{appArguments(folder), {}};
+}
+
+} // namespace zentoro::Kit

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/MainTask.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <QCoroTask>
+
+namespace zentoro::Kit {
+
+// The hosted UI kit compiled for one compiler: the arguments an app build adds to link
+// against it, or the words that say why it could not be built.
+struct Build {
+    QStringList arguments;
+    QString error;
+
+    bool ok() const { return error.isEmpty(); }
+    bool operator==(const Build &) const = default;
+};
+
+// Names the kit's sources as compiled into this program: a digest of every file, so an
+// edited kit never meets a stale cache.
+QString version();
+
+// `support/KitCache/<kit version>-<compiler version>`, shared by all copies.
+QString cacheFolder(const QString &compilerVersion);
+
+// -I, -L, -lSwiftUI and the run path for apps built against the kit in `folder`.
+QStringList appArguments(const QString &folder);
+
+// Makes sure the kit is in the cache for this compiler, building it there when it is not:
+// in a folder of its own that is renamed into place, so a copy that builds at the same
+// time, or a crash, never leaves a half-written cache. The compiler runs off the main thread.
+QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion);
+
+} // namespace zentoro::Kit

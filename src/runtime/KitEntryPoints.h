@@ -1,0 +1,59 @@
+#pragma once
+
+#include "resources/Kit/Sources/ZentoroHostInterface/include/zentoro_host.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace zentoro {
+
+// The kit's C entry points as found through one version library.
+struct KitEntryPoints {
+    decltype(&zentoro_kit_interface_version) interfaceVersion = nullptr;
+    decltype(&zentoro_view_attach) attach = nullptr;
+    decltype(&zentoro_view_release) release = nullptr;
+    decltype(&zentoro_view_set_size) setSize = nullptr;
+    decltype(&zentoro_view_set_appearance) setAppearance = nullptr;
+    decltype(&zentoro_view_render) render = nullptr;
+    decltype(&zentoro_view_pointer) pointer = nullptr;
+    decltype(&zentoro_view_scroll) scroll = nullptr;
+    decltype(&zentoro_view_key) key = nullptr;
+    decltype(&zentoro_view_text_changed) textChanged = nullptr;
+    decltype(&zentoro_view_text_submitted) textSubmitted = nullptr;
+    decltype(&zentoro_view_text_focus) textFocus = nullptr;
+    decltype(&zentoro_kit_main_queue_fd) mainQueueFd = nullptr;
+    decltype(&zentoro_kit_service_main) serviceMain = nullptr;
+
+    // Looks every entry point up with dlsym on `library`; a missing one or another
+    // interface version is an error.
+    static std::shared_ptr<const KitEntryPoints> find(void *library, QString &error);
+};
+
+// Keeps the kit's main queue and main run loop going inside Qt's event loop: watches the
+// queue's descriptor and wakes up for the run loop's next timer. One per process, started
+// by the first hosted view.
+namespace KitMainQueue {
+void start(const std::shared_ptr<const KitEntryPoints> &kit);
+// Runs what is due now; called after every call into the kit.
+void service();
+} // namespace KitMainQueue
+
+} // namespace zentoro
+
+#include <QObject>
+#include <functional>
+
+namespace zentoro {
+
+// Tells a hosted text field's focus changes to the kit.
+class FocusWatcher : public QObject {
+public:
+    FocusWatcher(QObject *parent, std::function<void(bool)> changed) : QObject(parent), changed_(std::move(changed)) {}
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    std::function<void(bool)> changed_;
+};
+
+} // namespace zentoro

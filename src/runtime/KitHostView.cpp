@@ -1,0 +1,300 @@
+#include "runtime/KitHostView.h"
+
+#include "runtime/KitEntryPoints.h"
+#include "runtime/KitPainting.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPainter>
+
+namespace zentoro {
+
+// The C functions the kit calls, each turning the context back into the view.
+struct KitHostView::Callbacks {
+    static KitHostView *view(void *context) { return static_cast<KitHostView *>(context); }
+    static QPainter *painter(void *context) { return view(context)->painter_; }
+
+    static void measureText(void *, const ZentoroText *text, double maxWidth, double *width, double *height)
+    {
+        const QSizeF size = KitPainting::measure(*text, maxWidth);
+        *width = size.width();
+        *height = size.height();
+    }
+    static void save(void *c) { if (auto *p = painter(c)) p->save(); }
+    static void restore(void *c) { if (auto *p = painter(c)) p->restore(); }
+    static void concatTransform(void *c, double a, double b, double cc, double d, double tx, double ty)
+    {
+        if (auto *p = painter(c))
+            p->setTransform(QTransform(a, b, cc, d, tx, ty), true);
+    }
+    static void multiplyOpacity(void *c, double opacity) { if (auto *p = painter(c)) p->setOpacity(p->opacity() * opacity); }
+    static void clipPath(void *c, const ZentoroPath *path)
+    {
+        if (auto *p = painter(c))
+            p->setClipPath(KitPainting::path(*path), Qt::IntersectClip);
+    }
+    static void fillPath(void *c, const ZentoroPath *path, const ZentoroPaint *paint)
+    {
+        if (auto *p = painter(c))
+            p->fillPath(KitPainting::path(*path), KitPainting::brush(*paint));
+    }
+    static void strokePath(void *c, const ZentoroPath *path, const ZentoroPaint *paint, const ZentoroStroke *stroke)
+    {
+        if (auto *p = painter(c))
+            p->strokePath(KitPainting::path(*path), KitPainting::pen(*paint, *stroke));
+    }
+    static void shadowPath(void *c, const ZentoroPath *path, ZentoroColor color, double radius, double dx, double dy)
+    {
+        if (auto *p = painter(c))
+            KitPainting::drawShadow(*p, KitPainting::path(*path),
+                                    QColor::fromRgbF(float(color.red), float(color.green), float(color.blue), float(color.alpha)),
+                                    radius, QPointF(dx, dy));
+    }
+    static void drawText(void *c, const ZentoroText *text, ZentoroRect rect)
+    {
+        if (auto *p = painter(c))
+            KitPainting::drawText(*p, *text, QRectF(rect.x, rect.y, rect.width, rect.height));
+    }
+    static void drawSymbol(void *c, const char *name, ZentoroRect rect, const ZentoroPaint *paint)
+    {
+        if (auto *p = painter(c))
+            KitPainting::drawSymbol(*p, QString::fromUtf8(name), QRectF(rect.x, rect.y, rect.width, rect.height),
+                                    KitPainting::brush(*paint));
+    }
+    static void placeTextField(void *c, int64_t identifier, ZentoroRect rect, const char *text, const char *prompt,
+                               ZentoroFont font, int32_t flags)
+    {
+        view(c)->placeTextField(identifier, QRectF(rect.x, rect.y, rect.width, rect.height), QString::fromUtf8(text),
+                                QString::fromUtf8(prompt), KitPainting::font(font), flags);
+    }
+    static void requestRedraw(void *c) { view(c)->update(); }
+};
+
+KitHostView::KitHostView(void *library, void *rootView, QWidget *parent)
+    : QWidget(parent), root_(rootView), host_(std::make_unique<ZentoroHost>())
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    kit_ = KitEntryPoints::find(library, error_);
+    if (!kit_ || !root_) {
+        if (error_.isEmpty())
+            error_ = QStringLiteral("The library made no view.");
+        return;
+    }
+    *host_ = ZentoroHost{ZENTORO_HOST_INTERFACE_VERSION,
+                         this,
+                         &Callbacks::measureText,
+                         &Callbacks::save,
+                         &Callbacks::restore,
+                         &Callbacks::concatTransform,
+                         &Callbacks::multiplyOpacity,
+                         &Callbacks::clipPath,
+                         &Callbacks::fillPath,
+                         &Callbacks::strokePath,
+                         &Callbacks::shadowPath,
+                         &Callbacks::drawText,
+                         &Callbacks::drawSymbol,
+                         &Callbacks::placeTextField,
+                         &Callbacks::requestRedraw};
+    KitMainQueue::start(kit_);
+    kit_->attach(root_, host_.get());
+    sendAppearance();
+    if (parent) {
+        parent->installEventFilter(this);
+        setGeometry(parent->rect());
+    }
+    kit_->setSize(root_, width(), height());
+}
+
+KitHostView::~KitHostView()
+{
+    if (kit_ && root_)
+        kit_->release(root_);
+}
+
+bool KitHostView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Resize && !parentWidget()->layout())
+        setGeometry(parentWidget()->rect());
+    return QWidget::eventFilter(watched, event);
+}
+
+void KitHostView::sendAppearance()
+{
+    if (!kit_)
+        return;
+    const QColor accent = palette().color(QPalette::Highlight);
+    const ZentoroColor color{accent.redF(), accent.greenF(), accent.blueF(), 1};
+    const bool dark = palette().color(QPalette::Window).lightness() < 128;
+    kit_->setAppearance(root_, dark ? 1 : 0, &color);
+}
+
+void KitHostView::afterCall() { KitMainQueue::service(); }
+
+void KitHostView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Window));
+    if (!kit_)
+        return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    painter_ = &painter;
+    placed_.clear();
+    kit_->render(root_);
+    painter_ = nullptr;
+    for (auto it = fields_.begin(); it != fields_.end();) {
+        if (placed_.contains(it.key())) {
+            ++it;
+        } else {
+            it.value()->deleteLater();
+            it = fields_.erase(it);
+        }
+    }
+    afterCall();
+}
+
+void KitHostView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (kit_)
+        kit_->setSize(root_, width(), height());
+}
+
+void KitHostView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) {
+        sendAppearance();
+        update();
+    }
+}
+
+namespace {
+int modifierBits(Qt::KeyboardModifiers modifiers)
+{
+    return (modifiers & Qt::ShiftModifier ? ZENTORO_MODIFIER_SHIFT : 0) | (modifiers & Qt::ControlModifier ? ZENTORO_MODIFIER_CONTROL : 0)
+        | (modifiers & Qt::AltModifier ? ZENTORO_MODIFIER_ALT : 0) | (modifiers & Qt::MetaModifier ? ZENTORO_MODIFIER_META : 0);
+}
+} // namespace
+
+void KitHostView::pointer(int kind, QPointF position, Qt::KeyboardModifiers modifiers, int clickCount)
+{
+    if (!kit_)
+        return;
+    kit_->pointer(root_, kind, position.x(), position.y(), modifierBits(modifiers), clickCount);
+    afterCall();
+}
+
+void KitHostView::mousePressEvent(QMouseEvent *event)
+{
+    clickCount_ = 1;
+    pointer(ZENTORO_POINTER_DOWN, event->position(), event->modifiers(), clickCount_);
+}
+
+void KitHostView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    clickCount_ = 2;
+    pointer(ZENTORO_POINTER_DOWN, event->position(), event->modifiers(), clickCount_);
+}
+
+void KitHostView::mouseMoveEvent(QMouseEvent *event)
+{
+    pointer(ZENTORO_POINTER_MOVE, event->position(), event->modifiers(), clickCount_);
+}
+
+void KitHostView::mouseReleaseEvent(QMouseEvent *event)
+{
+    pointer(ZENTORO_POINTER_UP, event->position(), event->modifiers(), clickCount_);
+}
+
+void KitHostView::leaveEvent(QEvent *event)
+{
+    QWidget::leaveEvent(event);
+    pointer(ZENTORO_POINTER_LEAVE, {}, {}, 0);
+}
+
+void KitHostView::wheelEvent(QWheelEvent *event)
+{
+    if (!kit_)
+        return;
+    // Pixel deltas from touchpads as they are; wheel notches as three lines of 16 pixels.
+    QPointF delta = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) / 120.0 * 48.0 : QPointF(event->pixelDelta());
+    const QPointF position = event->position();
+    if (kit_->scroll(root_, position.x(), position.y(), -delta.x(), -delta.y()))
+        event->accept();
+    else
+        event->ignore();
+    afterCall();
+}
+
+void KitHostView::keyPressEvent(QKeyEvent *event)
+{
+    if (!kit_)
+        return;
+    int code = ZENTORO_KEY_OTHER;
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: code = ZENTORO_KEY_RETURN; break;
+    case Qt::Key_Escape: code = ZENTORO_KEY_ESCAPE; break;
+    case Qt::Key_Tab: code = ZENTORO_KEY_TAB; break;
+    case Qt::Key_Backspace: code = ZENTORO_KEY_BACKSPACE; break;
+    case Qt::Key_Delete: code = ZENTORO_KEY_DELETE; break;
+    case Qt::Key_Left: code = ZENTORO_KEY_LEFT; break;
+    case Qt::Key_Right: code = ZENTORO_KEY_RIGHT; break;
+    case Qt::Key_Up: code = ZENTORO_KEY_UP; break;
+    case Qt::Key_Down: code = ZENTORO_KEY_DOWN; break;
+    case Qt::Key_Space: code = ZENTORO_KEY_SPACE; break;
+    }
+    // With Control held, text() is a control character; the shortcut wants the key's letter.
+    QString text = event->text();
+    if ((event->modifiers() & Qt::ControlModifier) && event->key() >= Qt::Key_A && event->key() <= Qt::Key_Z)
+        text = QChar(u'a' + (event->key() - Qt::Key_A));
+    const bool used = kit_->key(root_, code, text.toUtf8().constData(), modifierBits(event->modifiers()));
+    afterCall();
+    if (!used)
+        QWidget::keyPressEvent(event);
+}
+
+void KitHostView::placeTextField(qint64 identifier, const QRectF &rect, const QString &text, const QString &prompt,
+                                 const QFont &font, int flags)
+{
+    placed_.insert(identifier);
+    QLineEdit *field = fields_.value(identifier);
+    if (!field) {
+        field = new QLineEdit(this);
+        fields_.insert(identifier, field);
+        field->setText(text);
+        connect(field, &QLineEdit::textEdited, this, [this, identifier](const QString &now) {
+            kit_->textChanged(root_, identifier, now.toUtf8().constData());
+            afterCall();
+        });
+        connect(field, &QLineEdit::returnPressed, this, [this, identifier] {
+            kit_->textSubmitted(root_, identifier);
+            afterCall();
+        });
+        field->installEventFilter(new FocusWatcher(field, [this, identifier](bool focused) {
+            kit_->textFocus(root_, identifier, focused ? 1 : 0);
+            afterCall();
+        }));
+        field->show();
+    }
+    const QRect geometry = rect.toAlignedRect();
+    if (field->geometry() != geometry)
+        field->setGeometry(geometry);
+    if (field->text() != text)
+        field->setText(text);
+    if (field->placeholderText() != prompt)
+        field->setPlaceholderText(prompt);
+    if (field->font() != font)
+        field->setFont(font);
+    field->setEchoMode(flags & ZENTORO_FIELD_SECURE ? QLineEdit::Password : QLineEdit::Normal);
+    field->setFrame(!(flags & ZENTORO_FIELD_PLAIN));
+    field->setEnabled(!(flags & ZENTORO_FIELD_DISABLED));
+    if ((flags & ZENTORO_FIELD_FOCUS) && !field->hasFocus())
+        field->setFocus(Qt::OtherFocusReason);
+}
+
+} // namespace zentoro

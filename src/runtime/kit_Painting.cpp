@@ -1,0 +1,180 @@
+#include "runtime/KitPainting.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QPainter>
+
+#include <cmath>
+
+namespace zentoro::KitPainting {
+
+namespace {
+
+QColor color(const ZentoroColor &c)
+{
+    return QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha));
+}
+
+QPointF point(const ZentoroPoint &p) { return {p.x, p.y}; }
+
+} // namespace
+
+QPainterPath path(const ZentoroPath &source)
+{
+    QPainterPath result;
+    result.setFillRule(source.evenOdd ? Qt::OddEvenFill : Qt::WindingFill);
+    for (int i = 0; i < source.count; ++i) {
+        const ZentoroPathElement &e = source.elements[i];
+        switch (e.op) {
+        case ZENTORO_PATH_MOVE: result.moveTo(point(e.points[0])); break;
+        case ZENTORO_PATH_LINE: result.lineTo(point(e.points[0])); break;
+        case ZENTORO_PATH_QUAD: result.quadTo(point(e.points[0]), point(e.points[1])); break;
+        case ZENTORO_PATH_CUBIC: result.cubicTo(point(e.points[0]), point(e.points[1]), point(e.points[2])); break;
+        case ZENTORO_PATH_CLOSE: result.closeSubpath(); break;
+        }
+    }
+    return result;
+}
+
+QBrush brush(const ZentoroPaint &paint)
+{
+    const auto stops = [&](QGradient &gradient, auto location) {
+        for (int i = 0; i < paint.stopCount; ++i)
+            gradient.setColorAt(std::clamp(location(paint.stops[i].location), 0.0, 1.0), color(paint.stops[i].color));
+    };
+    switch (paint.kind) {
+    case ZENTORO_PAINT_LINEAR: {
+        QLinearGradient gradient(point(paint.start), point(paint.end));
+        stops(gradient, [](double l) { return l; });
+        return gradient;
+    }
+    case ZENTORO_PAINT_RADIAL: {
+        const double outer = std::max(paint.endRadius, 0.001);
+        QRadialGradient gradient(point(paint.start), outer);
+        const double inner = paint.startRadius / outer;
+        stops(gradient, [inner](double l) { return inner + l * (1 - inner); });
+        return gradient;
+    }
+    case ZENTORO_PAINT_ANGULAR: {
+        // Qt turns counter-clockwise on screen; the kit's gradients turn clockwise.
+        QConicalGradient gradient(point(paint.start), -paint.angle);
+        stops(gradient, [](double l) { return 1 - l; });
+        return gradient;
+    }
+    default:
+        return QBrush(color(paint.color));
+    }
+}
+
+QPen pen(const ZentoroPaint &paint, const ZentoroStroke &stroke)
+{
+    QPen result(brush(paint), stroke.lineWidth);
+    result.setCapStyle(stroke.cap == ZENTORO_CAP_ROUND ? Qt::RoundCap : stroke.cap == ZENTORO_CAP_SQUARE ? Qt::SquareCap : Qt::FlatCap);
+    result.setJoinStyle(stroke.join == ZENTORO_JOIN_ROUND ? Qt::RoundJoin : stroke.join == ZENTORO_JOIN_BEVEL ? Qt::BevelJoin : Qt::MiterJoin);
+    result.setMiterLimit(stroke.miterLimit);
+    if (stroke.dashCount > 0 && stroke.lineWidth > 0) {
+        QList<qreal> pattern;
+        for (int i = 0; i < stroke.dashCount; ++i)
+            pattern << std::max(stroke.dashes[i] / stroke.lineWidth, 0.01);
+        if (pattern.size() % 2)
+            pattern += pattern;
+        result.setDashPattern(pattern);
+        result.setDashOffset(stroke.dashPhase / stroke.lineWidth);
+    }
+    return result;
+}
+
+QFont font(const ZentoroFont &source)
+{
+    QFont result = source.design == ZENTORO_DESIGN_MONOSPACED ? QFontDatabase::systemFont(QFontDatabase::FixedFont)
+                                                              : QApplication::font();
+    if (source.design == ZENTORO_DESIGN_SERIF)
+        result.setFamilies({QStringLiteral("serif")});
+    result.setPixelSize(std::max(1, int(std::lround(source.size))));
+    result.setWeight(QFont::Weight(std::clamp(int(source.weight), 100, 900)));
+    result.setItalic(source.italic != 0);
+    return result;
+}
+
+void layOut(Paragraph &paragraph, const ZentoroText &text, double width)
+{
+    QString string;
+    QList<QTextLayout::FormatRange> formats;
+    for (int i = 0; i < text.runCount; ++i) {
+        const ZentoroTextRun &run = text.runs[i];
+        QString piece = QString::fromUtf8(run.utf8);
+        piece.replace(u'\n', QChar::LineSeparator);
+        QTextCharFormat format;
+        format.setFont(font(run.font));
+        format.setForeground(brush(run.paint));
+        format.setFontUnderline(run.underline != 0);
+        format.setFontStrikeOut(run.strikethrough != 0);
+        formats.append({int(string.size()), int(piece.size()), format});
+        string += piece;
+    }
+    QTextLayout &layout = paragraph.layout;
+    layout.setText(string);
+    layout.setFont(text.runCount > 0 ? font(text.runs[0].font) : QApplication::font());
+    layout.setFormats(formats);
+    QTextOption option;
+    option.setWrapMode(width < 0 ? QTextOption::NoWrap : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setAlignment(text.alignment == ZENTORO_ALIGN_CENTER     ? Qt::AlignHCenter
+                        : text.alignment == ZENTORO_ALIGN_TRAILING ? Qt::AlignRight
+                                                                   : Qt::AlignLeft);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    double y = 0;
+    paragraph.lineCount = 0;
+    while (true) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        if (text.lineLimit > 0 && paragraph.lineCount >= text.lineLimit) {
+            line.setNumColumns(0);
+            break;
+        }
+        line.setLineWidth(width < 0 ? 1e7 : width);
+        line.setPosition(QPointF(0, y));
+        y += line.height();
+        ++paragraph.lineCount;
+    }
+    layout.endLayout();
+}
+
+QSizeF measure(const ZentoroText &text, double maxWidth)
+{
+    Paragraph paragraph;
+    layOut(paragraph, text, maxWidth);
+    double width = 0, height = 0;
+    for (int i = 0; i < paragraph.lineCount; ++i) {
+        const QTextLine line = paragraph.layout.lineAt(i);
+        width = std::max(width, line.naturalTextWidth());
+        height += line.height();
+    }
+    return {width, height};
+}
+
+void drawText(QPainter &painter, const ZentoroText &text, const QRectF &rect)
+{
+    Paragraph paragraph;
+    layOut(paragraph, text, rect.width() + 0.5);
+    for (int i = 0; i < paragraph.lineCount; ++i)
+        paragraph.layout.lineAt(i).draw(&painter, rect.topLeft());
+}
+
+void drawShadow(QPainter &painter, const QPainterPath &path, const QColor &color, double radius, QPointF offset)
+{
+    painter.save();
+    painter.translate(offset);
+    const int steps = std::clamp(int(std::ceil(radius)), 1, 8);
+    QColor ring = color;
+    ring.setAlphaF(color.alphaF() / float(steps + 1));
+    for (int step = steps; step >= 1; --step) {
+        QPen pen(ring, radius * 2 * step / steps, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+        painter.strokePath(path, pen);
+    }
+    painter.fillPath(path, ring);
+    painter.restore();
+}
+
+} // namespace zentoro::KitPainting

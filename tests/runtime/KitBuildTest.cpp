@@ -1,0 +1,49 @@
+#include "KitTestSupport.h"
+
+#include "support/Await.h"
+
+#include "runtime/Workspace.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+
+TEST(KitBuild, CachesTheKitPerCompilerWithTheFlagsAppsNeed)
+{
+    ZENTORO_REQUIRE_SWIFTC();
+    const Kit::Build &build = test::sharedKit();
+    ASSERT_TRUE(build.ok()) << build.error.toStdString();
+    const QString folder = Kit::cacheFolder(QStringLiteral("Swift test"));
+    EXPECT_TRUE(folder.startsWith(Workspace::support() + QStringLiteral("/KitCache/") + Kit::version() + u'-'));
+    EXPECT_TRUE(QFile::exists(folder + QStringLiteral("/libSwiftUI.so")));
+    EXPECT_TRUE(QFile::exists(folder + QStringLiteral("/SwiftUI.swiftmodule")));
+    EXPECT_TRUE(QFile::exists(folder + QStringLiteral("/include/zentoro_host.h")));
+    EXPECT_EQ(build.arguments, Kit::appArguments(folder));
+    EXPECT_TRUE(build.arguments.contains(QStringLiteral("-lSwiftUI")));
+    // No staging folder is left behind.
+    const QStringList entries = QDir(Workspace::support() + QStringLiteral("/KitCache")).entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
+    EXPECT_EQ(entries, QStringList{QFileInfo(folder).fileName()});
+
+    // A second request finds the cache and does not run the compiler, so a bad path is no matter.
+    const Kit::Build again = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Swift test")));
+    EXPECT_EQ(again, build);
+}
+
+TEST(KitBuild, AFailedBuildSaysSoAndLeavesNoCache)
+{
+    const Kit::Build build = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("missing")));
+    EXPECT_FALSE(build.ok());
+    EXPECT_TRUE(build.arguments.isEmpty());
+    EXPECT_TRUE(build.error.startsWith(QStringLiteral("The UI kit didn't build"))) << build.error.toStdString();
+    EXPECT_FALSE(QFile::exists(Kit::cacheFolder(QStringLiteral("missing"))));
+}
+
+TEST(KitBuild, VersionFollowsTheSourcesAndCompilerNamesAreMadeSafe)
+{
+    EXPECT_EQ(Kit::version().size(), 12);
+    EXPECT_EQ(Kit::version(), Kit::version());
+    EXPECT_TRUE(Kit::cacheFolder(QStringLiteral("Swift 6.3.1 (x/y)")).endsWith(QStringLiteral("-Swift_6.3.1__x_y_")));
+}
