@@ -1,5 +1,6 @@
 #include "agent/Agent.h"
 
+#include "agent/ConversationEncoder.h"
 #include "core/AtomicFile.h"
 #include "core/Defaults.h"
 #include "runtime/Runtime.h"
@@ -26,6 +27,22 @@ bool hasCopy()
 QString conversationsFolder()
 {
     return Workspace::shared().root + QStringLiteral("/Conversations");
+}
+
+// Remembers the text of the last save, so that the next one encodes only what changed.
+ConversationEncoder &encoder()
+{
+    static ConversationEncoder shared;
+    return shared;
+}
+
+// The setting is written only when it changes: each write of it syncs a file.
+void nameCurrent(const QUuid &id)
+{
+    const QString suite = Workspace::shared().defaultsSuite();
+    const QString text = uuidText(id);
+    if (Defaults::suiteValue(suite, currentConversationKey).toString() != text)
+        Defaults::setSuiteValue(suite, currentConversationKey, text);
 }
 
 QString stoppedOutput()
@@ -65,13 +82,13 @@ void Agent::writeConversation()
         return;
     const Workspace &workspace = Workspace::shared();
     const Saved current = saved();
-    Defaults::setSuiteValue(workspace.defaultsSuite(), currentConversationKey, uuidText(conversationID_));
+    nameCurrent(conversationID_);
 
     const QString path = workspace.conversation(conversationID_);
     if (!items_.isEmpty() || !pendingInput.isEmpty()) {
         QDir().mkpath(conversationsFolder());
         try {
-            AtomicFile::write(path, current.encode());
+            AtomicFile::write(path, encoder().encode(current));
         } catch (const JSON::Error &) {
             // A value JSON can't hold; the old file stands and the next save tries again.
         }

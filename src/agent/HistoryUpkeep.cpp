@@ -23,16 +23,6 @@ QString callID(const JSON &item)
     return item.stringAt(QStringLiteral("call_id")).value_or(QString());
 }
 
-QSet<QString> callIDs(const JSON::Array &items, QStringView type)
-{
-    QSet<QString> ids;
-    for (const JSON &item : items) {
-        if (isType(item, type))
-            ids.insert(callID(item));
-    }
-    return ids;
-}
-
 // A stored screenshot: its file, or none for any other part (a data URL, text).
 std::optional<QString> screenshotFile(const JSON &part)
 {
@@ -83,16 +73,31 @@ std::optional<JSON> forHistory(const JSON &item)
 
 JSON::Array consistent(const JSON::Array &items)
 {
-    const QSet<QString> calls = callIDs(items, u"function_call");
-    const QSet<QString> outputs = callIDs(items, u"function_call_output");
+    // One look at each item: a whole-history request holds thousands of them.
+    enum class Role { Other, Call, Output };
+    std::vector<std::pair<Role, QString>> roles;
+    roles.reserve(items.size());
+    QSet<QString> calls;
+    QSet<QString> outputs;
+    for (const JSON &item : items) {
+        const auto type = item.stringAt(QStringLiteral("type"));
+        if (type == u"function_call") {
+            roles.emplace_back(Role::Call, callID(item));
+            calls.insert(roles.back().second);
+        } else if (type == u"function_call_output") {
+            roles.emplace_back(Role::Output, callID(item));
+            outputs.insert(roles.back().second);
+        } else {
+            roles.emplace_back(Role::Other, QString());
+        }
+    }
     JSON::Array kept;
     kept.reserve(items.size());
-    for (const JSON &item : items) {
-        if (isType(item, u"function_call") && !outputs.contains(callID(item)))
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        const auto &[role, id] = roles[index];
+        if ((role == Role::Call && !outputs.contains(id)) || (role == Role::Output && !calls.contains(id)))
             continue;
-        if (isType(item, u"function_call_output") && !calls.contains(callID(item)))
-            continue;
-        kept.push_back(item);
+        kept.push_back(items[index]);
     }
     return kept;
 }
