@@ -9,8 +9,8 @@ namespace zentoro {
 // The result of one build: a new running version, or words for the model and the user.
 struct BuildOutcome {
     struct Success {
-        int version = 0;
-        double seconds = 0; // from just before the compiler started until the load was done
+        int version;
+        double seconds; // from just before the compiler started until the load was done
         QString warnings;   // the cleaned compiler output; empty when it said nothing
         bool operator==(const Success &) const = default;
     };

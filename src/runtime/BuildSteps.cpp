@@ -66,7 +66,9 @@ QStringList compilerArguments(const CompileInputs &inputs)
                           inputs.module,
                           QStringLiteral("-target"),
                           targetTriple(),
-                          QStringLiteral("-sdk"),
+                          // On Linux "-sdk" names the Swift runtime's root, not the
+                          // system's; the sysroot goes by its own flag.
+                          QStringLiteral("-sysroot"),
                           inputs.sdk,
                           QStringLiteral("-swift-version"),
                           QStringLiteral("5"),

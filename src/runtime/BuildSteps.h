@@ -23,7 +23,7 @@ struct CompileInputs {
     QString module;      // "ZentoroApp<n>"
     QString output;      // the library to write
     QString moduleCache; // shared by every build of the copy
-    QString sdk;
+    QString sdk; // the sysroot
     QStringList kitFlags; // include, library and rpath flags of the hosted UI kit
     QStringList files;    // the entry file first, then the sources in their order
 };

@@ -45,7 +45,7 @@ TEST(BuildSteps, CompilerArgumentsPutTheKitFlagsBeforeTheFilesAndTheEntryFirst)
     const QString triple = QStringLiteral("aarch64-unknown-linux-gnu");
 #endif
     EXPECT_EQ(arguments,
-              (QStringList{"-emit-library", "-parse-as-library", "-module-name", "ZentoroApp7", "-target", triple, "-sdk",
+              (QStringList{"-emit-library", "-parse-as-library", "-module-name", "ZentoroApp7", "-target", triple, "-sysroot",
                            "/", "-swift-version", "5", "-Onone", "-g", "-diagnostic-style", "llvm",
                            "-module-cache-path", "/a/Build/ModuleCache", "-o", "/a/Versions/7/libZentoroApp7.so", "-I",
                            "/kit", "/a/Build/ZentoroEntry.swift", "/a/Sources/AppRoot.swift"}));

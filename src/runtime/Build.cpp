@@ -1,0 +1,105 @@
+#include "runtime/Runtime.h"
+
+#include "runtime/BuildSteps.h"
+#include "runtime/Kit.h"
+#include "runtime/Shell.h"
+
+#include "core/AtomicFile.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+
+namespace zentoro {
+
+namespace {
+
+bool copyFolder(const QString &from, const QString &to)
+{
+    if (!QDir().mkpath(to))
+        return false;
+    const QDir source(from);
+    bool copied = true;
+    for (const QFileInfo &entry : source.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+        const QString target = to + u'/' + entry.fileName();
+        if (entry.isDir() && !entry.isSymLink())
+            copied = copyFolder(entry.filePath(), target) && copied;
+        else
+            copied = QFile::copy(entry.filePath(), target) && copied;
+    }
+    return copied;
+}
+
+} // namespace
+
+QCoro::Task<BuildOutcome> Runtime::build(QString summary)
+{
+    if (!toolchain_.isReady()) {
+        co_return BuildOutcome{BuildOutcome::Failure{
+            QStringLiteral("The Swift compiler isn't available yet (%1). Ask the user to install the Swift toolchain "
+                           "from Zentoro's window.")
+                .arg(toolchainDescription())}};
+    }
+    if (isBuilding_)
+        co_return BuildOutcome{BuildOutcome::Failure{QStringLiteral("Another build is already running.")}};
+    setIsBuilding(true);
+    BuildOutcome outcome = co_await compileAndLoad(state_.nextNumber, std::move(summary));
+    setIsBuilding(false);
+    co_return outcome;
+}
+
+QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
+{
+    // The number is not reserved: only a success moves `nextNumber` on.
+    const QString folder = workspace_.version(number);
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+
+    const QStringList sources = workspace_.swiftFiles();
+    if (sources.isEmpty())
+        co_return BuildOutcome{BuildOutcome::Failure{QStringLiteral("There are no .swift files in the source folder.")}};
+
+    const QString entry = workspace_.build() + QStringLiteral("/ZentoroEntry.swift");
+    AtomicFile::write(entry, BuildSteps::entryFile(workspace_.name, workspace_.defaultsSuite()).toUtf8());
+
+    const Toolchain::Compiler compiler = *toolchain_.compiler();
+    const Kit::Build kit = co_await Kit::ensureBuilt(TaskHandle(), compiler.swiftc, compiler.version);
+    if (!kit.ok()) {
+        QDir(folder).removeRecursively();
+        co_return BuildOutcome{BuildOutcome::Failure{kit.error}};
+    }
+    const QString library = workspace_.dylib(number);
+    BuildSteps::CompileInputs inputs;
+    inputs.module = QStringLiteral("ZentoroApp") + QString::number(number);
+    inputs.output = library;
+    inputs.moduleCache = workspace_.build() + QStringLiteral("/ModuleCache");
+    inputs.sdk = compiler.sdk;
+    inputs.kitFlags = kit.arguments;
+    inputs.files = QStringList(entry) + sources;
+    const QStringList arguments = BuildSteps::compilerArguments(inputs);
+    QElapsedTimer clock;
+    clock.start();
+    const Shell::Result result = co_await Shell::run(compiler.swiftc, arguments, workspace_.build());
+    const QString output = BuildSteps::clean(result.output, workspace_.sources(), entry);
+
+    if (result.status != 0 || !QFile::exists(library)) {
+        QDir(folder).removeRecursively();
+        co_return BuildOutcome{BuildOutcome::Failure{
+            output.isEmpty() ? QStringLiteral("swiftc failed (status %1).").arg(result.status) : output}};
+    }
+
+    // A version whose snapshot fails to copy still runs; it just can't be gone back to.
+    copyFolder(workspace_.sources(), folder + QStringLiteral("/Sources"));
+    RuntimeState built = state_;
+    built.versions.append({number, QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(), Qt::UTC), summary, false});
+    built.nextNumber = number + 1;
+    saveState(built);
+
+    if (const std::optional<QString> error = load(number)) {
+        co_return BuildOutcome{
+            BuildOutcome::Failure{QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(number).arg(*error)}};
+    }
+    co_return BuildOutcome{BuildOutcome::Success{number, clock.elapsed() / 1000.0, output}};
+}
+
+} // namespace zentoro

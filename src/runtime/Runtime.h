@@ -1,0 +1,107 @@
+#pragma once
+
+#include "core/MainTask.h"
+#include "runtime/Banner.h"
+#include "runtime/BuildOutcome.h"
+#include "runtime/RuntimeState.h"
+#include "runtime/Toolchain.h"
+#include "runtime/Workspace.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+#include <QCoroTask>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace zentoro {
+
+class PluginContainerView;
+
+// The app runtime of this process: the version store, the compiler, the loaded version
+// and the places that show it. Lives on the main thread; a write that changes nothing
+// notifies nobody.
+class Runtime : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(int generation READ generation NOTIFY generationChanged)
+    Q_PROPERTY(bool isBuilding READ isBuilding NOTIFY isBuildingChanged)
+    Q_PROPERTY(bool safeMode READ safeMode NOTIFY safeModeChanged)
+
+public:
+    // A version's view factory: returns the hosted root view's handle, one reference
+    // for the caller. Called on the main thread only.
+    using Factory = void *(*)();
+
+    // A version counts as good once the process has lived this long after its load.
+    static constexpr std::chrono::seconds provingTime{4};
+
+    explicit Runtime(Workspace workspace = Workspace::shared(), QObject *parent = nullptr);
+
+    const Workspace &workspace() const { return workspace_; }
+    const RuntimeState &state() const { return state_; }
+    const Toolchain &toolchain() const { return toolchain_; }
+    QString toolchainDescription() const { return toolchain_.description(); }
+    std::optional<int> loadedVersion() const { return loadedVersion_; }
+    int generation() const { return generation_; }
+    bool isBuilding() const { return isBuilding_; }
+    bool safeMode() const { return safeMode_; }
+    const std::optional<Banner> &banner() const { return banner_; }
+    void setBanner(std::optional<Banner> banner);
+
+    // The loaded version's factory and the library it came from; null before any load.
+    Factory factory() const { return factory_; }
+    void *library() const { return library_; }
+
+    // The containers that show the hosted view; one leaves by itself when it is destroyed.
+    QList<PluginContainerView *> containers() const;
+    void addContainer(PluginContainerView *container);
+
+    // Tells the agent of an event: the line shown in the chat, then the note for the model.
+    std::function<void(const QString &shown, const QString &told)> onEvent = [](const QString &, const QString &) {};
+
+    // Looks for the compiler again and stores what it finds.
+    QCoro::Task<> checkToolchain();
+    // Starts the toolchain's installation and waits for it in a task of its own; when a
+    // compiler turns up and nothing runs yet, builds the app.
+    void installToolchain();
+
+    // Compiles the source folder into the next version and loads it. Never throws.
+    QCoro::Task<BuildOutcome> build(QString summary);
+
+    // Opens version `version` in this process and makes it the one shown. None on success,
+    // otherwise the error text; a failure leaves what is on screen as it was.
+    std::optional<QString> load(int version);
+
+signals:
+    void stateChanged();
+    void toolchainChanged();
+    void loadedVersionChanged();
+    void generationChanged();
+    void isBuildingChanged();
+    void safeModeChanged();
+    void bannerChanged();
+
+private:
+    // Replaces the state and writes "state.json".
+    void saveState(RuntimeState state);
+    void setToolchain(Toolchain toolchain);
+    void setIsBuilding(bool building);
+    QCoro::Task<BuildOutcome> compileAndLoad(int number, QString summary);
+
+    Workspace workspace_;
+    RuntimeState state_;
+    Toolchain toolchain_;
+    std::optional<int> loadedVersion_;
+    int generation_ = 0;
+    bool isBuilding_ = false;
+    bool safeMode_ = false;
+    std::optional<Banner> banner_;
+    Factory factory_ = nullptr;
+    void *library_ = nullptr;
+    QList<QPointer<PluginContainerView>> containers_;
+};
+
+} // namespace zentoro

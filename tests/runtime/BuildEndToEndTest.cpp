@@ -1,0 +1,150 @@
+#include "core/Defaults.h"
+#include "runtime/KitHostView.h"
+#include "runtime/PluginContainerView.h"
+#include "runtime/Runtime.h"
+
+#include "support/Await.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+using namespace std::chrono_literals;
+
+namespace {
+
+void writeSource(const Workspace &workspace, const QString &relative, const QByteArray &text)
+{
+    const QString path = workspace.sources() + u'/' + relative;
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(text);
+}
+
+// Whether the container, painted as a person would see it, has a pixel of this colour.
+bool shows(QWidget &container, QRgb colour)
+{
+    const QImage image = container.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); y += 2) {
+        const QRgb *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); x += 2) {
+            if (qAbs(qRed(line[x]) - qRed(colour)) <= 2 && qAbs(qGreen(line[x]) - qGreen(colour)) <= 2 &&
+                qAbs(qBlue(line[x]) - qBlue(colour)) <= 2)
+                return true;
+        }
+    }
+    return false;
+}
+
+QString mappedLibraries()
+{
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    maps.open(QIODevice::ReadOnly);
+    return QString::fromUtf8(maps.readAll());
+}
+
+} // namespace
+
+// The whole loop with the real compiler, the real kit and a real offscreen window: the
+// Seed app becomes version 1, a compile error changes nothing that runs, and the repaired
+// source replaces the view as version 2 without a restart.
+TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
+{
+    const Workspace workspace = Workspace::forName(QStringLiteral("End To End"));
+    workspace.prepare();
+    Runtime runtime(workspace);
+    test::await(runtime.checkToolchain());
+    if (!runtime.toolchain().isReady())
+        GTEST_SKIP() << "No Swift compiler found (" << runtime.toolchainDescription().toStdString()
+                     << "); the end-to-end build was not run.";
+
+    QWidget window;
+    window.resize(640, 480);
+    auto *container = new PluginContainerView(&runtime, &window);
+    container->resize(640, 480);
+    window.show();
+
+    const BuildOutcome first = test::await(runtime.build(QStringLiteral("The original app")));
+    ASSERT_TRUE(first.success()) << first.failure()->text.toStdString();
+    EXPECT_EQ(first.success()->version, 1);
+    EXPECT_FALSE(runtime.isBuilding());
+    ASSERT_TRUE(test::spinUntil([&] { return container->shownGeneration() == 1 && container->content(); }));
+    const auto *host = qobject_cast<KitHostView *>(container->content());
+    ASSERT_NE(host, nullptr);
+    EXPECT_EQ(host->error(), QString());
+    // The Seed app's warm background and its orange badge.
+    EXPECT_TRUE(test::spinUntil([&] { return shows(*container, qRgb(250, 245, 235)); }));
+    EXPECT_TRUE(shows(*container, qRgb(245, 115, 56)));
+    EXPECT_TRUE(QFile::exists(workspace.version(1) + QStringLiteral("/Sources/AppRoot.swift")));
+
+    // Two failed builds: the running version and the numbers stay as they were.
+    writeSource(workspace, QStringLiteral("Views/Broken.swift"),
+                "import SwiftUI\nstruct Broken: View {\n    var body: some View { Text(missingName) }\n}\n");
+    const QPointer<QWidget> firstView = container->content();
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        const BuildOutcome failed = test::await(runtime.build(QStringLiteral("Broken")));
+        ASSERT_TRUE(failed.failure());
+        EXPECT_TRUE(failed.failure()->text.contains(QStringLiteral("Views/Broken.swift:3:"))) << failed.failure()->text.toStdString();
+        EXPECT_FALSE(failed.failure()->text.contains(workspace.sources())) << failed.failure()->text.toStdString();
+    }
+    EXPECT_EQ(runtime.loadedVersion(), 1);
+    EXPECT_EQ(runtime.state().nextNumber, 2);
+    EXPECT_EQ(runtime.state().versions.size(), 1);
+    EXPECT_FALSE(QFile::exists(workspace.version(2)));
+    test::spinUntil([] { return false; }, 200ms);
+    EXPECT_EQ(container->content(), firstView.data());
+
+    // The repair, with a new background so the change is plain to see.
+    writeSource(workspace, QStringLiteral("Views/Broken.swift"),
+                "import SwiftUI\nstruct Broken: View {\n    var body: some View { Text(\"fixed\") }\n}\n");
+    QFile theme(workspace.sources() + QStringLiteral("/Theme.swift"));
+    ASSERT_TRUE(theme.open(QIODevice::ReadOnly));
+    QByteArray themeText = theme.readAll();
+    theme.close();
+    themeText.replace("Color(red: 0.98, green: 0.96, blue: 0.92)", "Color(red: 0.2, green: 0.4, blue: 0.8)");
+    writeSource(workspace, QStringLiteral("Theme.swift"), themeText);
+
+    const BuildOutcome second = test::await(runtime.build(QStringLiteral("Blue")));
+    ASSERT_TRUE(second.success()) << second.failure()->text.toStdString();
+    EXPECT_EQ(second.success()->version, 2);
+    EXPECT_GT(second.success()->seconds, 0);
+    ASSERT_TRUE(test::spinUntil([&] { return container->shownGeneration() == 2 && container->content(); }));
+    EXPECT_TRUE(firstView.isNull()) << "the old root view is dropped";
+    EXPECT_TRUE(test::spinUntil([&] { return shows(*container, qRgb(51, 102, 204)); }));
+    EXPECT_TRUE(QFile::exists(workspace.version(2) + QStringLiteral("/Sources/Views/Broken.swift")));
+
+    const QString maps = mappedLibraries();
+    EXPECT_TRUE(maps.contains(workspace.dylib(1))) << "libraries are never closed";
+    EXPECT_TRUE(maps.contains(workspace.dylib(2)));
+
+    ASSERT_TRUE(test::spinUntil([&] { return runtime.state().lastGood == 2; }, 8s));
+    const RuntimeState onDisk = RuntimeState::read(workspace.stateFile());
+    EXPECT_EQ(onDisk, runtime.state());
+    ASSERT_EQ(onDisk.versions.size(), 2);
+    EXPECT_EQ(onDisk.versions[1].summary, QStringLiteral("Blue"));
+    EXPECT_EQ(onDisk.current, 2);
+}
+
+TEST(BuildEndToEnd, SimulatedMissingToolsAreReportedAndNothingIsBuilt)
+{
+    const Workspace workspace = Workspace::forName(QStringLiteral("No Tools"));
+    workspace.prepare();
+    Defaults::setValue(QStringLiteral("ZentoroSimulateMissingTools"), true);
+    Runtime runtime(workspace);
+    test::await(runtime.checkToolchain());
+    Defaults::remove(QStringLiteral("ZentoroSimulateMissingTools"));
+    EXPECT_EQ(runtime.toolchain(), Toolchain::missing());
+
+    const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("The original app")));
+    ASSERT_TRUE(outcome.failure());
+    EXPECT_EQ(outcome.failure()->text,
+              QStringLiteral("The Swift compiler isn't available yet (the Swift toolchain isn't installed). Ask the "
+                             "user to install the Swift toolchain from Zentoro's window."));
+    EXPECT_FALSE(runtime.isBuilding());
+    EXPECT_FALSE(QFile::exists(workspace.stateFile()));
+    EXPECT_FALSE(QFile::exists(workspace.version(1)));
+}

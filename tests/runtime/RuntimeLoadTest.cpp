@@ -1,0 +1,129 @@
+#include "runtime/PluginContainerView.h"
+#include "runtime/Runtime.h"
+#include "runtime/Shell.h"
+
+#include "support/Await.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+using namespace std::chrono_literals;
+
+namespace {
+
+// Loading needs nothing of Swift: a C library that exports the factory stands in for a
+// version's library here, built by the system's C compiler.
+class RuntimeLoad : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        cc_ = QStandardPaths::findExecutable(QStringLiteral("cc"));
+        if (cc_.isEmpty())
+            cc_ = QStandardPaths::findExecutable(QStringLiteral("gcc"));
+        if (cc_.isEmpty())
+            GTEST_SKIP() << "No C compiler to make a test library with.";
+        workspace_ = Workspace::forName(QStringLiteral("Load ") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        QDir(workspace_.root).removeRecursively();
+    }
+
+    // Writes version `number`'s library; `body` is its C source.
+    void makeLibrary(int number, const QByteArray &body)
+    {
+        QDir().mkpath(workspace_.version(number));
+        const QString source = workspace_.version(number) + QStringLiteral("/lib.c");
+        QFile file(source);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(body);
+        file.close();
+        const Shell::Result result = test::await(Shell::run(
+            cc_, {"-shared", "-fPIC", "-o", workspace_.dylib(number), source}));
+        ASSERT_EQ(result.status, 0) << result.output.toStdString();
+    }
+
+    void makeVersion(int number) { makeLibrary(number, "void *zentoro_make_root_view(void) { return 0; }\n"); }
+
+    RuntimeState onDisk() const { return RuntimeState::read(workspace_.stateFile()); }
+
+    QString cc_;
+    Workspace workspace_;
+};
+
+} // namespace
+
+TEST_F(RuntimeLoad, StateIsOnDiskBeforeTheLibraryOpensAndTheVersionProvesItselfAfterFourSeconds)
+{
+    makeVersion(1);
+    Runtime runtime(workspace_);
+    PluginContainerView container(&runtime);
+    EXPECT_EQ(container.shownGeneration(), 0);
+
+    int generations = 0;
+    QObject::connect(&runtime, &Runtime::generationChanged, [&] { ++generations; });
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ(runtime.load(1), std::nullopt);
+    EXPECT_EQ(runtime.loadedVersion(), 1);
+    EXPECT_EQ(runtime.generation(), 1);
+    EXPECT_EQ(generations, 1);
+    EXPECT_NE(runtime.factory(), nullptr);
+    EXPECT_EQ(onDisk().loading, 1);
+    EXPECT_EQ(onDisk().current, 1);
+    // The container follows in its next pass, not inside `load`; a null view shows nothing.
+    EXPECT_EQ(container.shownGeneration(), 0);
+    ASSERT_TRUE(test::spinUntil([&] { return container.shownGeneration() == 1; }));
+    EXPECT_EQ(container.content(), nullptr);
+
+    ASSERT_TRUE(test::spinUntil([&] { return runtime.state().lastGood == 1; }, 8s));
+    EXPECT_GE(clock.elapsed(), 3900);
+    EXPECT_EQ(runtime.state().loading, std::nullopt);
+    EXPECT_EQ(onDisk(), runtime.state());
+}
+
+TEST_F(RuntimeLoad, AFailedLoadLeavesTheRunningVersionAndTheScreenAsTheyWere)
+{
+    Runtime runtime(workspace_);
+    // Nothing running: `current` goes back to none.
+    const std::optional<QString> missing = runtime.load(9);
+    ASSERT_TRUE(missing);
+    EXPECT_TRUE(missing->contains(QStringLiteral("libZentoroApp9.so"))) << missing->toStdString();
+    EXPECT_EQ(onDisk().current, std::nullopt);
+    EXPECT_EQ(onDisk().loading, std::nullopt);
+
+    makeVersion(1);
+    makeLibrary(2, "int zentoro_something_else(void) { return 2; }\n");
+    ASSERT_EQ(runtime.load(1), std::nullopt);
+    const Runtime::Factory factory = runtime.factory();
+
+    EXPECT_EQ(runtime.load(2), QStringLiteral("The library has no zentoro_make_root_view."));
+    EXPECT_EQ(runtime.loadedVersion(), 1);
+    EXPECT_EQ(runtime.generation(), 1);
+    EXPECT_EQ(runtime.factory(), factory);
+    EXPECT_EQ(onDisk().current, 1);
+    EXPECT_EQ(onDisk().loading, std::nullopt);
+}
+
+TEST_F(RuntimeLoad, ALaterLoadWithinTheProvingTimeOwnsTheState)
+{
+    makeVersion(1);
+    makeVersion(2);
+    Runtime runtime(workspace_);
+    QList<int> lastGoods;
+    QObject::connect(&runtime, &Runtime::stateChanged, [&] {
+        if (runtime.state().lastGood && (lastGoods.isEmpty() || lastGoods.last() != *runtime.state().lastGood))
+            lastGoods.append(*runtime.state().lastGood);
+    });
+    ASSERT_EQ(runtime.load(1), std::nullopt);
+    test::spinUntil([] { return false; }, 1500ms);
+    ASSERT_EQ(runtime.load(2), std::nullopt);
+    ASSERT_TRUE(test::spinUntil([&] { return runtime.state().lastGood.has_value(); }, 8s));
+    EXPECT_EQ(lastGoods, QList<int>{2});
+    // Loading the running version again makes a fresh generation from the same factory.
+    const int before = runtime.generation();
+    ASSERT_EQ(runtime.load(2), std::nullopt);
+    EXPECT_EQ(runtime.generation(), before + 1);
+}
