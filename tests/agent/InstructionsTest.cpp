@@ -143,6 +143,7 @@ TEST(Instructions, NotesShowAtOnceAndReachTheModelTogetherWithTheNextMessage)
     int saves = 0;
     ops.save = [&] { ++saves; };
     Agent instance(ops);
+    instance.load(Agent::Saved{}); // whatever an earlier test left to restore
     agent = &instance;
 
     instance.note("Version 3 crashed; back to version 2.", "Version 3 crashed while starting.");

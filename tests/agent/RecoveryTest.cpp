@@ -43,7 +43,11 @@ struct Harness {
     std::vector<std::optional<QString>> activities;
     Agent agent;
 
-    explicit Harness(Provider provider = Provider::APIKey) : provider(provider), agent(operations()) {}
+    // Starts blank whatever conversation an earlier test left to restore.
+    explicit Harness(Provider provider = Provider::APIKey) : provider(provider), agent(operations())
+    {
+        agent.load(Agent::Saved{});
+    }
 
     AgentOperations operations()
     {
