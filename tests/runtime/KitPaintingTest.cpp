@@ -1,0 +1,83 @@
+#include "runtime/KitPainting.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+
+namespace {
+
+QImage symbol(const char *name)
+{
+    QImage image(48, 48, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    KitPainting::drawSymbol(painter, QString::fromLatin1(name), QRectF(0, 0, 48, 48), QBrush(Qt::black));
+    return image;
+}
+
+bool dark(const QImage &image, int x, int y) { return qGray(image.pixel(x, y)) < 128; }
+
+ZentoroText text(const char *utf8, int lineLimit = 0)
+{
+    static ZentoroTextRun run;
+    run = ZentoroTextRun{utf8, ZentoroFont{13, 400, 0, 0, 0}, ZentoroPaint{}, 0, 0};
+    return ZentoroText{&run, 1, ZENTORO_ALIGN_LEADING, lineLimit};
+}
+
+} // namespace
+
+TEST(KitPainting, SymbolsKeepTheirInnerStrokesAndFillVariantsFill)
+{
+    // The tick inside "checkmark.circle" crosses the middle; the plain circle leaves it empty.
+    EXPECT_TRUE(dark(symbol("checkmark.circle"), 22, 30));
+    EXPECT_FALSE(dark(symbol("circle"), 22, 30));
+    EXPECT_TRUE(dark(symbol("circle.fill"), 22, 30));
+    EXPECT_FALSE(dark(symbol("heart"), 24, 24));
+    EXPECT_TRUE(dark(symbol("heart.fill"), 24, 24));
+}
+
+TEST(KitPainting, SymbolNamesFallBackToTheirBaseOrANeutralGlyph)
+{
+    EXPECT_TRUE(KitPainting::knowsSymbol(QStringLiteral("sun.max.fill")));
+    EXPECT_TRUE(KitPainting::knowsSymbol(QStringLiteral("person.crop.circle")));
+    EXPECT_FALSE(KitPainting::knowsSymbol(QStringLiteral("no.such.symbol")));
+    const QImage neutral = symbol("no.such.symbol");
+    EXPECT_TRUE(dark(neutral, 8, 24)) << "an unknown name still draws something";
+}
+
+TEST(KitPainting, TextWrapsAtTheWidthAndStopsAtTheLineLimit)
+{
+    const ZentoroText sentence = text("the quick brown fox jumps over the lazy dog");
+    const QSizeF single = KitPainting::measure(sentence, -1);
+    const QSizeF wrapped = KitPainting::measure(sentence, single.width() / 3);
+    EXPECT_LE(wrapped.width(), single.width() / 3 + 0.5);
+    EXPECT_GE(wrapped.height(), single.height() * 3);
+    const ZentoroText limited = text("the quick brown fox jumps over the lazy dog", 2);
+    EXPECT_NEAR(KitPainting::measure(limited, single.width() / 3).height(), single.height() * 2, 1);
+    // Line breaks in the text always start a new line, wrapping or not.
+    EXPECT_NEAR(KitPainting::measure(text("a\nb"), -1).height(), single.height() * 2, 1);
+}
+
+TEST(KitPainting, AngularGradientsTurnClockwiseFromTheirStartAngle)
+{
+    const ZentoroGradientStop stops[] = {{0, {1, 0, 0, 1}}, {0.5, {0, 0, 1, 1}}, {1, {1, 0, 0, 1}}};
+    ZentoroPaint paint{};
+    paint.kind = ZENTORO_PAINT_ANGULAR;
+    paint.stops = stops;
+    paint.stopCount = 3;
+    paint.start = {50, 50};
+    paint.angle = 0;
+    QImage image(100, 100, QImage::Format_ARGB32);
+    QPainter painter(&image);
+    painter.fillRect(image.rect(), KitPainting::brush(paint));
+    painter.end();
+    // A quarter turn clockwise from three o'clock is six o'clock, halfway to blue;
+    // twelve o'clock is three quarters round, past blue towards red again.
+    const QColor below = image.pixelColor(50, 95), left = image.pixelColor(5, 50);
+    EXPECT_GT(left.blue(), 200);
+    EXPECT_LT(left.red(), 60);
+    EXPECT_NEAR(below.red(), below.blue(), 40);
+}
