@@ -39,7 +39,8 @@ QString readText(const QString &file, const QString &path)
     if (!handle.open(QIODevice::ReadOnly))
         throw Failure(QStringLiteral("Couldn't read %1: %2.").arg(path, handle.errorString()));
     const QByteArray bytes = handle.readAll();
-    QStringDecoder decoder(QStringDecoder::Utf8);
+    // Stateless, so a sequence cut off at the end counts as an error too.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = decoder.decode(bytes);
     if (decoder.hasError())
         throw Failure(QStringLiteral("%1 isn't UTF-8 text.").arg(path));

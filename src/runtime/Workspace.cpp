@@ -60,6 +60,8 @@ void removeItem(const QString &path)
 // Files are written fresh, so resource files don't arrive read-only; links stay links.
 void copyTree(const QString &from, const QString &to)
 {
+    if (!QFileInfo(from).isDir())
+        throw Workspace::Failure(QStringLiteral("Couldn't copy “%1”: there's no folder there.").arg(from));
     makeFolder(to);
     const QFileInfoList entries =
         QDir(from).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);

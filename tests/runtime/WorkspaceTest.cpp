@@ -1,0 +1,239 @@
+#include "runtime/Workspace.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <unistd.h>
+
+using zentoro::Workspace;
+
+namespace {
+
+// When started with this variable, the test program is only a second process of a copy:
+// it tries the copy's lock before any test runs, says "held" or "busy", and while it
+// holds the lock it waits to be killed.
+const char *const lockRootVariable = "ZENTORO_TEST_HOLD_LOCK";
+
+const bool lockHolder = [] {
+    const QByteArray root = qgetenv(lockRootVariable);
+    if (root.isEmpty())
+        return false;
+    const bool held = Workspace{QStringLiteral("Holder"), QString::fromLocal8Bit(root)}.lock();
+    std::fputs(held ? "held\n" : "busy\n", stdout);
+    std::fflush(stdout);
+    if (!held)
+        ::_exit(0);
+    for (;;)
+        ::pause();
+}();
+
+void writeFile(const QString &path, const QByteArray &bytes = "x")
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QString failureOf(const std::function<void()> &work)
+{
+    try {
+        work();
+    } catch (const Workspace::Failure &failure) {
+        return failure.message;
+    }
+    return QStringLiteral("(no failure)");
+}
+
+class WorkspaceTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    Workspace workspace{QStringLiteral("Kitchen Timer"), dir.path() + QStringLiteral("/Apps/Kitchen Timer")};
+
+    QString source(const QString &relative) const { return workspace.sources() + u'/' + relative; }
+    QStringList relativeFiles() const
+    {
+        QStringList relative;
+        for (const QString &file : workspace.files())
+            relative.append(workspace.relativePath(file));
+        return relative;
+    }
+};
+
+const QString relativeRequest = QStringLiteral("Use a path relative to the source folder, like \"AppRoot.swift\".");
+
+} // namespace
+
+TEST(WorkspaceIdentity, NameComesFromTheStartedFileAndKeepsCopiesApart)
+{
+    EXPECT_EQ(Workspace::nameFromExecutable(QStringLiteral("/opt/apps/Kitchen Timer"), {}), "Kitchen Timer");
+    EXPECT_EQ(Workspace::nameFromExecutable(QStringLiteral("./zentoro.bin"), {}), "zentoro");
+    EXPECT_EQ(Workspace::nameFromExecutable(QStringLiteral("./zentoro"), QStringLiteral("/home/u/Notes.AppImage")),
+              "Notes");
+
+    const Workspace timer = Workspace::forName(QStringLiteral("Kitchen Timer"));
+    const Workspace notes = Workspace::forName(QStringLiteral("Notes"));
+    EXPECT_EQ(timer.root, Workspace::support() + "/Apps/Kitchen Timer");
+    EXPECT_TRUE(Workspace::support().endsWith("/Zentoro"));
+    EXPECT_NE(timer.root, notes.root);
+    EXPECT_EQ(timer.defaultsSuite(), "dev.vantu.zentoro.app.Kitchen Timer");
+    EXPECT_EQ(timer.dylib(3), timer.root + "/Versions/3/libZentoroApp3.so");
+
+    timer.prepare();
+    notes.prepare();
+    EXPECT_TRUE(QFileInfo::exists(timer.sources() + "/AppRoot.swift"));
+    EXPECT_TRUE(QFileInfo::exists(notes.sources() + "/AppRoot.swift"));
+    QFile::remove(timer.sources() + "/AppRoot.swift");
+    EXPECT_TRUE(QFileInfo::exists(notes.sources() + "/AppRoot.swift"));
+}
+
+TEST_F(WorkspaceTest, PrepareMakesTheFoldersAndSeedsOnlyWhenSourcesAreMissing)
+{
+    workspace.prepare();
+    for (const QString &folder : {workspace.versions(), workspace.logs(), workspace.data(), workspace.build()})
+        EXPECT_TRUE(QFileInfo(folder).isDir()) << folder.toStdString();
+
+    const QStringList seeded = workspace.swiftFiles();
+    ASSERT_FALSE(seeded.isEmpty());
+    QFile root(source(QStringLiteral("AppRoot.swift")));
+    ASSERT_TRUE(root.open(QIODevice::ReadOnly));
+    const QByteArray text = root.readAll();
+    EXPECT_TRUE(text.contains("struct AppRoot: View"));
+    EXPECT_TRUE(text.contains("AppInfo.name"));
+    // Files come from read-only resources but must be the user's to edit.
+    EXPECT_TRUE(QFileInfo(root.fileName()).isWritable());
+
+    // An emptied source folder is the user's choice and stays empty.
+    QDir(workspace.sources()).removeRecursively();
+    QDir().mkpath(workspace.sources());
+    workspace.prepare();
+    EXPECT_TRUE(workspace.files().isEmpty());
+}
+
+TEST_F(WorkspaceTest, PrepareReportsAFolderItCannotMake)
+{
+    writeFile(workspace.root, "a file where the folder belongs");
+    const QString message = failureOf([&] { workspace.prepare(); });
+    EXPECT_TRUE(message.startsWith("Couldn't create the folder")) << message.toStdString();
+}
+
+TEST_F(WorkspaceTest, ReplaceSourcesSwapsTheWholeTreeAndKeepsItWhenTheCopyFails)
+{
+    writeFile(source(QStringLiteral("Old.swift")));
+    const QString incoming = dir.path() + "/incoming";
+    writeFile(incoming + "/New.swift", "new");
+    writeFile(incoming + "/Views/Row.swift");
+    writeFile(incoming + "/.notes");
+
+    workspace.replaceSources(incoming);
+    EXPECT_EQ(relativeFiles(), QStringList({"New.swift", "Views/Row.swift"}));
+    EXPECT_TRUE(QFileInfo::exists(source(QStringLiteral(".notes"))));
+
+    const QString message = failureOf([&] { workspace.replaceSources(dir.path() + "/nowhere"); });
+    EXPECT_TRUE(message.startsWith("Couldn't copy")) << message.toStdString();
+    EXPECT_EQ(relativeFiles(), QStringList({"New.swift", "Views/Row.swift"}));
+
+    workspace.installSeed();
+    EXPECT_TRUE(relativeFiles().contains("AppRoot.swift"));
+    EXPECT_FALSE(relativeFiles().contains("New.swift"));
+}
+
+TEST_F(WorkspaceTest, FilesAreRegularVisibleFilesInPlainTextOrder)
+{
+    for (const char *name : {"b/c.swift", "a.swift", "A.swift", "README.md", "Notes.SWIFT", ".hidden.swift",
+                             ".build/x.swift", "b/.cache/y.swift"})
+        writeFile(source(QString::fromLatin1(name)));
+    QDir().mkpath(source(QStringLiteral("Empty")));
+    QFile::link(source(QStringLiteral("a.swift")), source(QStringLiteral("link.swift")));
+
+    EXPECT_EQ(relativeFiles(), QStringList({"A.swift", "Notes.SWIFT", "README.md", "a.swift", "b/c.swift"}));
+    QStringList swift;
+    for (const QString &file : workspace.swiftFiles())
+        swift.append(workspace.relativePath(file));
+    EXPECT_EQ(swift, QStringList({"A.swift", "a.swift", "b/c.swift"}));
+}
+
+TEST_F(WorkspaceTest, FilesOfAMissingSourceFolderAreNone)
+{
+    EXPECT_TRUE(workspace.files().isEmpty());
+}
+
+TEST_F(WorkspaceTest, ResolveStaysInsideTheSourceFolder)
+{
+    EXPECT_EQ(workspace.resolve(QStringLiteral("a/../b.swift")), source(QStringLiteral("b.swift")));
+    EXPECT_EQ(workspace.resolve(QStringLiteral(" \tFoo.swift\n")), source(QStringLiteral("Foo.swift")));
+    EXPECT_EQ(workspace.resolve(QStringLiteral("Views/./Row.swift")), source(QStringLiteral("Views/Row.swift")));
+
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("../x")); }), "../x is outside the source folder.");
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("a/../../x")); }),
+              "a/../../x is outside the source folder.");
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("  ../Sources2/x\n")); }),
+              "../Sources2/x is outside the source folder.");
+    // The folder itself is no file.
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral(".")); }), ". is outside the source folder.");
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("sub/..")); }), "sub/.. is outside the source folder.");
+
+    for (const char *path : {"", "   ", "/etc/hosts", "~/x", " \n/etc/hosts"})
+        EXPECT_EQ(failureOf([&] { workspace.resolve(QString::fromLatin1(path)); }), relativeRequest) << path;
+}
+
+TEST_F(WorkspaceTest, ResolveRefusesLinksThatLeadOut)
+{
+    const QString outside = dir.path() + "/outside";
+    writeFile(outside + "/.bashrc", "keep me");
+    writeFile(source(QStringLiteral("Views/Row.swift")));
+    QFile::link(outside, source(QStringLiteral("out")));
+    QFile::link(outside + "/.bashrc", source(QStringLiteral("bashrc.swift")));
+    QFile::link(dir.path() + "/missing", source(QStringLiteral("dangling")));
+    QFile::link(source(QStringLiteral("Views")), source(QStringLiteral("Screens")));
+    QFile::link(outside, source(QStringLiteral("Views/up")));
+
+    const QString refusal = QStringLiteral(" goes through a symbolic link that leads outside the source folder.");
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("out/.bashrc")); }), "out/.bashrc" + refusal);
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("out/new/File.swift")); }),
+              "out/new/File.swift" + refusal);
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("bashrc.swift")); }), "bashrc.swift" + refusal);
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("dangling")); }), "dangling" + refusal);
+    // A link within the folder is fine, but not a second link behind it that leads out.
+    EXPECT_EQ(workspace.resolve(QStringLiteral("Screens/Row.swift")), source(QStringLiteral("Screens/Row.swift")));
+    EXPECT_EQ(failureOf([&] { workspace.resolve(QStringLiteral("Screens/up/.bashrc")); }),
+              "Screens/up/.bashrc" + refusal);
+}
+
+TEST_F(WorkspaceTest, RelativePathIsTakenFromTheSourceFolder)
+{
+    EXPECT_EQ(workspace.relativePath(source(QStringLiteral("Views/Row.swift"))), "Views/Row.swift");
+    EXPECT_EQ(workspace.relativePath(workspace.sources() + "//Views/./Row.swift"), "Views/Row.swift");
+    EXPECT_EQ(workspace.relativePath(workspace.root + "/Sources2/x"), workspace.root + "/Sources2/x");
+}
+
+TEST_F(WorkspaceTest, LockKeepsASecondProcessOutUntilTheFirstDies)
+{
+    auto startHolder = [&](QProcess &process) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(lockRootVariable), workspace.root);
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--gtest_list_tests")});
+        EXPECT_TRUE(process.waitForReadyRead(10000));
+        return process.readLine().trimmed();
+    };
+
+    QProcess first;
+    ASSERT_EQ(startHolder(first), "held");
+    EXPECT_FALSE(workspace.lock());
+    first.kill();
+    ASSERT_TRUE(first.waitForFinished(10000));
+
+    EXPECT_TRUE(workspace.lock());
+    EXPECT_TRUE(workspace.lock()) << "taking a lock this process holds succeeds";
+    QProcess second;
+    EXPECT_EQ(startHolder(second), "busy");
+    second.waitForFinished(10000);
+}
