@@ -75,6 +75,13 @@ public:
     // otherwise the error text; a failure leaves what is on screen as it was.
     std::optional<QString> load(int version);
 
+    // Once per process, before the first frame: starts the console log, judges the previous
+    // run, loads the version to run and begins looking for the compiler. A second call does nothing.
+    void launch();
+    // PNG bytes of the hosted view in the key window's container, or the first shown one,
+    // at most `maxWidth` pixels wide; none when no container is showing.
+    std::optional<QByteArray> snapshot(double maxWidth) const;
+
 signals:
     void stateChanged();
     void toolchainChanged();
@@ -102,6 +109,7 @@ private:
     Factory factory_ = nullptr;
     void *library_ = nullptr;
     QList<QPointer<PluginContainerView>> containers_;
+    bool launched_ = false;
 };
 
 } // namespace zentoro
