@@ -1,0 +1,90 @@
+#include "runtime/Runtime.h"
+
+#include "core/Defaults.h"
+#include "runtime/CrashFallback.h"
+#include "runtime/CrashLog.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+
+namespace zentoro {
+
+namespace {
+
+// Safe mode needs a way in that works before any of the app's code is opened: Alt held
+// as the program starts, `--safe-mode`, or `-ZentoroSafeMode YES`.
+bool safeModeAsked()
+{
+    return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::AltModifier) ||
+           QCoreApplication::arguments().contains(QStringLiteral("--safe-mode")) ||
+           Defaults::flag(QStringLiteral("ZentoroSafeMode"));
+}
+
+QString originalAppSummary()
+{
+    return QStringLiteral("The original app");
+}
+
+} // namespace
+
+void Runtime::launch()
+{
+    if (launched_)
+        return;
+    launched_ = true;
+
+    try {
+        workspace_.prepare();
+    } catch (...) {
+        setBanner(Banner{QStringLiteral("%1 can't set up its folder").arg(workspace_.name),
+                         describe(std::current_exception()), false});
+    }
+
+    const std::optional<CrashLog::PreviousCrash> crash = CrashLog::start(workspace_.logs());
+
+    RuntimeState stored = RuntimeState::read(workspace_.stateFile());
+    if (stored != state_) {
+        state_ = std::move(stored);
+        emit stateChanged();
+    }
+
+    const CrashFallback::Judgement judgement = CrashFallback::judge(state_, crash, workspace_.name);
+    if (judgement.saveState)
+        saveState(judgement.state);
+    if (judgement.banner)
+        setBanner(judgement.banner);
+    if (!judgement.shown.isEmpty())
+        onEvent(judgement.shown, judgement.told);
+
+    // A quit within the proving time is no crash.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
+        if (!state_.loading)
+            return;
+        RuntimeState quitting = state_;
+        quitting.loading.reset();
+        saveState(quitting);
+    });
+
+    if (safeModeAsked()) {
+        safeMode_ = true;
+        emit safeModeChanged();
+    } else if (state_.current && state_.record(*state_.current)) {
+        const int version = *state_.current;
+        if (const std::optional<QString> error = load(version))
+            setBanner(Banner{QStringLiteral("Couldn't load version %1").arg(version), error, false});
+    }
+
+    QPointer<Runtime> self(this);
+    startTask([self](TaskHandle) -> QCoro::Task<> {
+        if (!self)
+            co_return;
+        co_await self->checkToolchain();
+        // A new copy gets its first version as soon as there is a compiler.
+        if (!self || !self->state_.versions.isEmpty() || self->safeMode_ || !self->toolchain_.isReady())
+            co_return;
+        const QString summary = originalAppSummary();
+        co_await self->build(summary);
+    });
+}
+
+} // namespace zentoro
