@@ -3,6 +3,8 @@
 #include "agent/FileTools.h"
 #include "core/Text.h"
 
+#include <optional>
+
 namespace zentoro::Tools {
 
 ToolResult fail(const QString &message, const QString &title)
@@ -26,33 +28,62 @@ qsizetype lineCount(const QString &text)
     return text.count(u'\n') + 1;
 }
 
-QCoro::Task<ToolResult> perform(Agent &agent, const Workspace &workspace, RuntimeTools runtime, QString name,
-                                JSON arguments)
+namespace {
+
+// The tools that work on the source folder; nothing when `name` is none of them.
+std::optional<ToolResult> performFileTool(Agent &agent, const Workspace &workspace, const QString &name,
+                                          const JSON &arguments)
 {
     const QString path = arguments.stringAt(QStringLiteral("path")).value_or(QString());
     auto text = [&](const char *key) { return arguments.stringAt(QString::fromLatin1(key)).value_or(QString()); };
-
     if (name == u"list_files")
-        co_return FileTools::listFiles(agent, workspace);
+        return FileTools::listFiles(agent, workspace);
     if (name == u"read_file")
-        co_return FileTools::readFile(agent, workspace, path);
+        return FileTools::readFile(agent, workspace, path);
     if (name == u"write_file")
-        co_return FileTools::writeFile(agent, workspace, path, text("content"));
+        return FileTools::writeFile(agent, workspace, path, text("content"));
     if (name == u"edit_file")
-        co_return FileTools::editFile(agent, workspace, path, text("old_text"), text("new_text"));
+        return FileTools::editFile(agent, workspace, path, text("old_text"), text("new_text"));
     if (name == u"delete_file")
-        co_return FileTools::deleteFile(workspace, path);
+        return FileTools::deleteFile(workspace, path);
+    return std::nullopt;
+}
 
-    const RuntimeTools::Tool *tool = name == u"build"        ? &runtime.build
-                                     : name == u"screenshot" ? &runtime.screenshot
-                                     : name == u"read_log"   ? &runtime.readLog
-                                                             : nullptr;
-    if (tool && *tool)
-        co_return co_await (*tool)(agent, arguments);
-    if (tool)
-        co_return fail(QStringLiteral("%1 isn't available in this build of Zentoro.").arg(name),
-                       QStringLiteral("%1 failed").arg(name));
-    co_return fail(QStringLiteral("There's no tool called %1.").arg(name), QStringLiteral("Unknown tool %1").arg(name));
+const RuntimeTools::Tool *runtimeTool(const RuntimeTools &runtime, const QString &name)
+{
+    if (name == u"build")
+        return &runtime.build;
+    if (name == u"screenshot")
+        return &runtime.screenshot;
+    if (name == u"read_log")
+        return &runtime.readLog;
+    return nullptr;
+}
+
+ToolResult unavailable(const QString &name)
+{
+    return fail(QStringLiteral("%1 isn't available in this build of Zentoro.").arg(name),
+                QStringLiteral("%1 failed").arg(name));
+}
+
+ToolResult unknown(const QString &name)
+{
+    return fail(QStringLiteral("There's no tool called %1.").arg(name), QStringLiteral("Unknown tool %1").arg(name));
+}
+
+} // namespace
+
+QCoro::Task<ToolResult> perform(Agent &agent, const Workspace &workspace, const RuntimeTools &runtime,
+                                const QString &name, const JSON &arguments)
+{
+    if (std::optional<ToolResult> result = performFileTool(agent, workspace, name, arguments))
+        co_return std::move(*result);
+    const RuntimeTools::Tool *tool = runtimeTool(runtime, name);
+    if (!tool)
+        co_return unknown(name);
+    if (!*tool)
+        co_return unavailable(name);
+    co_return co_await (*tool)(agent, arguments);
 }
 
 } // namespace zentoro::Tools

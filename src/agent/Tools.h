@@ -21,7 +21,7 @@ inline constexpr qsizetype detailLimit = 6000;
 // The tools that reach the running app rather than the source folder. The runtime fills
 // these in; a tool left empty answers with an error, so nothing pretends to work.
 struct RuntimeTools {
-    using Tool = std::function<QCoro::Task<ToolResult>(Agent &agent, JSON arguments)>;
+    using Tool = std::function<QCoro::Task<ToolResult>(Agent &agent, const JSON &arguments)>;
     Tool build;
     Tool screenshot;
     Tool readLog;
@@ -36,9 +36,9 @@ qsizetype lineCount(const QString &text);
 
 // Carries out one function call of the model. Never raises: whatever goes wrong is an
 // error text for the model and a failed row. `restart_app` is the run's own business and
-// never comes here.
-QCoro::Task<ToolResult> perform(Agent &agent, const Workspace &workspace, RuntimeTools runtime, QString name,
-                                JSON arguments);
+// never comes here. The caller keeps the arguments alive until the result is in.
+QCoro::Task<ToolResult> perform(Agent &agent, const Workspace &workspace, const RuntimeTools &runtime,
+                                const QString &name, const JSON &arguments);
 
 } // namespace Tools
 } // namespace zentoro

@@ -93,7 +93,7 @@ TEST_F(FileToolsTest, UnknownAndUnsuppliedToolsAnswerWithErrors)
     expectFailure(call(QStringLiteral("build")), "build isn't available in this build of Zentoro.", "build failed");
 
     JSON seen;
-    runtime.screenshot = [&](Agent &, JSON arguments) -> QCoro::Task<ToolResult> {
+    runtime.screenshot = [&](Agent &, const JSON &arguments) -> QCoro::Task<ToolResult> {
         seen = arguments;
         co_return ToolResult{JSON("captured"), ChatItem::make(ChatItem::Kind::Tool, "Took a screenshot")};
     };
