@@ -37,7 +37,7 @@ class Element {
         for child in children.reversed() {
             if let hit = child.hits(point) { return hit }
         }
-        return nil
+        return children.isEmpty && contains(point) ? [] : nil
     }
 
     /// Whether this element draws anything at `point`: what taps on a plain view land on.

@@ -155,9 +155,9 @@ final class Hosted {
         _ = _zentoroViewPointer(view, 2, point.x, point.y, 0, Int32(count))
         render()
     }
-    func click(_ string: String) {
+    func click(_ string: String, count: Int = 1) {
         guard let rect = text(string)?.rect else { Issue.record("no text \(string) among \(strings)"); return }
-        click(CGPoint(x: rect.midX, y: rect.midY))
+        click(CGPoint(x: rect.midX, y: rect.midY), count: count)
     }
     func drag(from a: CGPoint, to b: CGPoint, steps: Int = 4) {
         _ = _zentoroViewPointer(view, 0, a.x, a.y, 0, 1)
