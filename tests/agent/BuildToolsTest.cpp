@@ -1,0 +1,166 @@
+#include "agent/Agent.h"
+#include "agent/BuildTools.h"
+#include "runtime/CrashLog.h"
+#include "runtime/Runtime.h"
+
+#include "support/Await.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+
+namespace {
+
+class BuildToolsTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    Workspace workspace{QStringLiteral("Tools"), dir.path() + QStringLiteral("/Apps/Tools")};
+    Runtime runtime{workspace};
+    Agent agent{AgentOperations{}};
+
+    void SetUp() override
+    {
+        agent.runtime = &runtime;
+        QDir().mkpath(workspace.logs());
+    }
+
+    ToolResult call(const QString &name, const JSON &arguments = JSON::object())
+    {
+        return test::await(Tools::perform(agent, workspace, BuildTools::runtimeTools(), name, arguments));
+    }
+    ToolResult readLog(const QString &which)
+    {
+        return call(QStringLiteral("read_log"), JSON::object({{QStringLiteral("which"), JSON(which)}}));
+    }
+    void writeLog(CrashLog::Which which, const QByteArray &bytes)
+    {
+        QFile file(CrashLog::url(which, workspace.logs()));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+};
+
+BuildOutcome succeeded(int version, double seconds, QString warnings)
+{
+    return BuildOutcome{BuildOutcome::Success{version, seconds, std::move(warnings)}};
+}
+
+BuildOutcome failed(QString text)
+{
+    return BuildOutcome{BuildOutcome::Failure{std::move(text)}};
+}
+
+} // namespace
+
+TEST(BuildResult, ASuccessTellsTheVersionAndAnyWarnings)
+{
+    const ToolResult quiet = BuildTools::buildResult(succeeded(3, 12.25, QString()));
+    EXPECT_EQ(quiet.output, JSON(QStringLiteral("Build succeeded. Version 3 is now running in the window.")));
+    EXPECT_EQ(quiet.item.text, QStringLiteral("Built version 3 in 12.2s"));
+    EXPECT_EQ(quiet.item.detail, std::nullopt);
+    EXPECT_EQ(quiet.item.symbol, QStringLiteral("hammer"));
+    EXPECT_FALSE(quiet.item.failed);
+
+    const QString warning = QStringLiteral("AppRoot.swift:3:9: warning: unused variable");
+    const ToolResult warned = BuildTools::buildResult(succeeded(4, 0.96, warning));
+    EXPECT_EQ(warned.output, JSON(QStringLiteral("Build succeeded. Version 4 is now running in the window.\n"
+                                                 "Compiler warnings:\n") + warning));
+    EXPECT_EQ(warned.item.text, QStringLiteral("Built version 4 in 1.0s"));
+    EXPECT_EQ(warned.item.detail, warning);
+}
+
+TEST(BuildResult, AFailureCountsTheErrorsAndKeepsTheWholeOutput)
+{
+    const QString two = QStringLiteral("a.swift:1:1: error: x\na.swift:2:1: warning: y\nb.swift:9:4: error: z\n") +
+                        QString(7000, u'.');
+    const ToolResult result = BuildTools::buildResult(failed(two));
+    EXPECT_EQ(result.output, JSON(QStringLiteral("Build failed. The running app is unchanged.\n") + two));
+    EXPECT_EQ(result.item.text, QStringLiteral("Build failed (2 errors)"));
+    EXPECT_EQ(result.item.detail, two);
+    EXPECT_EQ(result.item.symbol, QStringLiteral("xmark.octagon"));
+    EXPECT_TRUE(result.item.failed);
+    EXPECT_EQ(BuildTools::buildResult(failed(QStringLiteral("a.swift:1:1: error: x"))).item.text,
+              QStringLiteral("Build failed (1 error)"));
+    EXPECT_EQ(BuildTools::buildResult(failed(QStringLiteral("A build is already running."))).item.text,
+              QStringLiteral("Build failed"));
+}
+
+TEST_F(BuildToolsTest, ReadLogShowsTheEndOfTheNamedLog)
+{
+    QByteArray lines;
+    for (int i = 0; i < 500; ++i)
+        lines += "line " + QByteArray::number(i) + '\n';
+    writeLog(CrashLog::Which::Current, lines);
+    writeLog(CrashLog::Which::Previous, "the run before\n");
+
+    const ToolResult current = readLog(QStringLiteral("latest"));
+    const QString text = current.output.stringValue().value_or(QString());
+    EXPECT_TRUE(text.startsWith(QStringLiteral("line 301\n")));
+    EXPECT_EQ(current.item.text, QStringLiteral("Read the log"));
+    EXPECT_EQ(current.item.symbol, QStringLiteral("text.alignleft"));
+    EXPECT_EQ(current.item.detail, text);
+
+    EXPECT_EQ(readLog(QStringLiteral("previous")).output, JSON(QStringLiteral("the run before\n")));
+    EXPECT_EQ(readLog(QStringLiteral("previous")).item.text, QStringLiteral("Read the previous run's log"));
+
+    const ToolResult crash = readLog(QStringLiteral("crash"));
+    EXPECT_EQ(crash.output, JSON(QStringLiteral("(no such log)")));
+    EXPECT_EQ(crash.item.text, QStringLiteral("Read the crash log"));
+    EXPECT_FALSE(crash.item.failed);
+}
+
+TEST_F(BuildToolsTest, ReadLogCutsTheRowsDetailButNotTheModelsText)
+{
+    writeLog(CrashLog::Which::Crash, QByteArray(10000, 'x'));
+    const ToolResult result = readLog(QStringLiteral("crash"));
+    EXPECT_EQ(result.output, JSON(QString(10000, u'x')));
+    EXPECT_EQ(result.item.detail, QString(6000, u'x') + QStringLiteral("\n…"));
+}
+
+TEST_F(BuildToolsTest, AScreenshotWithNothingShowingIsAnError)
+{
+    const ToolResult result = call(QStringLiteral("screenshot"));
+    EXPECT_EQ(agent.activity(), QStringLiteral("Looking at the app…"));
+    EXPECT_EQ(result.output, JSON(QStringLiteral("Error: Nothing to capture: no version is showing in a window.")));
+    EXPECT_EQ(result.item.text, QStringLiteral("Couldn't take a screenshot"));
+    EXPECT_TRUE(result.item.failed);
+}
+
+TEST_F(BuildToolsTest, AScreenshotIsStoredAndHandedOverByReference)
+{
+    const QByteArray png("\x89PNG picture bytes");
+    const QString folder = workspace.build() + QStringLiteral("/Screenshots");
+    const ToolResult result = BuildTools::screenshotResult(png, folder);
+    ASSERT_TRUE(result.item.imagePath);
+    EXPECT_EQ(QFileInfo(*result.item.imagePath).path(), folder);
+    EXPECT_TRUE(result.item.imagePath->endsWith(QStringLiteral(".png")));
+    QFile stored(*result.item.imagePath);
+    ASSERT_TRUE(stored.open(QIODevice::ReadOnly));
+    EXPECT_EQ(stored.readAll(), png);
+    EXPECT_EQ(result.item.symbol, QStringLiteral("camera"));
+    EXPECT_EQ(result.output,
+              JSON::array({JSON::object({{QStringLiteral("type"), JSON(QStringLiteral("input_text"))},
+                                         {QStringLiteral("text"), JSON(QStringLiteral("Screenshot of the app as it looks now:"))}}),
+                           JSON::object({{QStringLiteral("type"), JSON(QStringLiteral("input_image"))},
+                                         {QStringLiteral("image_url"),
+                                          JSON(QUrl::fromLocalFile(*result.item.imagePath).toString())}})}));
+}
+
+TEST_F(BuildToolsTest, AScreenshotThatCannotBeStoredTravelsInline)
+{
+    // A file where the folder should be: nothing can be written under it.
+    QFile blocker(workspace.build());
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    const ToolResult result = BuildTools::screenshotResult(QByteArray("png"), workspace.build() + QStringLiteral("/Screenshots"));
+    EXPECT_EQ(result.item.imagePath, std::nullopt);
+    const JSON::Array *parts = result.output.arrayValue();
+    ASSERT_NE(parts, nullptr);
+    EXPECT_EQ((*parts)[1].stringAt(QStringLiteral("image_url")), QStringLiteral("data:image/png;base64,cG5n"));
+}
