@@ -3,7 +3,10 @@
 #include "agent/Agent.h"
 #include "agent/HistoryUpkeep.h"
 #include "agent/Instructions.h"
+#include "agent/ModelRequest.h"
 #include "agent/Tools.h"
+#include "model_service/AgentConfig.h"
+#include "model_service/OpenAI.h"
 #include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
 
@@ -11,27 +14,13 @@
 
 namespace zentoro {
 
-namespace {
-[[noreturn]] void unavailable()
-{
-    throw Workspace::Failure(QStringLiteral("Zentoro can't reach the model service in this build."));
-}
-} // namespace
-
 AgentOperations programOperations(Agent &agent)
 {
     QPointer<Agent> weak(&agent);
     AgentOperations operations;
-    operations.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> {
-        unavailable();
-        co_return QString();
-    };
-    operations.request = [](Provider) { return JSON::object(); };
-    operations.respond = [](const TaskHandle &, const QString &, const JSON &,
-                            const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
-        unavailable();
-        co_return JSON();
-    };
+    operations.bearer = ModelRequest::bearer;
+    operations.request = [weak](Provider provider) { return weak ? ModelRequest::request(*weak, provider) : JSON(); };
+    operations.respond = OpenAI::respond;
     // build, screenshot and read_log are plugged into `runtimeTools` by the runtime.
     Tools::RuntimeTools runtimeTools;
     operations.perform = [weak, runtimeTools](const QString &name, const JSON &arguments) -> QCoro::Task<ToolResult> {
@@ -56,7 +45,7 @@ AgentOperations programOperations(Agent &agent)
     };
     operations.relaunch = [](bool) {};
     operations.canUsePlan = [] { return false; };
-    operations.hasAPIKey = [] { return false; };
+    operations.hasAPIKey = [] { return AgentConfig::effectiveKey().has_value(); };
     Q_UNUSED(weak);
     return operations;
 }

@@ -17,6 +17,7 @@ namespace zentoro::OpenAI {
 namespace {
 
 constexpr int requestTimeoutMilliseconds = 900'000;
+constexpr qint64 readAheadBytes = 1 << 20;
 // How long a reply may go on after its terminal event before its connection is dropped.
 constexpr int drainMilliseconds = 10'000;
 
@@ -173,7 +174,10 @@ QCoro::Task<JSON> respond(const TaskHandle &task, const QString &bearer, const J
     request.setRawHeader("User-Agent", "Zentoro/" ZENTORO_VERSION);
     request.setTransferTimeout(requestTimeoutMilliseconds);
 
-    Exchange exchange(manager().post(request, encoded), onItemStarted);
+    QNetworkReply *reply = manager().post(request, encoded);
+    // Without a limit the network thread would read ahead of the parser without end.
+    reply->setReadBufferSize(readAheadBytes);
+    Exchange exchange(reply, onItemStarted);
     task.whenCancelled(&exchange, [&exchange] { exchange.cancel(); });
     if (!exchange.hasEnded())
         co_await qCoro(&exchange, &Exchange::ended);

@@ -3,6 +3,8 @@
 #include "model_service/Failures.h"
 
 #include <cstring>
+#include <string.h>
+#include <string_view>
 #include <utility>
 
 namespace zentoro::OpenAI {
@@ -38,9 +40,9 @@ QByteArrayView trimBlanks(QByteArrayView text)
 // hidden behind \u escapes still reaches the decoder, so nothing acted on is passed over.
 bool mayBeActedOn(QByteArrayView payload)
 {
-    static constexpr QByteArrayView markers[] = {"output_item.", "completed", "incomplete", "failed", "error", "\\u"};
-    for (QByteArrayView marker : markers) {
-        if (payload.contains(marker))
+    static constexpr std::string_view markers[] = {"output_item.", "completed", "incomplete", "failed", "error", "\\u"};
+    for (std::string_view marker : markers) {
+        if (::memmem(payload.data(), size_t(payload.size()), marker.data(), marker.size()))
             return true;
     }
     return false;
