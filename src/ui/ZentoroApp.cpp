@@ -1,10 +1,14 @@
 #include "ui/ZentoroApp.h"
 
 #include "agent/Agent.h"
+#include "runtime/PluginContainerView.h"
+#include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
 #include "ui/MainWindow.h"
+#include "ui/QuitSignals.h"
 
 #include <QApplication>
+#include <QVBoxLayout>
 
 namespace zentoro {
 
@@ -20,8 +24,18 @@ int ZentoroApp::run(int argc, char **argv)
     QApplication::setApplicationDisplayName(Workspace::shared().name);
     QApplication::setDesktopFileName(QStringLiteral("dev.vantu.zentoro"));
 
+    Workspace::shared().lock();
+    QuitSignals::install();
+    Runtime runtime;
     Agent agent;
+    agent.runtime = &runtime;
+    runtime.onEvent = [&agent](const QString &shown, const QString &told) { agent.note(shown, told); };
     MainWindow window(agent);
+    auto *hosted = new QVBoxLayout(window.contentArea());
+    hosted->setContentsMargins(0, 0, 0, 0);
+    hosted->addWidget(new PluginContainerView(&runtime));
+    runtime.launch();
+    agent.resumeAfterLaunch();
     window.show();
     return application.exec();
 }
