@@ -89,8 +89,10 @@ void service()
         p.timer->stop();
         return;
     }
-    // Whole milliseconds, rounded up, so the timer never fires just before its time.
-    p.timer->start(std::max(0, int(std::ceil(next * 1000))));
+    // Whole milliseconds, rounded up, so the timer never fires just before its time. A run
+    // loop without timers answers with the distant future, far beyond an int of milliseconds:
+    // cap the wait at a day, which the queue's descriptor cuts short anyway.
+    p.timer->start(std::max(0, int(std::ceil(std::min(next, 86400.0) * 1000))));
 }
 
 } // namespace KitMainQueue
