@@ -8,8 +8,11 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QTimer>
 
 #include <gtest/gtest.h>
+
+#include <ctime>
 
 using namespace zentoro;
 using namespace std::chrono_literals;
@@ -80,6 +83,14 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     EXPECT_TRUE(test::spinUntil([&] { return shows(*container, qRgb(250, 245, 235)); }));
     EXPECT_TRUE(shows(*container, qRgb(245, 115, 56)));
     EXPECT_TRUE(QFile::exists(workspace.version(1) + QStringLiteral("/Sources/AppRoot.swift")));
+    // A version on screen leaves the process idle between events, so builds get the processor.
+    const std::clock_t idleStart = std::clock();
+    {
+        QEventLoop loop;
+        QTimer::singleShot(1s, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    EXPECT_LT(double(std::clock() - idleStart) / CLOCKS_PER_SEC, 0.3);
 
     // Two failed builds: the running version and the numbers stay as they were.
     writeSource(workspace, QStringLiteral("Views/Broken.swift"),
