@@ -1,6 +1,7 @@
 #include "agent/AgentWiring.h"
 
 #include "agent/Agent.h"
+#include "agent/BuildTools.h"
 #include "agent/HistoryUpkeep.h"
 #include "agent/Instructions.h"
 #include "agent/ModelRequest.h"
@@ -21,8 +22,8 @@ AgentOperations programOperations(Agent &agent)
     operations.bearer = ModelRequest::bearer;
     operations.request = [weak](Provider provider) { return weak ? ModelRequest::request(*weak, provider) : JSON(); };
     operations.respond = OpenAI::respond;
-    // build, screenshot and read_log are plugged into `runtimeTools` by the runtime.
-    Tools::RuntimeTools runtimeTools;
+    // build, screenshot and read_log work on the agent's runtime.
+    Tools::RuntimeTools runtimeTools = BuildTools::runtimeTools();
     operations.perform = [weak, runtimeTools](const QString &name, const JSON &arguments) -> QCoro::Task<ToolResult> {
         co_return co_await Tools::perform(*weak, Workspace::shared(), runtimeTools, name, arguments);
     };

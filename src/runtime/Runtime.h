@@ -79,7 +79,7 @@ public:
     // run, loads the version to run and begins looking for the compiler. A second call does nothing.
     void launch();
     // PNG bytes of the hosted view in the key window's container, or the first shown one,
-    // at most `maxWidth` pixels wide; none when no container is showing.
+    // at most `maxWidth` pixels wide; none when no version is loaded or no container is showing.
     std::optional<QByteArray> snapshot(double maxWidth) const;
 
 signals:
