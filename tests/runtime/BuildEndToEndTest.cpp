@@ -119,7 +119,18 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     themeText.replace("Color(red: 0.98, green: 0.96, blue: 0.92)", "Color(red: 0.2, green: 0.4, blue: 0.8)");
     writeSource(workspace, QStringLiteral("Theme.swift"), themeText);
 
-    const BuildOutcome second = test::await(runtime.build(QStringLiteral("Blue")));
+    std::optional<BuildOutcome> secondOutcome;
+    const TaskHandle building = startTask([&](TaskHandle) -> QCoro::Task<> {
+        const QString summary = QStringLiteral("Blue");
+        secondOutcome = co_await runtime.build(summary);
+    });
+    ASSERT_TRUE(runtime.isBuilding());
+    const BuildOutcome meanwhile = test::await(runtime.build(QStringLiteral("Meanwhile")));
+    ASSERT_TRUE(meanwhile.failure());
+    EXPECT_EQ(meanwhile.failure()->text, QStringLiteral("Another build is already running."));
+    ASSERT_TRUE(test::spinUntil([&] { return building.isFinished(); }, 10min));
+    ASSERT_TRUE(secondOutcome);
+    const BuildOutcome second = *secondOutcome;
     ASSERT_TRUE(second.success()) << second.failure()->text.toStdString();
     EXPECT_EQ(second.success()->version, 2);
     EXPECT_GT(second.success()->seconds, 0);
@@ -158,4 +169,21 @@ TEST(BuildEndToEnd, SimulatedMissingToolsAreReportedAndNothingIsBuilt)
     EXPECT_FALSE(runtime.isBuilding());
     EXPECT_FALSE(QFile::exists(workspace.stateFile()));
     EXPECT_FALSE(QFile::exists(workspace.version(1)));
+}
+
+TEST(BuildEndToEnd, AnEmptySourceFolderHasNothingToBuild)
+{
+    const Workspace workspace = Workspace::forName(QStringLiteral("Empty"));
+    QDir().mkpath(workspace.sources());
+    workspace.prepare();
+    Runtime runtime(workspace);
+    test::await(runtime.checkToolchain());
+    if (!runtime.toolchain().isReady())
+        GTEST_SKIP() << "No Swift compiler found; nothing to check without one.";
+    const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("The original app")));
+    ASSERT_TRUE(outcome.failure());
+    EXPECT_EQ(outcome.failure()->text, QStringLiteral("There are no .swift files in the source folder."));
+    EXPECT_FALSE(runtime.isBuilding());
+    EXPECT_EQ(runtime.state().nextNumber, 1);
+    EXPECT_FALSE(QFile::exists(workspace.stateFile()));
 }
