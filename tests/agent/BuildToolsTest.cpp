@@ -115,14 +115,6 @@ TEST_F(BuildToolsTest, ReadLogShowsTheEndOfTheNamedLog)
     EXPECT_FALSE(crash.item.failed);
 }
 
-TEST_F(BuildToolsTest, ReadLogCutsTheRowsDetailButNotTheModelsText)
-{
-    writeLog(CrashLog::Which::Crash, QByteArray(10000, 'x'));
-    const ToolResult result = readLog(QStringLiteral("crash"));
-    EXPECT_EQ(result.output, JSON(QString(10000, u'x')));
-    EXPECT_EQ(result.item.detail, QString(6000, u'x') + QStringLiteral("\n…"));
-}
-
 TEST_F(BuildToolsTest, AScreenshotWithNothingShowingIsAnError)
 {
     const ToolResult result = call(QStringLiteral("screenshot"));

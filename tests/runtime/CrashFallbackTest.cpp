@@ -24,14 +24,6 @@ const CrashLog::PreviousCrash fatal{QStringLiteral("Fatal error: Unexpectedly fo
 
 } // namespace
 
-TEST(CrashFallback, AStartAfterACleanRunChangesNothing)
-{
-    RuntimeState state = withVersions({{1, false}});
-    state.current = 1;
-    state.lastGood = 1;
-    EXPECT_EQ(CrashFallback::judge(state, std::nullopt, QStringLiteral("Timer")), CrashFallback::Judgement{state});
-}
-
 TEST(CrashFallback, ACrashLaterInARunRunsTheSameVersionAgain)
 {
     RuntimeState state = withVersions({{1, false}, {2, false}});

@@ -213,14 +213,6 @@ TEST(CrashLog, TheReasonIsTheLastExplainingLineOtherwiseTheSignal)
     EXPECT_EQ(CrashLog::previousCrash(folder.filePath(QStringLiteral("absent.log"))), std::nullopt);
 }
 
-TEST(CrashLog, SignalTextsFollowTheSignalsOfThisSystem)
-{
-    EXPECT_STREQ(CrashLog::signalText(SIGBUS), "SIGBUS (bad memory access)");
-    EXPECT_STREQ(CrashLog::signalText(SIGTRAP),
-                 "SIGTRAP (Swift runtime trap: fatalError, force unwrap of nil, array index out of range, …)");
-    EXPECT_STREQ(CrashLog::signalText(SIGUSR1), "signal");
-}
-
 TEST(CrashLog, LogsAreNamedByTheirRawValues)
 {
     EXPECT_EQ(CrashLog::which(QStringLiteral("crash")), CrashLog::Which::Crash);
