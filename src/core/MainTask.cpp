@@ -74,6 +74,8 @@ QCoro::Task<bool> sleep(const TaskHandle &task, std::chrono::milliseconds durati
     SleepWaker waker;
     QTimer timer;
     timer.setSingleShot(true);
+    // A coarse timer may fire up to 5% early; a wait here is a promise of at least `duration`.
+    timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, &waker, [&waker] {
         waker.elapsed = true;
         emit waker.done();
