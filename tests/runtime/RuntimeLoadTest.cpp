@@ -79,7 +79,7 @@ TEST_F(RuntimeLoad, StateIsOnDiskBeforeTheLibraryOpensAndTheVersionProvesItselfA
     EXPECT_EQ(container.content(), nullptr);
 
     ASSERT_TRUE(test::spinUntil([&] { return runtime.state().lastGood == 1; }, 8s));
-    EXPECT_GE(clock.elapsed(), 3900);
+    EXPECT_GE(clock.elapsed(), 3990);
     EXPECT_EQ(runtime.state().loading, std::nullopt);
     EXPECT_EQ(onDisk(), runtime.state());
 }
