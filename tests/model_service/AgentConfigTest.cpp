@@ -95,6 +95,7 @@ TEST_F(AgentConfigTest, AKeyThatCannotBeSavedIsReported)
     const QString support = Workspace::support();
     // A file where the folder should be: nothing can be created inside it.
     const QString moved = support + ".moved";
+    QDir().mkpath(support);
     ASSERT_TRUE(QDir().rename(support, moved));
     QFile blocker(support);
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
