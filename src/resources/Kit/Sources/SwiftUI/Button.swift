@@ -27,11 +27,14 @@ public struct Button<Label: View>: View, PrimitiveView {
             role: role, isEnabled: enabled)
         let style = context.environment.buttonStyle ?? AnyButtonStyle(BorderedButtonStyle())
         var inner = context.child(.index(0))
+        inner.environment.alertDismiss = nil
         if role == .destructive, context.environment.foregroundStyle == nil {
             inner.environment.foregroundStyle = AnyShapeStyle(Color.red)
         }
         let chrome = single(style.makeBody(configuration).resolve(inner), context: inner)
-        let action = self.action
+        let ownAction = self.action
+        let closeAlert = context.environment.alertDismiss
+        let action = { ownAction(); closeAlert?() }
         return [ButtonElement(chrome, path: context.path, graph: graph, enabled: enabled,
                               shortcut: context.environment.keyboardShortcut, action: action)]
     }

@@ -500,7 +500,9 @@ final class ScrollElement: WrapperElement {
         let origin = axis == .vertical ? CGPoint(x: rect.minX, y: rect.minY - state.offset) : CGPoint(x: rect.minX - state.offset, y: rect.minY)
         var contentRect = CGRect(origin: origin, size: s)
         if axis == .vertical { contentRect.size.width = min(s.width, rect.width) }
+        graph?.viewports.append(rect)
         child.place(in: contentRect)
+        graph?.viewports.removeLast()
     }
     override func draw(_ renderer: Renderer) {
         renderer.save()

@@ -124,7 +124,10 @@ final class ViewGraph {
     var interaction = InteractionState()
     var textFields: [Int64: TextFieldHandlers] = [:]
     var keyHandlers: [(KeyPress) -> Bool] = []
-    var overlayRoot: Element?
+    /// Pop-ups, sheets and alerts over the whole window, in the order they were resolved.
+    var overlays: [Element] = []
+    /// The visible rectangles of the scroll views being placed, innermost last.
+    var viewports: [CGRect] = []
 
     init<Root: View>(_ root: Root) {
         rootResolver = { resolveView(root, $0) }
@@ -159,6 +162,7 @@ final class ViewGraph {
             textFields = [:]
             keyHandlers = []
             interaction.hoverHandlers = [:]
+            overlays = []
             let context = ResolveContext(graph: self, path: .root, environment: rootEnvironment(), stackAxis: nil)
             let root = withObservationTracking {
                 let elements = rootResolver(context)
@@ -166,6 +170,7 @@ final class ViewGraph {
                 let root = elements.count == 1 ? elements[0] : ZStackElement(children: elements, alignment: .center)
                 let window = CGRect(origin: .zero, size: size)
                 root.place(in: Alignment.center.place(root.size(ProposedViewSize(size)), in: window))
+                for overlay in overlays { overlay.place(in: window) }
                 return root
             } onChange: { [weak self] in
                 DispatchQueue.main.async { MainActor.assumeIsolated { self?.invalidate() } }
@@ -210,7 +215,7 @@ final class ViewGraph {
         for node in storage.values { node.end() }
         storage = [:]
         rootElement = nil
-        overlayRoot = nil
+        overlays = []
         textFields = [:]
         host = nil
     }

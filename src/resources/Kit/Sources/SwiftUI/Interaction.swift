@@ -54,6 +54,8 @@ class InteractiveElement: WrapperElement {
     func drag(from start: CGPoint, to point: CGPoint) {}
     func endDrag(from start: CGPoint, to point: CGPoint) {}
     func hover(_ inside: Bool) {}
+    /// Whether this element still gets the tap after an inner element handled it.
+    var alwaysTaps: Bool { false }
 }
 
 extension ViewGraph {
@@ -61,11 +63,13 @@ extension ViewGraph {
         guard let host else { return }
         update()
         rootElement?.draw(host)
-        overlayRoot?.draw(host)
+        for overlay in overlays { overlay.draw(host) }
     }
 
     private func topHits(_ point: CGPoint) -> [InteractiveElement] {
-        if let overlay = overlayRoot, let hits = overlay.hits(point) { return hits }
+        for overlay in overlays.reversed() {
+            if let hits = overlay.hits(point) { return hits }
+        }
         return rootElement?.hits(point) ?? []
     }
 
@@ -106,7 +110,10 @@ extension ViewGraph {
                 dragTarget.endDrag(from: interaction.downPoint, to: point)
                 return true
             }
-            for element in chain where element.tap(at: point, count: max(1, clickCount)) { break }
+            var handled = false
+            for element in chain where !handled || element.alwaysTaps {
+                if element.tap(at: point, count: max(1, clickCount)) { handled = true }
+            }
             return !chain.isEmpty
         case .leave:
             updateHover(nil)

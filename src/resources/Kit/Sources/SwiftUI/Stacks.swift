@@ -39,14 +39,77 @@ public struct ZStack<Content: View>: View, PrimitiveView {
     }
 }
 
-/// Lazy stacks lay out every row; they behave like their plain counterparts.
-public struct LazyVStack<Content: View>: View {
+/// A column that makes only the rows in view when its content is one ForEach inside a scroll
+/// view: rows are as high as the first, so the work per frame does not grow with the data.
+public struct LazyVStack<Content: View>: View, PrimitiveView {
+    public typealias Body = Never
     let alignment: HorizontalAlignment, spacing: CGFloat?, content: Content
     public init(alignment: HorizontalAlignment = .center, spacing: CGFloat? = nil, pinnedViews: PinnedScrollableViews = .init(),
                 @ViewBuilder content: () -> Content) {
         self.alignment = alignment; self.spacing = spacing; self.content = content()
     }
-    public var body: some View { VStack(alignment: alignment, spacing: spacing) { content } }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        var inner = context
+        inner.stackAxis = .vertical
+        if let rows = content as? any LazyRows {
+            return [LazyStackElement(count: rows.rowCount, spacing: spacing ?? StackElement.defaultSpacing,
+                                     crossFraction: alignment.fraction, graph: context.graph) { rows.resolveRow($0, inner) }]
+        }
+        return [StackElement(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner))]
+    }
+}
+
+@MainActor
+protocol LazyRows {
+    var rowCount: Int { get }
+    func resolveRow(_ offset: Int, _ context: ResolveContext) -> [Element]
+}
+extension ForEach: LazyRows {}
+
+final class LazyStackElement: Element {
+    let count: Int
+    let spacing: CGFloat
+    let crossFraction: CGFloat
+    unowned let graph: ViewGraph
+    let make: (Int) -> [Element]
+    private var made: [Int: Element] = [:]
+    init(count: Int, spacing: CGFloat, crossFraction: CGFloat, graph: ViewGraph, make: @escaping (Int) -> [Element]) {
+        self.count = count; self.spacing = spacing; self.crossFraction = crossFraction; self.graph = graph; self.make = make
+    }
+    override var children: [Element] { made.keys.sorted().compactMap { made[$0] } }
+
+    private func row(_ index: Int) -> Element {
+        if let known = made[index] { return known }
+        let elements = make(index)
+        let row = elements.count == 1 ? elements[0] : StackElement(axis: .vertical, crossFraction: crossFraction, spacing: spacing, children: elements)
+        made[index] = row
+        return row
+    }
+    private func rowSize(_ width: CGFloat?) -> CGSize {
+        count == 0 ? .zero : row(0).size(ProposedViewSize(width: width, height: nil))
+    }
+    override func measure(_ proposal: ProposedViewSize) -> CGSize {
+        let first = rowSize(proposal.width)
+        let height = CGFloat(count) * first.height + CGFloat(max(0, count - 1)) * spacing
+        return CGSize(width: proposal.width ?? first.width, height: height)
+    }
+    override func place(in rect: CGRect) {
+        frame = rect
+        guard count > 0 else { return }
+        let step = rowSize(rect.width).height + spacing
+        let visible = (graph.viewports.last ?? rect).intersection(rect)
+        guard !visible.isNull, step > 0 else { return }
+        let first = max(0, Int(((visible.minY - rect.minY) / step).rounded(.down)))
+        let last = min(count - 1, Int(((visible.maxY - rect.minY) / step).rounded(.down)))
+        guard first <= last else { return }
+        for index in first...last {
+            let element = row(index)
+            let s = element.size(ProposedViewSize(width: rect.width, height: nil))
+            let x = rect.minX + (rect.width - s.width) * crossFraction
+            element.place(in: CGRect(x: x, y: rect.minY + CGFloat(index) * step, width: s.width, height: step - spacing))
+        }
+        made = made.filter { $0.key >= first && $0.key <= last }
+    }
 }
 
 public struct LazyHStack<Content: View>: View {
@@ -108,21 +171,25 @@ public struct ForEach<Data: RandomAccessCollection, ID: Hashable, Content: View>
     }
     func resolve(_ context: ResolveContext) -> [Element] {
         var result: [Element] = []
-        var offset = 0
-        for element in data {
-            let elements = resolveView(content(element), context.child(.id(AnyHashable(identify(element)))))
-            if let deleteAction {
-                let index = offset
-                let rowContext = context.child(.id(AnyHashable(identify(element)))).child(.id("row"))
-                result += elements.map {
-                    RowActionElement($0, path: rowContext.path, graph: context.graph, delete: { deleteAction(IndexSet(integer: index)) })
-                }
-            } else {
-                result += elements
-            }
-            offset += 1
-        }
+        for index in 0..<data.count { result += resolveRow(index, context) }
         return result
+    }
+
+    var rowCount: Int { data.count }
+
+    /// The elements of the row at `offset`, under the row's id.
+    func resolveRow(_ offset: Int, _ context: ResolveContext) -> [Element] {
+        let element = data[data.index(data.startIndex, offsetBy: offset)]
+        let identity = identify(element)
+        var rowContext = context.child(.id(AnyHashable(identity)))
+        rowContext.environment.pickerTags = false
+        var elements = resolveView(content(element), rowContext)
+        if context.environment.pickerTags { elements = elements.map { TagElement($0, tag: AnyHashable(identity)) } }
+        guard let deleteAction else { return elements }
+        let rowPath = rowContext.child(.id("row")).path
+        return elements.map {
+            RowActionElement($0, path: rowPath, graph: context.graph, delete: { deleteAction(IndexSet(integer: offset)) })
+        }
     }
 
     /// Rows that the user can delete: a delete button shows when the pointer is on the row.

@@ -1,0 +1,287 @@
+import Foundation
+
+/// Rows in a scrolling column with separators; `Section`s give them headers.
+public struct List<SelectionValue: Hashable, Content: View>: View, PrimitiveView {
+    public typealias Body = Never
+    let content: Content
+    public init(selection: Binding<SelectionValue?>?, @ViewBuilder content: () -> Content) { self.content = content() }
+    public init(selection: Binding<Set<SelectionValue>>?, @ViewBuilder content: () -> Content) { self.content = content() }
+
+    func resolve(_ context: ResolveContext) -> [Element] {
+        resolveRows(content, context: context, grouped: context.environment.listStyle == .grouped)
+    }
+}
+
+extension List where SelectionValue == Never {
+    public init(@ViewBuilder content: () -> Content) { self.content = content() }
+    public init<Data: RandomAccessCollection, RowContent: View>(_ data: Data, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent)
+    where Content == ForEach<Data, Data.Element.ID, RowContent>, Data.Element: Identifiable {
+        content = ForEach(data, content: rowContent)
+    }
+    public init<Data: RandomAccessCollection, ID: Hashable, RowContent: View>(
+        _ data: Data, id: KeyPath<Data.Element, ID>, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent)
+    where Content == ForEach<Data, ID, RowContent> {
+        content = ForEach(data, id: id, content: rowContent)
+    }
+    public init<RowContent: View>(_ data: Range<Int>, @ViewBuilder rowContent: @escaping (Int) -> RowContent)
+    where Content == ForEach<Range<Int>, Int, RowContent> {
+        content = ForEach(data, content: rowContent)
+    }
+}
+
+/// Rows grouped in rounded panels, as settings screens show them.
+public struct Form<Content: View>: View, PrimitiveView {
+    public typealias Body = Never
+    let content: Content
+    public init(@ViewBuilder content: () -> Content) { self.content = content() }
+    func resolve(_ context: ResolveContext) -> [Element] { resolveRows(content, context: context, grouped: true) }
+}
+
+@MainActor
+private func resolveRows<Content: View>(_ content: Content, context: ResolveContext, grouped: Bool) -> [Element] {
+    var inner = context
+    inner.stackAxis = nil
+    inner.environment.inList = true
+    let rows = resolveView(content, inner)
+    let list = ListElement(rows: rows, grouped: grouped, environment: context.environment)
+    let state = context.graph.storage(at: context.path).0.slot(0) { ScrollState() }
+    return [ScrollElement(list, axis: .vertical, state: state, graph: context.graph,
+                          indicator: Color.secondary.rgba(in: context.environment).withAlpha(0.6))]
+}
+
+/// A header (and footer) above a group of rows; outside a list its rows stack vertically.
+public struct Section<Parent: View, Content: View, Footer: View>: View, PrimitiveView {
+    public typealias Body = Never
+    let header: Parent, content: Content, footer: Footer
+    public init(@ViewBuilder content: () -> Content, @ViewBuilder header: () -> Parent, @ViewBuilder footer: () -> Footer) {
+        self.header = header(); self.content = content(); self.footer = footer()
+    }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        var headerContext = context.child(.id("header"))
+        headerContext.environment.font = context.environment.font ?? .subheadline.weight(.semibold)
+        headerContext.environment.foregroundStyle = AnyShapeStyle(Color.secondary)
+        var footerContext = context.child(.id("footer"))
+        footerContext.environment.font = context.environment.font ?? .footnote
+        footerContext.environment.foregroundStyle = AnyShapeStyle(Color.secondary)
+        let head = resolveView(header, headerContext)
+        let foot = resolveView(footer, footerContext)
+        let rows = resolveView(content, context.child(.id("rows")))
+        guard context.environment.inList else { return head + rows + foot }
+        return [ListMarkElement(single(head, context: headerContext), kind: .header)]
+            + rows + (foot.isEmpty ? [] : [ListMarkElement(single(foot, context: footerContext), kind: .footer)])
+    }
+}
+
+extension Section where Parent == EmptyView, Footer == EmptyView {
+    public init(@ViewBuilder content: () -> Content) { self.init(content: content, header: { EmptyView() }, footer: { EmptyView() }) }
+}
+extension Section where Footer == EmptyView {
+    public init(@ViewBuilder content: () -> Content, @ViewBuilder header: () -> Parent) {
+        self.init(content: content, header: header, footer: { EmptyView() })
+    }
+    public init(header: Parent, @ViewBuilder content: () -> Content) {
+        self.init(content: content, header: { header }, footer: { EmptyView() })
+    }
+}
+extension Section where Parent == EmptyView {
+    public init(@ViewBuilder content: () -> Content, @ViewBuilder footer: () -> Footer) {
+        self.init(content: content, header: { EmptyView() }, footer: footer)
+    }
+}
+extension Section {
+    public init(header: Parent, footer: Footer, @ViewBuilder content: () -> Content) {
+        self.init(content: content, header: { header }, footer: { footer })
+    }
+}
+extension Section where Parent == Text, Footer == EmptyView {
+    public init(_ titleKey: LocalizedStringKey, @ViewBuilder content: () -> Content) {
+        self.init(content: content, header: { Text(titleKey) }, footer: { EmptyView() })
+    }
+    @_disfavoredOverload
+    public init<S: StringProtocol>(_ title: S, @ViewBuilder content: () -> Content) {
+        self.init(content: content, header: { Text(title) }, footer: { EmptyView() })
+    }
+}
+
+/// A section's header or footer among a list's rows.
+final class ListMarkElement: WrapperElement {
+    enum Kind { case header, footer }
+    let kind: Kind
+    init(_ child: Element, kind: Kind) { self.kind = kind; super.init(child) }
+    override func place(in rect: CGRect) { frame = rect; child.place(in: rect) }
+}
+
+/// The rows of a list: each takes the full width, at least 28 points high, leading aligned;
+/// separators between rows, panels around each section when grouped.
+final class ListElement: Element {
+    let rows: [Element]
+    let grouped: Bool
+    let separator: RGBA, panel: RGBA, border: RGBA
+    static let rowInsets = EdgeInsets(top: 6, leading: 12, bottom: 6, trailing: 12)
+    static let minimumRowHeight: CGFloat = 28
+
+    init(rows: [Element], grouped: Bool, environment: EnvironmentValues) {
+        self.rows = rows; self.grouped = grouped
+        separator = Color.separator.rgba(in: environment)
+        panel = Color.controlBackground.rgba(in: environment)
+        border = Color.separator.rgba(in: environment)
+    }
+    override var children: [Element] { rows }
+
+    private var outer: CGFloat { grouped ? 16 : 0 }
+
+    private func height(of row: Element, width: CGFloat) -> CGFloat {
+        let insets = ListElement.rowInsets
+        if row is ListMarkElement {
+            return row.size(ProposedViewSize(width: max(0, width - 2 * insets.leading), height: nil)).height + 12
+        }
+        let inner = row.size(ProposedViewSize(width: max(0, width - insets.horizontal), height: nil))
+        return max(ListElement.minimumRowHeight, inner.height + insets.vertical)
+    }
+
+    override func measure(_ proposal: ProposedViewSize) -> CGSize {
+        let width = proposal.width ?? 320
+        let inner = width - 2 * outer
+        let total = rows.reduce(2 * outer) { $0 + height(of: $1, width: inner) } + sectionGaps
+        return CGSize(width: width, height: total)
+    }
+
+    private var sectionGaps: CGFloat {
+        guard grouped else { return 0 }
+        return CGFloat(rows.enumerated().filter { $0.offset > 0 && ($0.element as? ListMarkElement)?.kind == .header }.count) * 12
+    }
+
+    /// Runs of plain rows, by index range, that a grouped list draws in one panel.
+    private(set) var panels: [CGRect] = []
+    private var separators: [CGRect] = []
+
+    override func place(in rect: CGRect) {
+        frame = rect
+        panels = []; separators = []
+        let inner = rect.insetBy(dx: outer, dy: 0)
+        var y = rect.minY + outer
+        var panelStart: CGFloat?
+        let insets = ListElement.rowInsets
+        func closePanel() {
+            if let start = panelStart { panels.append(CGRect(x: inner.minX, y: start, width: inner.width, height: y - start)) }
+            panelStart = nil
+        }
+        for (index, row) in rows.enumerated() {
+            let h = height(of: row, width: inner.width)
+            if let mark = row as? ListMarkElement {
+                closePanel()
+                if grouped, mark.kind == .header, index > 0 { y += 12 }
+                let s = mark.size(ProposedViewSize(width: inner.width - 2 * insets.leading, height: nil))
+                let top = mark.kind == .header ? y + h - 4 - s.height : y + 4
+                mark.place(in: CGRect(x: inner.minX + insets.leading, y: top, width: s.width, height: s.height))
+            } else {
+                if panelStart == nil { panelStart = y } else {
+                    separators.append(CGRect(x: inner.minX + insets.leading, y: y, width: inner.width - insets.leading, height: 1))
+                }
+                let area = CGRect(x: inner.minX + insets.leading, y: y + insets.top,
+                                  width: max(0, inner.width - insets.horizontal), height: h - insets.vertical)
+                let s = row.size(ProposedViewSize(width: area.width, height: nil))
+                let placed = CGRect(x: area.minX, y: area.midY - s.height / 2, width: min(area.width, max(s.width, 0)), height: s.height)
+                row.place(in: placed)
+            }
+            y += h
+        }
+        closePanel()
+    }
+
+    override func draw(_ renderer: Renderer) {
+        if grouped {
+            for panel in panels {
+                renderer.fill(Path(roundedRect: panel, cornerRadius: 8), .solid(self.panel))
+                renderer.stroke(Path(roundedRect: panel.insetBy(dx: 0.5, dy: 0.5), cornerRadius: 8), .solid(border), StrokeStyle(lineWidth: 1))
+            }
+        }
+        for line in separators { renderer.fill(Path(line), .solid(separator)) }
+        for row in rows { row.draw(renderer) }
+    }
+
+    override func hits(_ point: CGPoint) -> [InteractiveElement]? {
+        for row in rows.reversed() { if let hit = row.hits(point) { return hit } }
+        return frame.contains(point) ? [] : nil
+    }
+}
+
+public struct ListStyleKind: Equatable, Sendable {
+    let kind: Int
+    public static let automatic = ListStyleKind(kind: 0)
+    public static let plain = ListStyleKind(kind: 0)
+    public static let inset = ListStyleKind(kind: 0)
+    public static let sidebar = ListStyleKind(kind: 0)
+    public static let grouped = ListStyleKind(kind: 1)
+    public static let insetGrouped = ListStyleKind(kind: 1)
+    public static let bordered = ListStyleKind(kind: 1)
+}
+public struct FormStyleKind: Equatable, Sendable {
+    public static let automatic = FormStyleKind()
+    public static let grouped = FormStyleKind()
+    public static let columns = FormStyleKind()
+}
+
+private enum ListStyleKey: EnvironmentKey { static let defaultValue = ListStyleKind.automatic }
+private enum InListKey: EnvironmentKey { static let defaultValue = false }
+extension EnvironmentValues {
+    var listStyle: ListStyleKind { get { self[ListStyleKey.self] } set { self[ListStyleKey.self] = newValue } }
+    var inList: Bool { get { self[InListKey.self] } set { self[InListKey.self] = newValue } }
+}
+
+extension View {
+    public func listStyle(_ style: ListStyleKind) -> some View { modifier(EnvironmentModifier { $0.listStyle = style }) }
+    public func formStyle(_ style: FormStyleKind) -> some View { self }
+    public func listRowBackground<V: View>(_ view: V?) -> some View { self }
+    public func listRowSeparator(_ visibility: Visibility, edges: VerticalEdgeSet = .all) -> some View { self }
+    public func listRowInsets(_ insets: EdgeInsets?) -> some View { self }
+    public func scrollContentBackground(_ visibility: Visibility) -> some View { self }
+    public func swipeActions<T: View>(edge: HorizontalEdge = .trailing, allowsFullSwipe: Bool = true, @ViewBuilder content: () -> T) -> some View { self }
+}
+
+public enum Visibility: Hashable, CaseIterable, Sendable { case automatic, visible, hidden }
+public struct VerticalEdgeSet: OptionSet, Sendable {
+    public let rawValue: Int
+    public init(rawValue: Int) { self.rawValue = rawValue }
+    public static let top = VerticalEdgeSet(rawValue: 1)
+    public static let bottom = VerticalEdgeSet(rawValue: 2)
+    public static let all: VerticalEdgeSet = [.top, .bottom]
+}
+
+/// A label and its value on one row: `LabeledContent("Version", value: "1.0")`.
+public struct LabeledContent<Label: View, Content: View>: View {
+    let label: Label, content: Content
+    public init(@ViewBuilder content: () -> Content, @ViewBuilder label: () -> Label) { self.label = label(); self.content = content() }
+    public var body: some View {
+        HStack { label; Spacer(); content.foregroundStyle(.secondary) }
+    }
+}
+extension LabeledContent where Label == Text, Content == Text {
+    public init<S: StringProtocol>(_ title: S, value: S) { self.init(content: { Text(value) }, label: { Text(title) }) }
+    @_disfavoredOverload
+    public init<S: StringProtocol, V: StringProtocol>(_ title: S, value: V) { self.init(content: { Text(value) }, label: { Text(title) }) }
+}
+extension LabeledContent where Label == Text {
+    public init<S: StringProtocol>(_ title: S, @ViewBuilder content: () -> Content) { self.init(content: content, label: { Text(title) }) }
+}
+
+/// A titled panel around its content.
+public struct GroupBox<Label: View, Content: View>: View {
+    let label: Label, content: Content
+    public init(@ViewBuilder content: () -> Content, @ViewBuilder label: () -> Label) { self.label = label(); self.content = content() }
+    public var body: some View {
+        VStack(alignment: .leading, spacing: 8) {
+            label.font(.headline)
+            content
+        }
+        .padding(10)
+        .frame(maxWidth: .infinity, alignment: .leading)
+        .background(RoundedRectangle(cornerRadius: 8).fill(Color.fill))
+    }
+}
+extension GroupBox where Label == EmptyView {
+    public init(@ViewBuilder content: () -> Content) { self.init(content: content, label: { EmptyView() }) }
+}
+extension GroupBox where Label == Text {
+    public init<S: StringProtocol>(_ title: S, @ViewBuilder content: () -> Content) { self.init(content: content, label: { Text(title) }) }
+}
