@@ -44,7 +44,10 @@ AgentOperations programOperations(Agent &agent)
         if (weak)
             weak->writeConversation();
     };
-    operations.relaunch = [](bool) {};
+    operations.relaunch = [weak](bool safeMode) {
+        if (weak && weak->runtime)
+            weak->runtime->relaunch(safeMode);
+    };
     operations.canUsePlan = [] { return false; };
     operations.hasAPIKey = [] { return AgentConfig::effectiveKey().has_value(); };
     Q_UNUSED(weak);

@@ -78,6 +78,17 @@ public:
     // Once per process, before the first frame: starts the console log, judges the previous
     // run, loads the version to run and begins looking for the compiler. A second call does nothing.
     void launch();
+    // Going back, building again, starting over and restarting: the version menu's, the
+    // Develop menu's and the banner's operations. Each tells the agent what changed behind its back.
+    // Restores version `number`'s sources and loads it; refused while a build runs.
+    void revert(int number);
+    QCoro::Task<> rebuild();
+    // Puts the starter app in the source folder and builds it as a new version.
+    QCoro::Task<> resetToOriginal();
+    // Hands over to a script that waits for this process to end and starts the program
+    // again, then quits in order; stays running with a banner when the script can't start.
+    void relaunch(bool safeMode);
+
     // PNG bytes of the hosted view in the key window's container, or the first shown one,
     // at most `maxWidth` pixels wide; none when no version is loaded or no container is showing.
     std::optional<QByteArray> snapshot(double maxWidth) const;
@@ -97,6 +108,8 @@ private:
     void setToolchain(Toolchain toolchain);
     void setIsBuilding(bool building);
     QCoro::Task<BuildOutcome> compileAndLoad(int number, QString summary);
+    // Puts the starter app in the source folder; false, with a banner, when that fails.
+    bool installSeed();
 
     Workspace workspace_;
     RuntimeState state_;
