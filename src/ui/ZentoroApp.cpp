@@ -1,41 +1,53 @@
 #include "ui/ZentoroApp.h"
 
 #include "agent/Agent.h"
-#include "runtime/PluginContainerView.h"
+#include "runtime/AppName.h"
+#include "runtime/Relaunch.h"
 #include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
+#include "ui/AppIcon.h"
+#include "ui/HandOver.h"
 #include "ui/MainWindow.h"
 #include "ui/QuitSignals.h"
 
 #include <QApplication>
-#include <QVBoxLayout>
 
 namespace zentoro {
 
 int ZentoroApp::run(int argc, char **argv)
 {
-    // The copy's name comes from the file the user started, before Qt resolves links.
-    Workspace::initShared(QString::fromLocal8Bit(argc > 0 ? argv[0] : ""));
+    // The copy's name and the path a restart comes back by are the file the user started,
+    // before Qt resolves links.
+    const QString argv0 = QString::fromLocal8Bit(argc > 0 ? argv[0] : "");
+    Relaunch::rememberExecutable(argv0);
 
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Zentoro"));
     QApplication::setApplicationName(QStringLiteral("Zentoro"));
     QApplication::setApplicationVersion(QStringLiteral(ZENTORO_VERSION));
-    QApplication::setApplicationDisplayName(Workspace::shared().name);
-    QApplication::setDesktopFileName(QStringLiteral("dev.vantu.zentoro"));
+    QApplication::setWindowIcon(AppIcon::icon());
 
-    Workspace::shared().lock();
+    Workspace::initShared(argv0);
+    const Workspace &workspace = Workspace::shared();
+    if (!workspace.lock()) {
+        HandOver::deferToRunningCopy(workspace);
+        return 0;
+    }
+    AppName::apply(workspace.name);
     QuitSignals::install();
+
     Runtime runtime;
+    // The agent restores its conversation and hooks itself to the runtime's events before
+    // the launch, so that the launch's reports reach the conversation.
     Agent agent;
     agent.runtime = &runtime;
     runtime.onEvent = [&agent](const QString &shown, const QString &told) { agent.note(shown, told); };
-    MainWindow window(agent);
-    auto *hosted = new QVBoxLayout(window.contentArea());
-    hosted->setContentsMargins(0, 0, 0, 0);
-    hosted->addWidget(new PluginContainerView(&runtime));
     runtime.launch();
     agent.resumeAfterLaunch();
+
+    MainWindow window(runtime, agent);
+    HandOver::Listener listener(workspace);
+    QObject::connect(&listener, &HandOver::Listener::raiseRequested, &window, &MainWindow::bringToFront);
     window.show();
     return application.exec();
 }

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace zentoro::AppName {
+
+// Shows the process under this copy's name: the application's display name, which the desktop
+// uses for its windows and task switcher. Titles that name the program are built from the same
+// name wherever they are made.
+void apply(const QString &name);
+
+} // namespace zentoro::AppName
