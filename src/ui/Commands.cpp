@@ -1,0 +1,95 @@
+#include "ui/Commands.h"
+
+#include "agent/Agent.h"
+#include "runtime/Runtime.h"
+#include "ui/ConversationMenu.h"
+#include "ui/MainWindow.h"
+#include "ui/VersionMenu.h"
+
+#include <QApplication>
+#include <QMenuBar>
+
+namespace zentoro {
+
+namespace {
+
+QKeySequence altCtrl(Qt::Key key)
+{
+    return QKeySequence(Qt::AltModifier | Qt::ControlModifier | key);
+}
+
+} // namespace
+
+ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &agent)
+    : QObject(&window), window_(window), runtime_(runtime), agent_(agent)
+{
+    QMenuBar *bar = window.menuBar();
+    const QString name = runtime.workspace().name;
+
+    QMenu *file = bar->addMenu(QStringLiteral("&File"));
+    QAction *quit = file->addAction(QStringLiteral("Quit %1").arg(name));
+    quit->setShortcut(QKeySequence::Quit);
+    connect(quit, &QAction::triggered, qApp, &QApplication::closeAllWindows);
+
+    QMenu *view = bar->addMenu(QStringLiteral("&View"));
+    toggleAgent_ = view->addAction(QString());
+    toggleAgent_->setShortcut(altCtrl(Qt::Key_I));
+    connect(toggleAgent_, &QAction::triggered, this, [this] { window_.setShowAgent(!window_.showsAgent()); });
+
+    QMenu *develop = bar->addMenu(QStringLiteral("&Develop"));
+    buildAndRun_ = develop->addAction(QStringLiteral("Build and Run"));
+    buildAndRun_->setShortcut(altCtrl(Qt::Key_B));
+    connect(buildAndRun_, &QAction::triggered, this, [this] {
+        QPointer<Runtime> target(&runtime_);
+        startTask([target](TaskHandle) -> QCoro::Task<> {
+            if (target)
+                co_await target->rebuild();
+        });
+    });
+    restart_ = develop->addAction(QStringLiteral("Restart %1").arg(name));
+    restart_->setShortcut(altCtrl(Qt::Key_R));
+    connect(restart_, &QAction::triggered, this, [this] { runtime_.relaunch(false); });
+    restartSafe_ = develop->addAction(QStringLiteral("Restart in Safe Mode"));
+    connect(restartSafe_, &QAction::triggered, this, [this] { runtime_.relaunch(true); });
+    develop->addSeparator();
+
+    goBack_ = develop->addMenu(QStringLiteral("Go Back to Version"));
+    connect(goBack_, &QMenu::aboutToShow, this, [this] {
+        goBack_->clear();
+        VersionMenu::addVersions(goBack_, runtime_);
+    });
+    reset_ = develop->addAction(QStringLiteral("Reset to Original App…"));
+    connect(reset_, &QAction::triggered, this, [this] { Reset::confirm(&window_, runtime_); });
+    develop->addSeparator();
+
+    connect(develop->addAction(QStringLiteral("Show Source Folder")), &QAction::triggered, this,
+            [this] { FileManager::reveal(runtime_.workspace().sources()); });
+    connect(develop->addAction(QStringLiteral("Show Log")), &QAction::triggered, this,
+            [this] { FileManager::reveal(runtime_.workspace().logs() + QStringLiteral("/current.log")); });
+    develop->addSeparator();
+
+    newConversation_ = develop->addAction(QStringLiteral("New Conversation"));
+    newConversation_->setShortcut(altCtrl(Qt::Key_K));
+    connect(newConversation_, &QAction::triggered, this, [this] { agent_.newConversation(); });
+    conversations_ = develop->addMenu(QStringLiteral("Conversations"));
+    connect(conversations_, &QMenu::aboutToShow, this, [this] {
+        ConversationMenu::fill(conversations_, agent_.conversations(), agent_.conversationID(),
+                               QDateTime::currentDateTime(), [this](const QUuid &id) { agent_.openConversation(id); });
+    });
+
+    for (auto signal : {&Runtime::isBuildingChanged, &Runtime::toolchainChanged, &Runtime::stateChanged})
+        connect(&runtime_, signal, this, &ZentoroCommands::sync);
+    connect(&agent_, &Agent::conversationsChanged, this, &ZentoroCommands::sync);
+    connect(&window_, &MainWindow::showAgentChanged, this, &ZentoroCommands::sync);
+    sync();
+}
+
+void ZentoroCommands::sync()
+{
+    toggleAgent_->setText(window_.showsAgent() ? QStringLiteral("Hide Agent") : QStringLiteral("Show Agent"));
+    buildAndRun_->setEnabled(!runtime_.isBuilding() && runtime_.toolchain().isReady());
+    goBack_->menuAction()->setEnabled(!runtime_.state().versions.isEmpty());
+    conversations_->menuAction()->setEnabled(!agent_.conversations().isEmpty());
+}
+
+} // namespace zentoro

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QScrollArea>
+
+class QLabel;
+class QPushButton;
+
+namespace zentoro {
+
+class Agent;
+class AgentAccessRow;
+class Runtime;
+class ToolchainRow;
+
+// What fills the window while no version is loaded: on a first start, before the first
+// build, or in safe mode. It says what the program is, shows what it needs and offers the build.
+class SetupView : public QScrollArea {
+    Q_OBJECT
+public:
+    SetupView(Runtime &runtime, Agent &agent, QWidget *parent = nullptr);
+
+    ToolchainRow *toolchainRow() const { return toolchain_; }
+    AgentAccessRow *accessRow() const { return access_; }
+    // The status under the box: what is going on, or what can be done.
+    QString statusText() const;
+    QPushButton *statusButton() const { return button_; }
+
+private:
+    void sync();
+    // The version a safe-mode start can run: the current one, else the newest.
+    std::optional<int> versionToRun() const;
+
+    Runtime &runtime_;
+    ToolchainRow *toolchain_;
+    AgentAccessRow *access_;
+    QWidget *building_;
+    QLabel *status_;
+    QPushButton *button_;
+};
+
+} // namespace zentoro
