@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QPainter>
 
 #include <cmath>
@@ -158,8 +159,31 @@ void drawText(QPainter &painter, const ZentoroText &text, const QRectF &rect)
 {
     Paragraph paragraph;
     layOut(paragraph, text, rect.width() + 0.5);
-    for (int i = 0; i < paragraph.lineCount; ++i)
-        paragraph.layout.lineAt(i).draw(&painter, rect.topLeft());
+    // Lines below the frame are not shown; the last line shown ends in "…" when text is left over.
+    int shown = 0;
+    while (shown < paragraph.lineCount
+           && (shown == 0 || paragraph.layout.lineAt(shown).rect().bottom() <= rect.height() + 1))
+        ++shown;
+    const QString whole = paragraph.layout.text();
+    for (int i = 0; i < shown; ++i) {
+        const QTextLine line = paragraph.layout.lineAt(i);
+        const int end = line.textStart() + line.textLength();
+        if (i < shown - 1 || end >= whole.size() || text.runCount == 0) {
+            line.draw(&painter, rect.topLeft());
+            continue;
+        }
+        const QFont lineFont = font(text.runs[0].font);
+        const QString rest = whole.mid(line.textStart()).replace(QChar::LineSeparator, u' ');
+        const QString elided = QFontMetricsF(lineFont).elidedText(rest, Qt::ElideRight, rect.width() + 0.5);
+        painter.save();
+        painter.setFont(lineFont);
+        painter.setPen(QPen(brush(text.runs[0].paint), 1));
+        const int flags = text.alignment == ZENTORO_ALIGN_CENTER     ? Qt::AlignHCenter
+                          : text.alignment == ZENTORO_ALIGN_TRAILING ? Qt::AlignRight
+                                                                     : Qt::AlignLeft;
+        painter.drawText(QRectF(rect.left(), rect.top() + line.y(), rect.width() + 0.5, line.height()), flags | Qt::AlignTop, elided);
+        painter.restore();
+    }
 }
 
 void drawShadow(QPainter &painter, const QPainterPath &path, const QColor &color, double radius, QPointF offset)

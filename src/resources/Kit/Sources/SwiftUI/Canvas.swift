@@ -156,18 +156,14 @@ public struct GraphicsContext {
 /// Redraws its content on a schedule: `TimelineView(.periodic(from: .now, by: 1)) { context in ... }`.
 public struct TimelineView<Schedule: TimelineSchedule, Content: View>: View, PrimitiveView {
     public typealias Body = Never
-    public struct Context {
-        public let date: Date
-        public let cadence: Cadence
-        public enum Cadence: Comparable, Sendable { case live, seconds, minutes }
-    }
+    public typealias Context = TimelineViewDefaultContext
     let schedule: Schedule
     let content: (Context) -> Content
     public init(_ schedule: Schedule, @ViewBuilder content: @escaping (Context) -> Content) {
         self.schedule = schedule; self.content = content
     }
     func resolve(_ context: ResolveContext) -> [Element] {
-        let (node, isNew) = context.graph.storage(at: context.path)
+        let (node, isNew) = context.graph.storage(at: context.child(.id("timeline")).path)
         if isNew {
             let graph = context.graph
             let interval = max(1.0 / 60, schedule.interval)
@@ -181,6 +177,12 @@ public struct TimelineView<Schedule: TimelineSchedule, Content: View>: View, Pri
         return resolveView(content(Context(date: now, cadence: schedule.interval >= 60 ? .minutes : schedule.interval >= 1 ? .seconds : .live)),
                            context.child(.index(0)))
     }
+}
+
+public struct TimelineViewDefaultContext {
+    public let date: Date
+    public let cadence: Cadence
+    public enum Cadence: Comparable, Sendable { case live, seconds, minutes }
 }
 
 public protocol TimelineSchedule {

@@ -459,7 +459,7 @@ public struct ScrollView<Content: View>: View, PrimitiveView {
         inner.stackAxis = axis
         let children = resolveView(content, inner)
         let body = children.count == 1 ? children[0] : StackElement(axis: axis, crossFraction: 0.5, spacing: nil, children: children)
-        let state = context.graph.storage(at: context.path).0.slot(0) { ScrollState() }
+        let state = context.graph.storage(at: context.child(.id("scroll")).path).0.slot(0) { ScrollState() }
         return [ScrollElement(body, axis: axis, state: state, graph: context.graph,
                               indicator: showsIndicators ? Color.secondary.rgba(in: context.environment).withAlpha(0.6) : nil)]
     }

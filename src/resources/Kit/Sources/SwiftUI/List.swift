@@ -44,7 +44,7 @@ private func resolveRows<Content: View>(_ content: Content, context: ResolveCont
     inner.environment.inList = true
     let rows = resolveView(content, inner)
     let list = ListElement(rows: rows, grouped: grouped, environment: context.environment)
-    let state = context.graph.storage(at: context.path).0.slot(0) { ScrollState() }
+    let state = context.graph.storage(at: context.child(.id("scroll")).path).0.slot(0) { ScrollState() }
     return [ScrollElement(list, axis: .vertical, state: state, graph: context.graph,
                           indicator: Color.secondary.rgba(in: context.environment).withAlpha(0.6))]
 }
@@ -284,4 +284,18 @@ extension GroupBox where Label == EmptyView {
 }
 extension GroupBox where Label == Text {
     public init<S: StringProtocol>(_ title: S, @ViewBuilder content: () -> Content) { self.init(content: content, label: { Text(title) }) }
+}
+
+extension RangeReplaceableCollection where Self: MutableCollection {
+    /// Removes the elements at `offsets`, as a list's delete action hands them over.
+    public mutating func remove(atOffsets offsets: IndexSet) {
+        for offset in offsets.sorted(by: >) { remove(at: index(startIndex, offsetBy: offset)) }
+    }
+    /// Moves the elements at `source` to before the element at `destination`.
+    public mutating func move(fromOffsets source: IndexSet, toOffset destination: Int) {
+        let moving = source.map { self[index(startIndex, offsetBy: $0)] }
+        let before = source.filter { $0 < destination }.count
+        remove(atOffsets: source)
+        insert(contentsOf: moving, at: index(startIndex, offsetBy: destination - before))
+    }
 }

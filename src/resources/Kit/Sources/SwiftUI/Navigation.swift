@@ -62,7 +62,7 @@ public struct NavigationStack<Root: View>: View, PrimitiveView {
     }
 
     func resolve(_ context: ResolveContext) -> [Element] {
-        let model = context.graph.storage(at: context.path).0.slot(0) { NavigationModel() }
+        let model = context.graph.storage(at: context.child(.id("navigation")).path).0.slot(0) { NavigationModel() }
         model.graph = context.graph
         model.path = path
         model.destinations = [:]
@@ -97,7 +97,7 @@ public struct NavigationSplitView<Sidebar: View, Content: View, Detail: View>: V
         self.sidebar = sidebar(); self.content = content(); self.detail = detail()
     }
     func resolve(_ context: ResolveContext) -> [Element] {
-        let model = context.graph.storage(at: context.path).0.slot(0) { NavigationModel() }
+        let model = context.graph.storage(at: context.child(.id("navigation")).path).0.slot(0) { NavigationModel() }
         model.graph = context.graph
         model.destinations = [:]
         var inner = context

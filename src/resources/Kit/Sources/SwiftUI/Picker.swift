@@ -146,7 +146,7 @@ final class PopupState {
 @MainActor
 func resolveMenu(label: AnyView, items: [Element], selected: Int?, choose: @escaping (Int) -> Void, context: ResolveContext) -> Element {
     let graph = context.graph
-    let state = graph.storage(at: context.path).0.slot(1) { PopupState() }
+    let state = graph.storage(at: context.child(.id("popup")).path).0.slot(0) { PopupState() }
     let buttonContext = context.child(.id("button"))
     let button = single(resolveView(MenuButton(label: label) { state.open.toggle(); graph.invalidate() }, buttonContext),
                         context: buttonContext)
@@ -196,7 +196,7 @@ private struct MenuItems: View {
         .padding(4)
         .fixedSize()
         .background(RoundedRectangle(cornerRadius: 6).fill(Color.controlBackground).shadow(color: .black.opacity(0.25), radius: 6, y: 2))
-        .overlay(RoundedRectangle(cornerRadius: 6).strokeBorder(Color.separator, lineWidth: 1))
+        .overlay(RoundedRectangle(cornerRadius: 6).strokeBorder(Color.separator, lineWidth: 1).allowsHitTesting(false))
     }
 }
 

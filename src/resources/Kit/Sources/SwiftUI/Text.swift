@@ -256,6 +256,8 @@ final class TextElement: Element {
         guard let width = proposal.width, width < ideal.width else { return ideal }
         guard let host else { return .zero }
         let wrapped = host.measure(runs, maxWidth: max(0, width), lineLimit: lineLimit)
+        // Text cut short by its line limit fills the width, so its last line can end in "…".
+        if lineLimit != nil { return CGSize(width: max(0, width), height: wrapped.height) }
         // Words longer than the width break anywhere, so text never overflows what it accepts.
         return CGSize(width: min(wrapped.width, ideal.width, max(0, width)), height: wrapped.height)
     }

@@ -1,0 +1,198 @@
+import Testing
+@testable import SwiftUI
+
+private enum Flavor: String, CaseIterable, Identifiable {
+    case vanilla, chocolate, mint
+    var id: Self { self }
+}
+
+private struct Chooser: View {
+    @State var flavor = Flavor.vanilla
+    let segmented: Bool
+    var body: some View {
+        VStack {
+            if segmented {
+                Picker("Flavor", selection: $flavor) {
+                    ForEach(Flavor.allCases) { Text($0.rawValue.capitalized) }
+                }
+                .pickerStyle(.segmented)
+            } else {
+                Picker("Flavor", selection: $flavor) {
+                    ForEach(Flavor.allCases) { Text($0.rawValue.capitalized).tag($0) }
+                }
+            }
+            Text("chose \(flavor.rawValue)")
+        }
+    }
+}
+
+private struct Shelf: View {
+    @State var items = ["one", "two", "three"]
+    var body: some View {
+        NavigationStack {
+            List {
+                Section("Books") {
+                    ForEach(items, id: \.self) { item in
+                        NavigationLink(item) { Text("detail \(item)").navigationTitle(item.uppercased()) }
+                    }
+                    .onDelete { items.remove(atOffsets: $0) }
+                }
+            }
+            .navigationTitle("Shelf")
+            .toolbar { Button("Add") { items.append("new") } }
+        }
+    }
+}
+
+private struct Warning: View {
+    @State var shown = false
+    @State var answer = "none"
+    var body: some View {
+        VStack {
+            Button("Ask") { shown = true }
+            Text("answer \(answer)")
+        }
+        .alert("Delete all?", isPresented: $shown) {
+            Button("Delete", role: .destructive) { answer = "deleted" }
+            Button("Cancel", role: .cancel) {}
+        } message: {
+            Text("This cannot be undone.")
+        }
+    }
+}
+
+@MainActor @Suite struct ContainerTests {
+    @Test func listRowsStackWithSectionHeadersAndSeparators() {
+        let hosted = Hosted(List { Section("Fruit") { Text("apple"); Text("pear") }; Text("loose") }, width: 300, height: 300)
+        let header = hosted.text("Fruit")!.rect, apple = hosted.text("apple")!.rect, pear = hosted.text("pear")!.rect
+        #expect(header.maxY <= apple.minY)
+        checkEqual(apple.minX, ListElement.rowInsets.leading, accuracy: 0.5, "rows are leading aligned")
+        checkEqual(pear.midY - apple.midY, ListElement.minimumRowHeight, accuracy: 0.5, "short rows are 28 high")
+        // A separator line between apple and pear, none above the first row.
+        let separators = hosted.double.fills.map(\.bounds).filter { $0.height == 1 }
+        #expect(separators.contains { $0.minY > apple.maxY && $0.maxY < pear.minY })
+        #expect(!separators.contains { $0.maxY <= apple.minY && $0.minY >= header.maxY })
+    }
+
+    @Test func formGroupsSectionsInPanels() {
+        let hosted = Hosted(Form { Section("A") { Text("x") }; Section("B") { Text("y"); Text("z") } }, width: 300, height: 300)
+        let panels = hosted.double.fills.filter { $0.bounds.width == 300 - 32 }.map(\.bounds)
+        checkEqual(panels.count, 2)
+        #expect(panels[1].height > panels[0].height)
+    }
+
+    @Test func longListsScroll() {
+        let hosted = Hosted(List(0..<100, id: \.self) { Text("item \($0)") }, width: 200, height: 200)
+        #expect(hosted.text("item 0") != nil)
+        #expect(_zentoroViewScroll(hosted.view, 50, 50, 0, 600) == 1)
+        hosted.render()
+        #expect(hosted.text("item 0").map { $0.rect.maxY < 0 } ?? true)
+        #expect(hosted.double.texts.contains { $0.string.hasPrefix("item 2") && $0.rect.minY > 0 && $0.rect.maxY < 200 })
+    }
+
+    @Test func segmentedPickerChoosesByForEachIdentity() {
+        let hosted = Hosted(Chooser(segmented: true), width: 400, height: 200)
+        checkNotNil(hosted.text("chose vanilla"))
+        hosted.click("Mint")
+        checkNotNil(hosted.text("chose mint"), "\(hosted.strings)")
+    }
+
+    @Test func menuPickerOpensAListAndClosesOnChoice() {
+        let hosted = Hosted(Chooser(segmented: false), width: 400, height: 300)
+        #expect(hosted.strings.filter { $0 == "Chocolate" }.isEmpty, "closed, only the current choice shows")
+        hosted.click("Vanilla")
+        checkEqual(hosted.strings.filter { $0 == "Chocolate" }.count, 1)
+        hosted.click("Chocolate")
+        checkNotNil(hosted.text("chose chocolate"))
+        #expect(hosted.text("Mint") == nil, "the list closed")
+        // A click outside an open list closes it without choosing.
+        hosted.click("Chocolate")
+        hosted.click(CGPoint(x: 5, y: 295))
+        #expect(hosted.text("Mint") == nil)
+        checkNotNil(hosted.text("chose chocolate"))
+    }
+
+    @Test func navigationPushesWithTitleBackButtonToolbarAndDeletes() {
+        let hosted = Hosted(Shelf(), width: 400, height: 300)
+        checkNotNil(hosted.text("Shelf"))
+        hosted.click("Add")
+        checkNotNil(hosted.text("new"))
+        hosted.click("two")
+        checkNotNil(hosted.text("detail two"))
+        checkNotNil(hosted.text("TWO"), "the pushed view's title")
+        #expect(hosted.text("one") == nil)
+        hosted.click("Back")
+        checkNotNil(hosted.text("one"))
+        // Hover a row, then its delete button removes it.
+        let row = hosted.text("one")!.rect
+        _ = _zentoroViewPointer(hosted.view, 1, row.midX, row.midY, 0, 0)
+        hosted.render()
+        hosted.click(CGPoint(x: 400 - 12 - 15, y: row.midY))
+        #expect(hosted.text("one") == nil, "\(hosted.strings)")
+        checkNotNil(hosted.text("three"))
+    }
+
+    @Test func alertsShowOverTheWindowAndCloseWithTheirButtons() {
+        let hosted = Hosted(Warning(), width: 400, height: 300)
+        #expect(hosted.text("Delete all?") == nil)
+        hosted.click("Ask")
+        checkNotNil(hosted.text("This cannot be undone."))
+        hosted.click("answer none")
+        checkNotNil(hosted.text("Delete all?"), "clicks behind the alert do nothing")
+        hosted.click("Delete")
+        checkNotNil(hosted.text("answer deleted"))
+        #expect(hosted.text("Delete all?") == nil)
+    }
+
+    @Test func gridsFillColumnsRowByRow() {
+        let columns = [GridItem(.flexible()), GridItem(.flexible()), GridItem(.flexible())]
+        let hosted = Hosted(LazyVGrid(columns: columns, spacing: 10) { ForEach(0..<7) { Text("c\($0)").frame(height: 20) } },
+                            width: 316, height: 200)
+        let c0 = hosted.text("c0")!.rect, c1 = hosted.text("c1")!.rect, c3 = hosted.text("c3")!.rect, c6 = hosted.text("c6")!.rect
+        checkEqual(c0.midY, c1.midY, accuracy: 0.5)
+        checkEqual(c1.midX - c0.midX, 108, accuracy: 0.5, "three columns of 100 with gaps of 8")
+        checkEqual(c3.midX, c0.midX, accuracy: 0.5)
+        checkEqual(c3.midY - c0.midY, 30, accuracy: 0.5)
+        checkEqual(c6.midY - c3.midY, 30, accuracy: 0.5)
+        let adaptive = GridElement(columns: [GridItem(.adaptive(minimum: 80))], rowSpacing: nil, cells: [], transposed: false)
+        checkEqual(adaptive.tracks(across: 350).count, 4, "as many columns of 80 as fit with gaps")
+    }
+
+    @Test func lazyStacksMakeOnlyTheRowsInView() {
+        var made = 0
+        let hosted = Hosted(ScrollView {
+            LazyVStack(spacing: 0) {
+                ForEach(0..<10_000, id: \.self) { index in
+                    let _ = made += 1
+                    Text("row \(index)").frame(height: 20)
+                }
+            }
+        }, width: 200, height: 100)
+        #expect(made < 20, "\(made) rows made")
+        checkEqual(hosted.text("row 4")!.rect.midY, 90, accuracy: 0.5)
+        #expect(_zentoroViewScroll(hosted.view, 50, 50, 0, 100_000) == 1)
+        hosted.render()
+        checkEqual(hosted.text("row 5000")!.rect.midY, 10, accuracy: 0.5)
+        #expect(made < 40)
+    }
+
+    @Test func canvasDrawsWhatItsContextIsGiven() {
+        let hosted = Hosted(Canvas { context, size in
+            var copy = context
+            copy.translateBy(x: 10, y: 0)
+            copy.fill(Path(CGRect(x: 0, y: 0, width: size.width / 2, height: 10)), with: .color(.red))
+            context.stroke(Path(ellipseIn: CGRect(x: 0, y: 20, width: 30, height: 30)), with: .color(.blue), lineWidth: 2)
+            context.draw(Text("label"), at: CGPoint(x: 50, y: 50), anchor: .topLeading)
+        }.frame(width: 100, height: 100), width: 100, height: 100)
+        checkEqual(hosted.double.fills.map(\.bounds), [CGRect(x: 10, y: 0, width: 50, height: 10)])
+        checkEqual(hosted.double.strokes, [CGRect(x: 0, y: 20, width: 30, height: 30)])
+        checkEqual(hosted.text("label")!.rect.origin, CGPoint(x: 50, y: 50))
+    }
+
+    @Test func lineLimitedTextFillsTheOfferedWidth() {
+        let hosted = Hosted(Text("a long line of words here").lineLimit(1).frame(width: 60), width: 200, height: 100)
+        let rect = hosted.text("a long line of words here")!.rect
+        checkEqual(rect.width, 60, accuracy: 0.01)
+        checkEqual(rect.height, 16, accuracy: 0.01)
+    }
+}
