@@ -80,6 +80,7 @@ void MainWindow::makeToolbar()
     version_->setIcon(Icons::icon(QStringLiteral("clock.arrow.circlepath"), ink));
     version_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     version_->setPopupMode(QToolButton::InstantPopup);
+    version_->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; width: 0; }"));
     version_->setToolTip(QStringLiteral("Versions: go back to an earlier build"));
     auto *menu = new QMenu(version_);
     connect(menu, &QMenu::aboutToShow, this, [this, menu] { VersionMenu::fill(menu, runtime_, this); });

@@ -26,7 +26,7 @@ class NeedsBox : public QFrame {
 public:
     NeedsBox()
     {
-        setMaximumWidth(boxWidth);
+        setFixedWidth(boxWidth);
         setObjectName(QStringLiteral("needs"));
         setStyleSheet(QStringLiteral("#needs { background: palette(alternate-base); border-radius: 12px; }"));
     }
@@ -59,7 +59,8 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
                                             "app's Swift code, compiles it, and swaps in the new version while you watch."));
     pitch->setWordWrap(true);
     pitch->setAlignment(Qt::AlignHCenter);
-    pitch->setMaximumWidth(introWidth);
+    // A wrapped label only finds its height at a known width.
+    pitch->setFixedWidth(introWidth);
     PanelStyle::setTextColor(pitch, PanelStyle::secondary(palette()));
     intro->addWidget(pitch, 0, Qt::AlignHCenter);
     outer->addLayout(intro);
