@@ -118,9 +118,12 @@ TEST(KitApps, TodoListAddsChecksDeletesAndKeepsItsItemsAcrossRestarts)
         QTest::keyClick(fields.first(), Qt::Key_Return);
         ASSERT_TRUE(test::spinUntil([&] { return fields.first()->text().isEmpty(); })) << "the field clears after adding";
 
-        // The new row's empty circle sits at the leading edge of the list; a click checks it.
+        // The new row's empty circle sits before its title (the first dark text under the field,
+        // below the grey section header); a click checks it.
         const QImage listed = window.image();
-        const auto circle = find(listed, greyish, QRect(0, fields.first()->geometry().bottom() + 30, 60, 200));
+        const auto title = find(listed, black, QRect(0, fields.first()->geometry().bottom() + 10, 800, 200));
+        ASSERT_TRUE(title.has_value());
+        const auto circle = find(listed, greyish, QRect(0, title->y() - 10, title->x(), 30));
         ASSERT_TRUE(circle.has_value());
         EXPECT_EQ(count(listed, green, listed.rect()), 0);
         window.click(*circle + QPoint(2, 6));
