@@ -28,6 +28,14 @@ JSON response(std::initializer_list<JSON> output, const QString &id = QStringLit
     return JSON::object({{"id", id}, {"status", "completed"}, {"output", JSON::array(output)}});
 }
 
+// A model service that answers nothing until the run is stopped, as a reply aborted by the stop.
+QCoro::Task<JSON> respondOnlyToAStop(const TaskHandle &task, const QString &, const JSON &,
+                                     const std::function<void(const JSON &)> &)
+{
+    co_await sleep(task, 10s);
+    throw NetworkError(QNetworkReply::OperationCanceledError, "cancelled");
+}
+
 // Drives an Agent through fakes of everything a run calls.
 struct Harness {
     std::deque<std::function<JSON()>> script;
@@ -340,11 +348,7 @@ TEST(AgentLoop, FailuresEndInOneErrorRowAndKeepTheInput)
 TEST(AgentLoop, AStopWhileWaitingForTheModelShowsStoppedNotAnError)
 {
     Harness harness;
-    harness.agent.operations().respond = [](const TaskHandle &task, const QString &, const JSON &,
-                                            const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
-        co_await sleep(task, 10s);
-        throw NetworkError(QNetworkReply::OperationCanceledError, "cancelled");
-    };
+    harness.agent.operations().respond = respondOnlyToAStop;
     harness.agent.send("hi");
     harness.agent.task().cancel();
     ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }, 2s));
@@ -396,11 +400,7 @@ TEST(AgentLoop, ActivityFollowsTheItemsAsTheyStart)
 TEST(AgentLoop, AfterStoppingWaitsForTheRunToEnd)
 {
     Harness harness;
-    harness.agent.operations().respond = [](const TaskHandle &task, const QString &, const JSON &,
-                                            const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
-        co_await sleep(task, 10s);
-        throw NetworkError(QNetworkReply::OperationCanceledError, "cancelled");
-    };
+    harness.agent.operations().respond = respondOnlyToAStop;
     harness.agent.send("hi");
     bool ran = false;
     bool runningWhenRan = true;
