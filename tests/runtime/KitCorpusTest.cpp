@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThreadPool>
 
 #include <dlfcn.h>
 #include <sys/wait.h>
@@ -21,6 +22,9 @@ namespace {
 // Loads the library and paints one frame in a child process, so a crash is counted, not fatal.
 bool rendersWithoutCrash(const QString &library)
 {
+    // The raster engine hands large fills to the global pool's idle workers; a forked child has
+    // none of those threads and would wait on them for ever, so the parent joins them first.
+    QThreadPool::globalInstance()->waitForDone();
     const pid_t child = fork();
     if (child == 0) {
         void *handle = dlopen(library.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL);
