@@ -34,14 +34,7 @@ QString appSource(const QString &name)
 
 void *loadApp(const QString &name)
 {
-    QString error;
-    const QString library = test::buildApp(QStringLiteral("Ref") + name, appSource(name), &error);
-    EXPECT_FALSE(library.isEmpty()) << error.toStdString();
-    if (library.isEmpty())
-        return nullptr;
-    void *handle = dlopen(library.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL);
-    EXPECT_NE(handle, nullptr) << dlerror();
-    return handle;
+    return test::loadApp(QStringLiteral("Ref") + name, appSource(name));
 }
 
 struct Window {

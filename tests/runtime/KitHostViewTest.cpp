@@ -85,14 +85,7 @@ struct AppRoot: View {
 
 void *load(const char *module, const char *source)
 {
-    QString error;
-    const QString library = test::buildApp(QString::fromLatin1(module), QString::fromUtf8(source), &error);
-    EXPECT_FALSE(library.isEmpty()) << error.toStdString();
-    if (library.isEmpty())
-        return nullptr;
-    void *handle = dlopen(library.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL);
-    EXPECT_NE(handle, nullptr) << dlerror();
-    return handle;
+    return test::loadApp(QString::fromLatin1(module), QString::fromUtf8(source));
 }
 
 void *makeRoot(void *handle)

@@ -5,6 +5,10 @@
 #include "runtime/Shell.h"
 
 #include <QDir>
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
 #include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -59,6 +63,18 @@ QString buildApp(const QString &module, const QString &source, QString *error)
         return {};
     }
     return output;
+}
+
+void *loadApp(const QString &module, const QString &source)
+{
+    QString error;
+    const QString library = buildApp(module, source, &error);
+    EXPECT_FALSE(library.isEmpty()) << error.toStdString();
+    if (library.isEmpty())
+        return nullptr;
+    void *handle = dlopen(library.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL);
+    EXPECT_NE(handle, nullptr) << dlerror();
+    return handle;
 }
 
 } // namespace zentoro::test

@@ -18,6 +18,10 @@ const Kit::Build &sharedKit();
 // as an app build does; returns its path, or an empty string and the compiler's words.
 QString buildApp(const QString &module, const QString &source, QString *error);
 
+// Builds the app as `buildApp` does and opens its library; none, with a test failure, when
+// either step fails.
+void *loadApp(const QString &module, const QString &source);
+
 } // namespace zentoro::test
 
 // Skips the test, saying why, when no Swift compiler is installed.
