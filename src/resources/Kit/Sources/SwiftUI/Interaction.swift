@@ -43,7 +43,7 @@ class InteractiveElement: WrapperElement {
 
     override func hits(_ point: CGPoint) -> [InteractiveElement]? {
         if let inner = child.hits(point) { return inner + [self] }
-        return catchesWholeFrame && frame.contains(point) ? [self] : nil
+        return (catchesWholeFrame && frame.contains(point)) || child.contains(point) ? [self] : nil
     }
 
     /// Begins a press; returns true to show it as pressed.

@@ -42,11 +42,23 @@ private func resolveRows<Content: View>(_ content: Content, context: ResolveCont
     var inner = context
     inner.stackAxis = nil
     inner.environment.inList = true
-    let rows = resolveView(content, inner)
-    let list = ListElement(rows: rows, grouped: grouped, environment: context.environment)
+    let list = lazyRows(content, context: inner, grouped: grouped)
+        ?? ListElement(rows: resolveView(content, inner), grouped: grouped, environment: context.environment)
     let state = context.graph.storage(at: context.child(.id("scroll")).path).0.slot(0) { ScrollState() }
     return [ScrollElement(list, axis: .vertical, state: state, graph: context.graph,
                           indicator: Color.secondary.rgba(in: context.environment).withAlpha(0.6))]
+}
+
+/// Lists longer than this, made from one ForEach, make only the rows in view.
+private let eagerRowLimit = 100
+
+@MainActor
+private func lazyRows<Content: View>(_ content: Content, context: ResolveContext, grouped: Bool) -> Element? {
+    guard let rows = content as? any LazyRows, rows.rowCount > eagerRowLimit else { return nil }
+    let first = rows.resolveRow(0, context)
+    guard !first.isEmpty, !first.contains(where: { $0 is ListMarkElement }) else { return nil }
+    return LazyListElement(first: first, count: rows.rowCount, grouped: grouped, environment: context.environment,
+                           graph: context.graph) { rows.resolveRow($0, context) }
 }
 
 /// A header (and footer) above a group of rows; outside a list its rows stack vertically.
@@ -202,6 +214,94 @@ final class ListElement: Element {
 
     override func hits(_ point: CGPoint) -> [InteractiveElement]? {
         for row in rows.reversed() { if let hit = row.hits(point) { return hit } }
+        return frame.contains(point) ? [] : nil
+    }
+}
+
+/// The rows of a long list made from one ForEach: only the rows in view are made, each as
+/// high as the first, so scrolling costs the same for a hundred rows or for ten thousand.
+final class LazyListElement: Element {
+    let items: Int, perItem: Int
+    let grouped: Bool
+    unowned let graph: ViewGraph
+    let make: (Int) -> [Element]
+    let separator: RGBA, panel: RGBA, border: RGBA
+    private var made: [Int: [Element]] = [:]
+    private var separators: [CGRect] = []
+    private var panelRect = CGRect.null
+
+    init(first: [Element], count: Int, grouped: Bool, environment: EnvironmentValues, graph: ViewGraph,
+         make: @escaping (Int) -> [Element]) {
+        items = count; perItem = first.count; self.grouped = grouped; self.graph = graph; self.make = make
+        separator = Color.separator.rgba(in: environment)
+        panel = Color.controlBackground.rgba(in: environment)
+        border = Color.separator.rgba(in: environment)
+        made[0] = first
+    }
+    override var children: [Element] { made.keys.sorted().flatMap { made[$0] ?? [] } }
+
+    private var outer: CGFloat { grouped ? 16 : 0 }
+    private var rowCount: Int { items * perItem }
+
+    private func item(_ index: Int) -> [Element] {
+        if let known = made[index] { return known }
+        let elements = make(index)
+        made[index] = elements
+        return elements
+    }
+    private func row(_ index: Int) -> Element? {
+        let elements = item(index / perItem)
+        return index % perItem < elements.count ? elements[index % perItem] : nil
+    }
+    private func rowHeight(width: CGFloat) -> CGFloat {
+        let insets = ListElement.rowInsets
+        let first = item(0)[0].size(ProposedViewSize(width: max(0, width - insets.horizontal), height: nil))
+        return max(ListElement.minimumRowHeight, first.height + insets.vertical)
+    }
+
+    override func measure(_ proposal: ProposedViewSize) -> CGSize {
+        let width = proposal.width ?? 320
+        return CGSize(width: width, height: 2 * outer + CGFloat(rowCount) * rowHeight(width: width - 2 * outer))
+    }
+
+    override func place(in rect: CGRect) {
+        frame = rect
+        separators = []
+        let inner = rect.insetBy(dx: outer, dy: 0)
+        let step = rowHeight(width: inner.width)
+        let top = rect.minY + outer
+        panelRect = CGRect(x: inner.minX, y: top, width: inner.width, height: CGFloat(rowCount) * step)
+        let visible = (graph.viewports.last ?? rect).intersection(panelRect)
+        guard !visible.isNull, !visible.isEmpty else { made = [:]; return }
+        let first = max(0, Int(((visible.minY - top) / step).rounded(.down)))
+        let last = min(rowCount - 1, Int(((visible.maxY - top) / step).rounded(.down)))
+        let insets = ListElement.rowInsets
+        for index in first...max(first, last) {
+            guard let element = row(index) else { continue }
+            let y = top + CGFloat(index) * step
+            if index > 0 {
+                separators.append(CGRect(x: inner.minX + insets.leading, y: y, width: inner.width - insets.leading, height: 1))
+            }
+            let area = CGRect(x: inner.minX + insets.leading, y: y + insets.top,
+                              width: max(0, inner.width - insets.horizontal), height: step - insets.vertical)
+            let s = element.size(ProposedViewSize(width: area.width, height: nil))
+            element.place(in: CGRect(x: area.minX, y: area.midY - s.height / 2, width: min(area.width, max(s.width, 0)), height: s.height))
+        }
+        let shown = (first / perItem)...(max(first, last) / perItem)
+        made = made.filter { shown.contains($0.key) }
+    }
+
+    override func draw(_ renderer: Renderer) {
+        if grouped, !panelRect.isNull {
+            renderer.fill(Path(roundedRect: panelRect, cornerRadius: 8), .solid(panel))
+            renderer.stroke(Path(roundedRect: panelRect.insetBy(dx: 0.5, dy: 0.5), cornerRadius: 8), .solid(border), StrokeStyle(lineWidth: 1))
+        }
+        for line in separators { renderer.fill(Path(line), .solid(separator)) }
+        for row in children { row.draw(renderer) }
+    }
+
+    override func hits(_ point: CGPoint) -> [InteractiveElement]? {
+        for row in children.reversed() { if let hit = row.hits(point) { return hit } }
         return frame.contains(point) ? [] : nil
     }
 }

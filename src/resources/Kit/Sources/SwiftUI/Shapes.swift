@@ -66,6 +66,11 @@ final class ShapeElement: Element {
     override func contains(_ point: CGPoint) -> Bool {
         frame.contains(point) && (view.stroke != nil || path(in: frame).contains(point))
     }
+    /// A stroke alone lets the pointer through to what lies beneath, as a ring or a border
+    /// drawn over a control does; a gesture on the stroke still catches its frame.
+    override func hits(_ point: CGPoint) -> [InteractiveElement]? {
+        view.stroke == nil && contains(point) ? [] : nil
+    }
     override func outline() -> Path? { path(in: frame) }
 }
 

@@ -158,9 +158,9 @@ private struct Warning: View {
         checkEqual(adaptive.tracks(across: 350).count, 4, "as many columns of 80 as fit with gaps")
     }
 
-    @Test func lazyStacksMakeOnlyTheRowsInView() {
+    @Test func lazyStacksAndLongListsMakeOnlyTheRowsInView() {
         var made = 0
-        let hosted = Hosted(ScrollView {
+        let stack = Hosted(ScrollView {
             LazyVStack(spacing: 0) {
                 ForEach(0..<10_000, id: \.self) { index in
                     let _ = made += 1
@@ -169,10 +169,25 @@ private struct Warning: View {
             }
         }, width: 200, height: 100)
         #expect(made < 20, "\(made) rows made")
-        checkEqual(hosted.text("row 4")!.rect.midY, 90, accuracy: 0.5)
-        #expect(_zentoroViewScroll(hosted.view, 50, 50, 0, 100_000) == 1)
-        hosted.render()
-        checkEqual(hosted.text("row 5000")!.rect.midY, 10, accuracy: 0.5)
+        checkEqual(stack.text("row 4")!.rect.midY, 90, accuracy: 0.5)
+        #expect(_zentoroViewScroll(stack.view, 50, 50, 0, 100_000) == 1)
+        stack.render()
+        checkEqual(stack.text("row 5000")!.rect.midY, 10, accuracy: 0.5)
+        #expect(made < 40)
+
+        made = 0
+        let list = Hosted(List(0..<10_000, id: \.self) { index in
+            let _ = made += 1
+            Text("item \(index)")
+        }, width: 200, height: 280)
+        #expect(made < 20, "\(made) rows made")
+        let step = ListElement.minimumRowHeight
+        checkEqual(list.text("item 1")!.rect.midY - list.text("item 0")!.rect.midY, step, accuracy: 0.5)
+        #expect(list.double.fills.filter { $0.bounds.height == 1 }.count >= 9, "separators between the rows in view")
+        #expect(_zentoroViewScroll(list.view, 50, 50, 0, step * 5000) == 1)
+        list.render()
+        checkEqual(list.text("item 5000")!.rect.minY, list.text("item 5001")!.rect.minY - step, accuracy: 0.5)
+        #expect(list.text("item 0") == nil)
         #expect(made < 40)
     }
 

@@ -111,7 +111,31 @@ private struct Stored: View {
     var body: some View { Button("launches \(launches)") { launches += 1 } }
 }
 
+private struct Ringed: View {
+    @State var presses = 0
+    @State var ringTaps = 0
+    var body: some View {
+        VStack {
+            Button("pressed \(presses)") { presses += 1 }
+                .frame(width: 120, height: 40)
+                .overlay(RoundedRectangle(cornerRadius: 8).stroke(Color.blue, lineWidth: 2))
+            Circle().stroke(lineWidth: 4).frame(width: 60, height: 60)
+                .onTapGesture { ringTaps += 1 }
+            Text("ring \(ringTaps)")
+        }
+    }
+}
+
 @MainActor @Suite struct InteractionTests {
+    @Test func strokesDrawnOverAControlLetItsClicksThroughUnlessTheyHaveATapGesture() {
+        let hosted = Hosted(Ringed(), width: 300, height: 300)
+        hosted.click("pressed 0")
+        checkNotNil(hosted.text("pressed 1"), "\(hosted.strings)")
+        let ring = hosted.double.strokes.first { $0.width == $0.height }!
+        hosted.click(CGPoint(x: ring.midX, y: ring.midY))
+        checkNotNil(hosted.text("ring 1"), "\(hosted.strings)")
+    }
+
     @Test func textFieldsReportTheirTextAndSubmitAndFollowFocus() {
         let hosted = Hosted(Form1())
         let field = hosted.double.fields.first!

@@ -1,4 +1,5 @@
 import Testing
+import ZentoroHostInterface
 @testable import SwiftUI
 
 // Text in the double: 13 pt body text is 7.8 px per character and 16 px per line.
@@ -93,6 +94,27 @@ import Testing
         let hosted = Hosted(Circle().fill(Color.red).frame(width: 100, height: 40), width: 200, height: 100)
         checkEqual(hosted.double.fills[0].bounds.width, 40, accuracy: 0.5)
         checkEqual(hosted.double.fills[0].bounds.midX, 100, accuracy: 0.5)
+    }
+
+    @Test func platformColoursFollowThePalette() {
+        let hosted = Hosted(VStack(spacing: 0) {
+            Color(.white).frame(height: 10)
+            Color(nsColor: .windowBackgroundColor).frame(height: 10)
+            Color(uiColor: .label).frame(height: 10)
+        }, width: 100, height: 100)
+        func shades() -> [Double] { hosted.double.fills.filter { $0.bounds.height == 10 }.map(\.paint.color.green) }
+        let light = shades()
+        checkEqual(light.count, 3)
+        checkEqual(light[0], 1)
+        #expect(light[1] > 0.85 && light[1] < 1, "a light grey window")
+        checkEqual(light[2], 0)
+        var accent = ZentoroColor(red: 0, green: 0, blue: 1, alpha: 1)
+        _zentoroViewSetAppearance(hosted.view, 1, &accent)
+        hosted.render()
+        let dark = shades()
+        checkEqual(dark[0], 1, "white stays white")
+        #expect(dark[1] < 0.3, "a dark window")
+        checkEqual(dark[2], 1, "text turns light")
     }
 
     @Test func offsetMovesDrawingButNotLayout() {
