@@ -60,6 +60,8 @@ import ZentoroHostInterface
         checkGreaterThan(rect.height, 16 * 3)
         let limited = Hosted(Text(words).lineLimit(1).padding(10), width: 120, height: 300)
         checkEqual(limited.text(words)!.rect.height, 16, accuracy: 0.01)
+        let framed = Hosted(Text(words).lineLimit(1).frame(width: 60), width: 200, height: 100)
+        checkEqual(framed.text(words)!.rect.width, 60, accuracy: 0.01, "a cut line fills the offered width")
     }
 
     @Test func layoutPriorityGoesBeforeFlexibility() {

@@ -76,14 +76,16 @@ private struct Stepper2: View {
 }
 
 @MainActor @Suite struct StateTests {
-    @Test func buttonChangesStateAndRedraws() {
-        let hosted = Hosted(Counter())
+    @Test func buttonChangesStateAndRedrawsOnlyItsOwnRoot() {
+        let hosted = Hosted(Counter()), other = Hosted(Counter())
         let before = hosted.double.redrawRequests
         hosted.click("Add")
         checkGreaterThan(hosted.double.redrawRequests, before)
         checkNotNil(hosted.text("Count: 1"))
         hosted.click("Add")
         checkNotNil(hosted.text("Count: 2"))
+        other.render()
+        checkNotNil(other.text("Count: 0"), "two root views of one type keep separate state")
     }
 
     @Test func stateLivesAsLongAsTheViewAtItsPlace() {
@@ -119,14 +121,6 @@ private struct Stepper2: View {
         let hosted = Hosted(BindingParent())
         hosted.click("inc")
         checkNotNil(hosted.text("parent 2"))
-    }
-
-    @Test func twoRootViewsOfOneTypeKeepSeparateState() {
-        let first = Hosted(Counter()), second = Hosted(Counter())
-        first.click("Add")
-        second.render()
-        checkNotNil(first.text("Count: 1"))
-        checkNotNil(second.text("Count: 0"))
     }
 
     @Test func observationMacroObjectsRedraw() {
