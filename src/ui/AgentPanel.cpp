@@ -81,7 +81,6 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
 
     composer_ = new Composer;
     column->addWidget(composer_);
-    setFocusProxy(composer_);
 
     connect(emptyState_, &EmptyState::suggestionChosen, this, [this](const QString &text) { agent_.send(text); });
     connect(composer_, &Composer::sendRequested, this, &AgentPanel::send);

@@ -22,6 +22,8 @@ BannerView::BannerView(Runtime &runtime, Agent &agent, QWidget *parent)
       fix_(new QPushButton(QStringLiteral("Ask the Agent to Fix It"))), dismiss_(new QPushButton(QStringLiteral("Dismiss")))
 {
     setAccessibleName(QStringLiteral("Problem"));
+    fix_->setAccessibleName(fix_->text());
+    dismiss_->setAccessibleName(dismiss_->text());
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(14, 10, 14, 10);
     row->setSpacing(10);

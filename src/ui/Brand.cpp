@@ -31,7 +31,10 @@ double StretchedText::letterWidth(qsizetype index, qsizetype count, double pull)
 QPainterPath StretchedText::outline(const QString &text, double size, double pull)
 {
     const QStringList parts = letters(text);
+    // Neighbouring letters may overlap, and so may the contours within a variable font's
+    // glyph: under the even-odd rule each overlap would show as a hole in the letter.
     QPainterPath word;
+    word.setFillRule(Qt::WindingFill);
     double x = 0;
     for (qsizetype i = 0; i < parts.size(); ++i) {
         const BrandFont::Font font = BrandFont::anybody(size, letterWidth(i, parts.size(), pull), weight);

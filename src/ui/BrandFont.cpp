@@ -172,7 +172,9 @@ Font anybody(double size, double width, double weight)
 
 QPainterPath Font::outline(const QString &text) const
 {
+    // A variable font keeps a glyph's overlapping contours; TrueType fills them by winding.
     QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
     if (!isAnybody) {
         path.addText(QPointF(0, 0), fallbackFont(size), text);
         return path;

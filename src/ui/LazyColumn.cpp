@@ -213,12 +213,14 @@ void LazyColumn::layoutRows()
         first = std::max<qsizetype>(0, rowAt(scroll) - overscan);
         last = std::min<qsizetype>(count() - 1, rowAt(scroll + viewHeight) + overscan);
         bool changed = false;
+        bool builtNew = false;
         for (qsizetype row = first; row <= last; ++row) {
             QWidget *&widget = built_[row];
             if (!widget) {
                 widget = factory_(row);
                 widget->setParent(viewport());
                 measured_[size_t(row)] = false;
+                builtNew = true;
             }
             if (!measured_[size_t(row)]) {
                 const int height = measure(widget);
@@ -229,6 +231,8 @@ void LazyColumn::layoutRows()
                 }
             }
         }
+        if (builtNew)
+            orderTabs();
         if (!changed)
             break;
     }
@@ -309,6 +313,28 @@ void LazyColumn::revealFocus(QWidget *focused)
         target += std::min(focusBottom - viewHeight, focusTop);
     if (target != bar->value())
         bar->setValue(target);
+}
+
+void LazyColumn::orderTabs()
+{
+    // A row built late would join the end of the window's tab chain, after the composer:
+    // Tab goes from the column through the header, the rows in their order and the footer.
+    // Only widgets that take the focus can be ordered.
+    QWidget *previous = this;
+    const auto follow = [&previous](QWidget *block) {
+        if (!block)
+            return;
+        for (QWidget *widget : block->findChildren<QWidget *>()) {
+            if (widget->focusPolicy() & Qt::TabFocus) {
+                QWidget::setTabOrder(previous, widget);
+                previous = widget;
+            }
+        }
+    };
+    follow(header_);
+    for (const auto &[row, widget] : built_)
+        follow(widget);
+    follow(footer_);
 }
 
 } // namespace zentoro

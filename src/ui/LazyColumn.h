@@ -60,6 +60,7 @@ private:
     qsizetype rowAt(int y) const;
     void revealFocus(QWidget *focused);
     void retire(QWidget *widget);
+    void orderTabs();
 
     Factory factory_;
     Estimate estimate_;

@@ -52,10 +52,11 @@ MainWindow::MainWindow(Runtime &runtime, Agent &agent, QWidget *parent)
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 0);
     splitter_->setSizes({defaultSize.width() - panelIdealWidth, panelIdealWidth});
+    // The toolbar first, so that Tab goes from it to the content and then to the panel.
+    makeToolbar();
     setCentralWidget(splitter_);
 
     panel_->setVisible(agentShownSetting());
-    makeToolbar();
     commands_ = new ZentoroCommands(*this, runtime, agent);
 
     for (auto signal : {&Runtime::isBuildingChanged, &Runtime::loadedVersionChanged, &Runtime::safeModeChanged})
@@ -102,6 +103,7 @@ void MainWindow::makeToolbar()
     restart_->setIcon(Icons::icon(QStringLiteral("arrow.clockwise"), ink));
     restart_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     restart_->setToolTip(QStringLiteral("Restart %1 (Alt+Ctrl+R)").arg(name));
+    restart_->setAccessibleName(QStringLiteral("Restart %1").arg(name));
     connect(restart_, &QToolButton::clicked, this, [this] { runtime_.relaunch(false); });
     bar->addWidget(restart_);
 
@@ -109,6 +111,7 @@ void MainWindow::makeToolbar()
     agentToggle_->setText(QStringLiteral("Agent"));
     agentToggle_->setIcon(Brand::stretchGlyph(ink));
     agentToggle_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    agentToggle_->setAccessibleName(QStringLiteral("Agent"));
     connect(agentToggle_, &QToolButton::clicked, this, [this] { setShowAgent(!showsAgent()); });
     bar->addWidget(agentToggle_);
 }
@@ -125,6 +128,18 @@ void MainWindow::syncToolbar()
 void MainWindow::syncContent()
 {
     content_->setCurrentWidget(runtime_.loadedVersion() ? static_cast<QWidget *>(host_) : setup_);
+}
+
+void MainWindow::paintEvent(QPaintEvent *event)
+{
+    QMainWindow::paintEvent(event);
+    // Once per process, the console log tells when a version first reached the screen:
+    // after this paint, whose frame holds the hosted view too.
+    if (toldFirstFrame_ || showsSetup() || !runtime_.loadedVersion())
+        return;
+    toldFirstFrame_ = true;
+    const int version = *runtime_.loadedVersion();
+    QMetaObject::invokeMethod(this, [version] { qInfo("Showing version %d.", version); }, Qt::QueuedConnection);
 }
 
 bool MainWindow::showsSetup() const

@@ -53,6 +53,9 @@ public:
 signals:
     void showAgentChanged();
 
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
 private:
     void makeToolbar();
     void syncToolbar();
@@ -72,6 +75,7 @@ private:
     QAction *buildingAction_ = nullptr;
     QToolButton *restart_ = nullptr;
     QToolButton *agentToggle_ = nullptr;
+    bool toldFirstFrame_ = false;
 };
 
 } // namespace zentoro

@@ -146,6 +146,7 @@ void ToolchainRow::sync()
     detail_->setFont(PanelStyle::font(font(), detailType));
     detail_->setVisible(!detail.isEmpty());
     action_->setText(action);
+    action_->setAccessibleName(action);
     action_->setVisible(!action.isEmpty());
     if (symbol.isEmpty()) {
         icon_->setCurrentIndex(1);
@@ -185,6 +186,7 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     key_->setEchoMode(QLineEdit::Password);
     key_->setPlaceholderText(QStringLiteral("sk-…"));
     key_->setAccessibleName(QStringLiteral("OpenAI API key"));
+    save_->setAccessibleName(QStringLiteral("Save the API key"));
     prompt->setBuddy(key_);
     fieldRow->addWidget(key_, 1);
     fieldRow->addWidget(save_);

@@ -40,6 +40,7 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
 {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
+    setAccessibleName(QStringLiteral("Setup"));
     auto *page = new QWidget;
     auto *outer = new QVBoxLayout(page);
     outer->setContentsMargins(40, 40, 40, 40);
@@ -141,6 +142,7 @@ void SetupView::sync()
         action = runtime_.state().versions.isEmpty() ? QStringLiteral("Build the App") : QStringLiteral("Build and Run");
     }
     button_->setText(action);
+    button_->setAccessibleName(action);
     button_->setVisible(!action.isEmpty());
     button_->setDefault(!runtime_.safeMode());
 }

@@ -133,6 +133,7 @@ QWidget *eventRow(const ChatItem &item)
 QPushButton *smallButton(const QString &text)
 {
     auto *button = new QPushButton(text);
+    button->setAccessibleName(text);
     button->setFont(PanelStyle::font(button->font(), Type::Caption));
     button->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     return button;

@@ -1,18 +1,26 @@
 #include "ui/ZentoroApp.h"
 
-#include "agent/Agent.h"
 #include "runtime/AppName.h"
 #include "runtime/Relaunch.h"
-#include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
 #include "ui/AppIcon.h"
 #include "ui/HandOver.h"
-#include "ui/MainWindow.h"
 #include "ui/QuitSignals.h"
 
 #include <QApplication>
 
 namespace zentoro {
+
+ZentoroApp::Session::Session()
+{
+    // The agent restores its conversation and hooks itself to the runtime's events before
+    // the launch, so that the launch's reports reach the conversation.
+    agent.runtime = &runtime;
+    runtime.onEvent = [this](const QString &shown, const QString &told) { agent.note(shown, told); };
+    runtime.launch();
+    agent.resumeAfterLaunch();
+    window = std::make_unique<MainWindow>(runtime, agent);
+}
 
 int ZentoroApp::run(int argc, char **argv)
 {
@@ -36,16 +44,8 @@ int ZentoroApp::run(int argc, char **argv)
     AppName::apply(workspace.name);
     QuitSignals::install();
 
-    Runtime runtime;
-    // The agent restores its conversation and hooks itself to the runtime's events before
-    // the launch, so that the launch's reports reach the conversation.
-    Agent agent;
-    agent.runtime = &runtime;
-    runtime.onEvent = [&agent](const QString &shown, const QString &told) { agent.note(shown, told); };
-    runtime.launch();
-    agent.resumeAfterLaunch();
-
-    MainWindow window(runtime, agent);
+    ZentoroApp::Session session;
+    MainWindow &window = *session.window;
     HandOver::Listener listener(workspace);
     QObject::connect(&listener, &HandOver::Listener::raiseRequested, &window, &MainWindow::bringToFront);
     window.show();

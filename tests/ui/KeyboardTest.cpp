@@ -1,0 +1,193 @@
+// The main window from the keyboard alone: Tab reaches every control there is, in the order
+// of the window (toolbar, banner, content, agent panel), and each control it reaches has a
+// name for assistive technology. The window is the program's own, made in the start-up
+// order, with its agent talking to a fake of the model service.
+#include "core/Defaults.h"
+#include "model_service/AgentConfig.h"
+#include "support/Await.h"
+#include "support/FakeResponsesServer.h"
+#include "ui/AgentPanel.h"
+#include "ui/BannerView.h"
+#include "ui/Composer.h"
+#include "ui/LazyColumn.h"
+#include "ui/SetupRows.h"
+#include "ui/SetupView.h"
+#include "ui/ZentoroApp.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+using namespace zentoro;
+using namespace zentoro::test;
+
+namespace {
+
+QString accessibleName(QWidget *widget)
+{
+    QAccessibleInterface *face = QAccessible::queryAccessibleInterface(widget);
+    return face ? face->text(QAccessible::Name).trimmed() : QString();
+}
+
+QString describe(QWidget *widget)
+{
+    return QStringLiteral("%1 \"%2\"").arg(QString::fromLatin1(widget->metaObject()->className()), widget->objectName());
+}
+
+// What a person operates: buttons, fields and labels whose links take the keyboard.
+bool isControl(QWidget *widget)
+{
+    if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QLineEdit *>(widget))
+        return true;
+    if (auto *edit = qobject_cast<QPlainTextEdit *>(widget))
+        return !edit->isReadOnly();
+    if (auto *label = qobject_cast<QLabel *>(widget))
+        return label->textInteractionFlags() & Qt::LinksAccessibleByKeyboard && label->text().contains(u"<a ");
+    return false;
+}
+
+class Keyboard : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        Workspace::initShared(QStringLiteral("Keys"));
+        QDir(Workspace::shared().root).removeRecursively();
+        Defaults::setValue(QStringLiteral("ZentoroNoLogRedirect"), true);
+        Defaults::setValue(QStringLiteral("ZentoroSimulateMissingTools"), true);
+        Defaults::remove(QStringLiteral("showAgent"));
+        AgentConfig::saveAPIKey(std::nullopt);
+        qunsetenv("OPENAI_API_KEY");
+        server.becomeModelService();
+        session = std::make_unique<ZentoroApp::Session>();
+        spinUntil([&] { return session->runtime.toolchain().kind() != Toolchain::Case::Checking; });
+        window().show();
+        QApplication::setActiveWindow(&window());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    }
+
+    void TearDown() override
+    {
+        session.reset();
+        AgentConfig::saveAPIKey(std::nullopt);
+        Defaults::remove(QStringLiteral("ZentoroSimulateMissingTools"));
+    }
+
+    MainWindow &window() { return *session->window; }
+
+    // Presses Tab from `start` until the focus comes back to it; the widgets that had the
+    // focus, each once, in the order they first had it.
+    QList<QWidget *> tabCycle(QWidget *start)
+    {
+        start->setFocus(Qt::TabFocusReason);
+        QList<QWidget *> visited{start};
+        for (int press = 0; press < 200; ++press) {
+            QWidget *focused = QApplication::focusWidget();
+            if (!focused)
+                break;
+            QTest::keyClick(focused, Qt::Key_Tab);
+            QWidget *next = QApplication::focusWidget();
+            if (next == start)
+                return visited;
+            if (next && !visited.contains(next))
+                visited.append(next);
+        }
+        ADD_FAILURE() << "Tab never came back to " << describe(start).toStdString() << "; it is stuck at "
+                      << (QApplication::focusWidget() ? describe(QApplication::focusWidget()).toStdString() : "nothing");
+        return visited;
+    }
+
+    // Every shown, enabled control is reached by Tab, and every widget Tab reaches has a name.
+    QList<QWidget *> checkKeyboardReach()
+    {
+        const QList<QWidget *> cycle = tabCycle(window().versionButton());
+        for (QWidget *widget : window().findChildren<QWidget *>()) {
+            if (!isControl(widget) || !widget->isVisibleTo(&window()) || !widget->isEnabled())
+                continue;
+            EXPECT_TRUE(cycle.contains(widget)) << "Tab doesn't reach " << describe(widget).toStdString() << " named \""
+                                                << accessibleName(widget).toStdString() << "\"";
+        }
+        for (QWidget *widget : cycle)
+            EXPECT_FALSE(accessibleName(widget).isEmpty()) << describe(widget).toStdString() << " has no accessible name";
+        return cycle;
+    }
+
+    FakeResponsesServer server;
+    std::unique_ptr<ZentoroApp::Session> session;
+};
+
+TEST_F(Keyboard, EveryControlIsReachedInOrderAndNamed)
+{
+    // A new copy with no compiler and no key: the setup screen, and a banner above it.
+    session->runtime.setBanner(Banner{QStringLiteral("Couldn't load version 1"), QStringLiteral("dlopen failed"), false});
+    ASSERT_TRUE(window().showsSetup());
+    QList<QWidget *> cycle = checkKeyboardReach();
+    const QList<QWidget *> order{window().versionButton(),
+                                 window().restartButton(),
+                                 window().agentButton(),
+                                 window().bannerView()->dismissButton(),
+                                 window().setupView()->toolchainRow()->actionButton(),
+                                 window().setupView()->accessRow()->keyField(),
+                                 window().agentPanel()->composer()->field()};
+    for (qsizetype i = 0; i < order.size(); ++i) {
+        ASSERT_TRUE(cycle.contains(order[i])) << describe(order[i]).toStdString();
+        if (i > 0)
+            EXPECT_LT(cycle.indexOf(order[i - 1]), cycle.indexOf(order[i]))
+                << describe(order[i - 1]).toStdString() << " should come before " << describe(order[i]).toStdString();
+    }
+
+    // By keys alone: paste a key and save it, then ask for a change.
+    QLineEdit *key = window().setupView()->accessRow()->keyField();
+    key->setFocus(Qt::TabFocusReason);
+    QTest::keyClicks(key, QStringLiteral("sk-typed"));
+    QTest::keyClick(key, Qt::Key_Return);
+    ASSERT_EQ(AgentConfig::savedKey(), QStringLiteral("sk-typed"));
+
+    // The model answers with a link and a file, then the service refuses: the transcript gets
+    // a tool row with details and an error row with "Try Again".
+    server.enqueue(FakeResponsesServer::turn(
+        {FakeResponsesServer::message(QStringLiteral("See [the guide](https://example.com/guide)."), QStringLiteral("msg_1")),
+         FakeResponsesServer::call(QStringLiteral("write_file"),
+                                   JSON::object({{QStringLiteral("path"), "Notes.swift"},
+                                                 {QStringLiteral("content"), "// notes\n"}}),
+                                   QStringLiteral("call_1"))},
+        QStringLiteral("resp_1")));
+    server.enqueue(FakeResponsesServer::httpError(400, R"({"error":{"message":"Your request was refused."}})"));
+    ComposerField *field = window().agentPanel()->composer()->field();
+    field->setFocus(Qt::TabFocusReason);
+    QTest::keyClicks(field, QStringLiteral("Add notes"));
+    QTest::keyClick(field, Qt::Key_Return);
+    ASSERT_TRUE(spinUntil([&] { return !session->agent.isRunning(); }));
+    ASSERT_EQ(session->agent.items().size(), 4);
+    EXPECT_EQ(session->agent.items().last().kind, ChatItem::Kind::Error);
+    session->runtime.setBanner(Banner{QStringLiteral("Build failed"), QStringLiteral("App.swift:3: error"), true});
+
+    // The tool row opens from the keyboard, and its details join the cycle.
+    LazyColumn *transcript = window().agentPanel()->transcript();
+    transcript->layoutNow();
+    auto *tool = qobject_cast<ToolRow *>(transcript->rowWidget(2));
+    ASSERT_TRUE(tool);
+    tool->head()->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(tool->head(), Qt::Key_Space);
+    tool = qobject_cast<ToolRow *>(transcript->rowWidget(2));
+    ASSERT_TRUE(tool && tool->isExpanded());
+
+    cycle = checkKeyboardReach();
+    auto *retry = transcript->rowWidget(3)->findChild<QPushButton *>(QStringLiteral("retry"));
+    ASSERT_TRUE(retry);
+    EXPECT_TRUE(cycle.contains(retry));
+    EXPECT_TRUE(cycle.contains(window().bannerView()->fixButton()));
+    EXPECT_TRUE(cycle.contains(tool->head()));
+    EXPECT_LT(cycle.indexOf(window().bannerView()->fixButton()), cycle.indexOf(tool->head()));
+    EXPECT_LT(cycle.indexOf(tool->head()), cycle.indexOf(retry));
+    EXPECT_LT(cycle.indexOf(retry), cycle.indexOf(field));
+}
+
+} // namespace
