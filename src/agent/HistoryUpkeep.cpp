@@ -12,9 +12,23 @@ namespace zentoro::HistoryUpkeep {
 
 namespace {
 
-bool isType(const JSON &item, QStringView type)
+// Kinds compared in place: a whole-history request looks at every item's kind, and a copy
+// of each would cost more than the look.
+const JSON functionCall("function_call");
+const JSON functionCallOutput("function_call_output");
+const JSON reasoning("reasoning");
+const JSON inputImage("input_image");
+
+const JSON *typeOf(const JSON &item)
 {
-    return item.stringAt(QStringLiteral("type")) == type;
+    static const QString key = QStringLiteral("type");
+    return item.find(key);
+}
+
+bool isType(const JSON &item, const JSON &type)
+{
+    const JSON *value = typeOf(item);
+    return value && *value == type;
 }
 
 // Calls and outputs without a string `call_id` are filed under the empty one.
@@ -26,7 +40,7 @@ QString callID(const JSON &item)
 // A stored screenshot: its file, or none for any other part (a data URL, text).
 std::optional<QString> screenshotFile(const JSON &part)
 {
-    if (!isType(part, u"input_image"))
+    if (!isType(part, inputImage))
         return std::nullopt;
     const auto address = part.stringAt(QStringLiteral("image_url"));
     if (!address)
@@ -62,7 +76,7 @@ std::optional<JSON> forHistory(const JSON &item)
 {
     if (!item.objectValue())
         return item;
-    if (isType(item, u"reasoning") && !item.stringAt(QStringLiteral("encrypted_content")))
+    if (isType(item, reasoning) && !item.stringAt(QStringLiteral("encrypted_content")))
         return std::nullopt;
     if (!item.find(QStringLiteral("id")))
         return item;
@@ -80,11 +94,11 @@ JSON::Array consistent(const JSON::Array &items)
     QSet<QString> calls;
     QSet<QString> outputs;
     for (const JSON &item : items) {
-        const auto type = item.stringAt(QStringLiteral("type"));
-        if (type == u"function_call") {
+        const JSON *type = typeOf(item);
+        if (type && *type == functionCall) {
             roles.emplace_back(Role::Call, callID(item));
             calls.insert(roles.back().second);
-        } else if (type == u"function_call_output") {
+        } else if (type && *type == functionCallOutput) {
             roles.emplace_back(Role::Output, callID(item));
             outputs.insert(roles.back().second);
         } else {
@@ -106,7 +120,7 @@ JSON::Array attachingScreenshots(JSON::Array items, qsizetype keep)
 {
     const QString outputKey = QStringLiteral("output");
     for (auto item = items.rbegin(); item != items.rend(); ++item) {
-        if (!isType(*item, u"function_call_output"))
+        if (!isType(*item, functionCallOutput))
             continue;
         const JSON::Array *stored = item->arrayAt(outputKey);
         if (!stored || stored->empty())
@@ -137,7 +151,7 @@ bool trimHistory(QList<JSON> &history, const QList<JSON> &pendingInput)
 {
     QSet<QString> open;
     for (const JSON &item : pendingInput) {
-        if (isType(item, u"function_call_output")) {
+        if (isType(item, functionCallOutput)) {
             if (auto id = item.stringAt(QStringLiteral("call_id")))
                 open.insert(*id);
         }
@@ -147,12 +161,12 @@ bool trimHistory(QList<JSON> &history, const QList<JSON> &pendingInput)
     for (qsizetype i = history.size() - 1; i >= 1; --i) {
         const JSON &item = history[i];
         if (const auto id = item.stringAt(QStringLiteral("call_id"))) {
-            if (isType(item, u"function_call_output"))
+            if (isType(item, functionCallOutput))
                 open.insert(*id);
-            else if (isType(item, u"function_call"))
+            else if (isType(item, functionCall))
                 open.remove(*id);
         }
-        if (!open.isEmpty() || isType(item, u"reasoning"))
+        if (!open.isEmpty() || isType(item, reasoning))
             continue;
         if (!best || std::abs(i - half) < std::abs(*best - half))
             best = i;

@@ -6,8 +6,59 @@
 #include <cmath>
 #include <cstdlib>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 namespace zentoro {
+
+namespace {
+
+// The keys and kinds that every stored item and stream event repeat. Each is held once and
+// shared, so a history of thousands of items looks its keys up in a few hot cache lines
+// instead of thousands of scattered copies.
+const QString *commonWord(std::string_view text)
+{
+    static const auto words = [] {
+        std::unordered_map<std::string_view, QString> table;
+        for (const char *word :
+             {"type", "id", "call_id", "name", "arguments", "output", "role", "content", "text", "status",
+              "summary", "encrypted_content", "image_url", "detail", "kind", "title", "symbol", "link", "url",
+              "imagePath", "item", "item_id", "delta", "response", "output_index", "content_index",
+              "sequence_number", "annotations", "logprobs", "error", "code", "message", "usage", "function_call",
+              "function_call_output", "reasoning", "input_text", "output_text", "input_image", "summary_text",
+              "user", "assistant", "developer", "completed", "in_progress", "incomplete", "tool", "event"})
+            table.emplace(word, QString::fromLatin1(word));
+        return table;
+    }();
+    const auto found = words.find(text);
+    return found == words.end() ? nullptr : &found->second;
+}
+
+constexpr qsizetype longestCommonWord = 20;
+
+QString shared(QString text)
+{
+    if (text.size() > longestCommonWord)
+        return text;
+    char latin1[longestCommonWord];
+    for (qsizetype index = 0; index < text.size(); ++index) {
+        const char16_t unit = text.at(index).unicode();
+        if (unit >= 0x80)
+            return text;
+        latin1[index] = static_cast<char>(unit);
+    }
+    const QString *word = commonWord(std::string_view(latin1, text.size()));
+    return word ? *word : text;
+}
+
+} // namespace
+
+JSON::JSON(const char *utf8)
+{
+    const std::string_view text(utf8);
+    const QString *word = text.size() <= longestCommonWord ? commonWord(text) : nullptr;
+    value_ = word ? *word : QString::fromUtf8(utf8);
+}
 
 JSON JSON::number(double value)
 {
@@ -25,7 +76,7 @@ JSON JSON::object(std::initializer_list<std::pair<QString, JSON>> pairs)
 {
     Object object;
     for (const auto &[key, value] : pairs)
-        object.insert_or_assign(key, value);
+        object.insert_or_assign(shared(key), value);
     return JSON(std::move(object));
 }
 
@@ -127,7 +178,7 @@ JSON::Object &JSON::mutableObject()
 
 void JSON::set(const QString &key, JSON value)
 {
-    mutableObject().insert_or_assign(key, std::move(value));
+    mutableObject().insert_or_assign(shared(key), std::move(value));
 }
 
 void JSON::remove(const QString &key)
@@ -459,6 +510,16 @@ private:
     QString parseString()
     {
         ++p_;
+        const char *close = p_;
+        while (close < end_ && close - p_ <= longestCommonWord && *close != '"' && *close != '\\' &&
+               static_cast<unsigned char>(*close) >= 0x20 && static_cast<unsigned char>(*close) < 0x80)
+            ++close;
+        if (close < end_ && *close == '"') {
+            if (const QString *word = commonWord(std::string_view(p_, close - p_))) {
+                p_ = close + 1;
+                return *word;
+            }
+        }
         QString out;
         const char *run = p_;
         bool ascii = true;

@@ -43,7 +43,7 @@ public:
     JSON(float) = delete;
     JSON(const QString &value) : value_(value) {}
     JSON(QString &&value) : value_(std::move(value)) {}
-    JSON(const char *utf8) : value_(QString::fromUtf8(utf8)) {}
+    JSON(const char *utf8);
     JSON(char character) : value_(QString(QChar::fromLatin1(character))) {}
     JSON(QChar character) : value_(QString(character)) {}
     JSON(Array value) : value_(std::make_shared<Array>(std::move(value))) {}
