@@ -39,8 +39,9 @@ std::optional<QString> write(const QString &path, const QByteArray &contents, in
         data += written;
         left -= written;
     }
-    if (::fsync(descriptor) != 0)
-        return fail(errno);
+    // No fsync: what we guard against is this process dying, and the kernel keeps written
+    // pages when it does; ext4 also puts a replacing rename's data on disk before the rename.
+    // A sync on every save of a long conversation would cost more than the write itself.
     if (::close(descriptor) != 0) {
         const int error = errno;
         ::unlink(temporary.constData());
