@@ -1,40 +1,17 @@
 #include "agent/Agent.h"
 
 #include "support/Await.h"
+#include "support/FakeAgent.h"
 
 #include <gtest/gtest.h>
 
 #include <deque>
 
 using namespace zentoro;
+using namespace zentoro::test;
 using namespace std::chrono_literals;
 
 namespace {
-
-JSON textMessage(const QString &text)
-{
-    return JSON::object({{"type", "message"},
-                         {"role", "assistant"},
-                         {"content", JSON::array({JSON::object({{"type", "output_text"}, {"text", text}})})}});
-}
-
-JSON functionCall(const QString &callID, const QString &name, const QString &arguments = QStringLiteral("{}"))
-{
-    return JSON::object({{"type", "function_call"}, {"call_id", callID}, {"name", name}, {"arguments", arguments}});
-}
-
-JSON response(std::initializer_list<JSON> output, const QString &id = QStringLiteral("resp_1"))
-{
-    return JSON::object({{"id", id}, {"status", "completed"}, {"output", JSON::array(output)}});
-}
-
-// A model service that answers nothing until the run is stopped, as a reply aborted by the stop.
-QCoro::Task<JSON> respondOnlyToAStop(const TaskHandle &task, const QString &, const JSON &,
-                                     const std::function<void(const JSON &)> &)
-{
-    co_await sleep(task, 10s);
-    throw NetworkError(QNetworkReply::OperationCanceledError, "cancelled");
-}
 
 // Drives an Agent through fakes of everything a run calls.
 struct Harness {
@@ -51,10 +28,9 @@ struct Harness {
 
     AgentOperations operations()
     {
-        AgentOperations ops;
+        AgentOperations ops = test::fakeOperations();
         ops.hasAPIKey = [this] { return available == Provider::APIKey; };
         ops.canUsePlan = [this] { return available == Provider::ChatGPT; };
-        ops.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> { co_return QStringLiteral("key"); };
         ops.request = [this](Provider provider) {
             return JSON::object({{"provider", providerText(provider)},
                                  {"input", JSON(JSON::Array(agent.pendingInput.begin(), agent.pendingInput.end()))}});
@@ -81,16 +57,6 @@ struct Harness {
             co_await sleep(TaskHandle(), 1ms);
             co_return ToolResult{JSON("ran " + name), ChatItem::make(ChatItem::Kind::Tool, "row " + name)};
         };
-        ops.forHistory = [](const JSON &item) -> std::optional<JSON> { return item; };
-        ops.context = [] { return QStringLiteral("state note"); };
-        ops.recover = [](const TaskHandle &, const OpenAI::Failure &, Provider, Recovery *) -> QCoro::Task<bool> {
-            co_return false;
-        };
-        ops.errorItem = [](std::exception_ptr failure, Provider) {
-            ChatItem item = ChatItem::make(ChatItem::Kind::Error, describe(failure));
-            item.failed = true;
-            return item;
-        };
         ops.save = [this] { ++saves; };
         ops.relaunch = [this](bool) { ++relaunches; };
         return ops;
@@ -99,16 +65,10 @@ struct Harness {
     void sendAndFinish(const QString &text)
     {
         agent.send(text);
-        ASSERT_TRUE(test::spinUntil([&] { return !agent.isRunning(); }));
+        ASSERT_TRUE(spinUntil([&] { return !agent.isRunning(); }));
     }
 
-    QStringList texts() const
-    {
-        QStringList result;
-        for (const ChatItem &item : agent.items())
-            result.append(ChatItem::kindText(item.kind) + ": " + item.text);
-        return result;
-    }
+    QStringList texts() const { return rowTexts(agent); }
 
     QStringList pendingOutputs() const
     {
@@ -137,7 +97,7 @@ TEST(AgentLoop, BlankMessagesAndMessagesDuringARunChangeNothing)
     harness.agent.send("second");
     EXPECT_EQ(harness.agent.items().size(), 1);
     EXPECT_EQ(harness.agent.pendingInput.size(), pending);
-    ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }));
+    ASSERT_TRUE(spinUntil([&] { return !harness.agent.isRunning(); }));
     EXPECT_EQ(harness.texts(), (QStringList{"user: first", "assistant: done"}));
     EXPECT_EQ(harness.bodies.size(), 1u);
 }
@@ -284,12 +244,9 @@ TEST(AgentLoop, ArgumentsThatArentJSONRunTheToolWithAnEmptyObject)
         EXPECT_EQ(arguments, JSON::object());
 }
 
-TEST(AgentLoop, OnlyTheAPIKeyPathKeepsTheResponseIdentity)
+// Only the API-key path keeps the response's identity for the next request.
+TEST(AgentLoop, ThePlanPathForgetsTheResponseIdentity)
 {
-    Harness apiKey;
-    apiKey.sendAndFinish("hi");
-    EXPECT_EQ(apiKey.agent.previousResponseID, "resp_1");
-
     Harness plan;
     plan.available = Provider::ChatGPT;
     plan.agent.previousResponseID = "resp_old";
@@ -319,7 +276,7 @@ TEST(AgentLoop, EightyStepsEndTheRunWithTheLastOutputsQueued)
     EXPECT_EQ(input.back(), Agent::message("user", "continue"));
 }
 
-TEST(AgentLoop, FailuresEndInOneErrorRowAndKeepTheInput)
+TEST(AgentLoop, AFailureEndsInOneErrorRowAndKeepsTheInput)
 {
     Harness harness;
     harness.script.push_back([]() -> JSON { throw OpenAI::Failure(429, "rate_limit", std::nullopt, "Slow down."); });
@@ -327,33 +284,6 @@ TEST(AgentLoop, FailuresEndInOneErrorRowAndKeepTheInput)
     EXPECT_EQ(harness.texts().last(), "error: OpenAI error 429: Slow down.");
     EXPECT_EQ(harness.agent.pendingInput.size(), 2);
     EXPECT_TRUE(harness.agent.history.isEmpty());
-
-    // A recovery that answers true sends the same input again, and counts as a step.
-    int recoveries = 0;
-    harness.agent.operations().recover = [&](const TaskHandle &, const OpenAI::Failure &failure, Provider,
-                                             Recovery *) -> QCoro::Task<bool> {
-        ++recoveries;
-        co_return failure.code == "context_length_exceeded";
-    };
-    harness.script.push_back([]() -> JSON {
-        throw OpenAI::Failure(400, "context_length_exceeded", std::nullopt, "Too long.");
-    });
-    harness.agent.start();
-    ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }));
-    EXPECT_EQ(recoveries, 1);
-    EXPECT_EQ(harness.texts().last(), "assistant: done");
-    EXPECT_EQ(*harness.bodies.back().arrayAt("input"), *harness.bodies[harness.bodies.size() - 2].arrayAt("input"));
-}
-
-TEST(AgentLoop, AStopWhileWaitingForTheModelShowsStoppedNotAnError)
-{
-    Harness harness;
-    harness.agent.operations().respond = respondOnlyToAStop;
-    harness.agent.send("hi");
-    harness.agent.task().cancel();
-    ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }, 2s));
-    EXPECT_EQ(harness.texts(), (QStringList{"user: hi", "event: Stopped"}));
-    EXPECT_EQ(harness.agent.pendingInput.size(), 2);
 }
 
 TEST(AgentLoop, WithoutAProviderTheRunAsksForOne)
@@ -397,7 +327,7 @@ TEST(AgentLoop, ActivityFollowsTheItemsAsTheyStart)
     EXPECT_EQ(harness.agent.activity(), "Writing a reply…");
 }
 
-TEST(AgentLoop, AfterStoppingWaitsForTheRunToEnd)
+TEST(AgentLoop, AStopWhileWaitingForTheModelShowsStoppedAndRunsWhatWaitsForTheEnd)
 {
     Harness harness;
     harness.agent.operations().respond = respondOnlyToAStop;
@@ -409,9 +339,10 @@ TEST(AgentLoop, AfterStoppingWaitsForTheRunToEnd)
         runningWhenRan = harness.agent.isRunning();
     });
     EXPECT_FALSE(ran);
-    ASSERT_TRUE(test::spinUntil([&] { return ran; }, 2s));
+    ASSERT_TRUE(spinUntil([&] { return ran; }, 2s));
     EXPECT_FALSE(runningWhenRan);
-    EXPECT_EQ(harness.texts().last(), "event: Stopped");
+    EXPECT_EQ(harness.texts(), (QStringList{"user: hi", "event: Stopped"}));
+    EXPECT_EQ(harness.agent.pendingInput.size(), 2);
 
     bool ranAtOnce = false;
     harness.agent.afterStopping([&] { ranAtOnce = true; });

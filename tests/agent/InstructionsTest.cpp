@@ -3,6 +3,7 @@
 #include "runtime/Workspace.h"
 
 #include "support/Await.h"
+#include "support/FakeAgent.h"
 
 #include <QDir>
 #include <QFile>
@@ -127,19 +128,13 @@ TEST(Instructions, AgesReadAsPeopleSayThem)
 TEST(Instructions, NotesShowAtOnceAndReachTheModelTogetherWithTheNextMessage)
 {
     QList<JSON> sent;
-    AgentOperations ops;
-    ops.hasAPIKey = [] { return true; };
-    ops.canUsePlan = [] { return false; };
-    ops.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> { co_return QString::fromUtf8("k"); };
-    ops.request = [](Provider) { return JSON::object(); };
+    AgentOperations ops = test::fakeOperations();
     Agent *agent = nullptr;
     ops.respond = [&](const TaskHandle &, const QString &, const JSON &,
                       const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
         sent = agent->pendingInput;
         co_return JSON::object({{"output", JSON::array()}});
     };
-    ops.forHistory = [](const JSON &item) -> std::optional<JSON> { return item; };
-    ops.context = [] { return QStringLiteral("state note"); };
     int saves = 0;
     ops.save = [&] { ++saves; };
     Agent instance(ops);

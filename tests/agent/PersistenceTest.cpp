@@ -3,6 +3,7 @@
 #include "runtime/Workspace.h"
 
 #include "support/Await.h"
+#include "support/FakeAgent.h"
 
 #include <QDir>
 #include <QFile>
@@ -88,24 +89,9 @@ QStringList titles(const Agent &agent)
 // until it is stopped.
 AgentOperations hangingModel(Agent *&agent)
 {
-    AgentOperations ops;
-    ops.hasAPIKey = [] { return true; };
-    ops.canUsePlan = [] { return false; };
-    ops.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> { co_return QString::fromUtf8("key"); };
-    ops.request = [](Provider) { return JSON::object(); };
-    ops.respond = [](const TaskHandle &task, const QString &, const JSON &,
-                     const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
-        co_await sleep(task, 20s);
-        throw NetworkError(QNetworkReply::OperationCanceledError, QString::fromUtf8("cancelled"));
-    };
-    ops.forHistory = [](const JSON &item) -> std::optional<JSON> { return item; };
-    ops.context = [] { return QStringLiteral("state note"); };
-    ops.recover = [](const TaskHandle &, const OpenAI::Failure &, Provider, Recovery *) -> QCoro::Task<bool> {
-        co_return false;
-    };
-    ops.errorItem = [](std::exception_ptr, Provider) { return ChatItem::make(ChatItem::Kind::Error, "failed"); };
+    AgentOperations ops = test::fakeOperations();
+    ops.respond = test::respondOnlyToAStop;
     ops.save = [&agent] { agent->writeConversation(); };
-    ops.relaunch = [](bool) {};
     return ops;
 }
 

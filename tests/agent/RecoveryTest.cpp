@@ -5,6 +5,7 @@
 #include "runtime/Workspace.h"
 
 #include "support/Await.h"
+#include "support/FakeAgent.h"
 
 #include <QElapsedTimer>
 
@@ -51,7 +52,7 @@ struct Harness {
 
     AgentOperations operations()
     {
-        AgentOperations ops;
+        AgentOperations ops = test::fakeOperations();
         ops.hasAPIKey = [this] { return provider == Provider::APIKey; };
         ops.canUsePlan = [this] { return provider == Provider::ChatGPT; };
         ops.bearer = [this](const TaskHandle &, Provider, bool refresh) -> QCoro::Task<QString> {
@@ -74,9 +75,7 @@ struct Harness {
             }
             co_return answer();
         };
-        ops.perform = [](const QString &, const JSON &) -> QCoro::Task<ToolResult> { co_return ToolResult{}; };
         ops.forHistory = HistoryUpkeep::forHistory;
-        ops.context = [] { return QStringLiteral("state note"); };
         ops.recover = [this](const TaskHandle &task, const OpenAI::Failure &failure, Provider provider,
                              Recovery *recovery) -> QCoro::Task<bool> {
             const bool again = co_await FailureRecovery::recover(agent, task, failure, provider, *recovery, plan);
@@ -86,8 +85,6 @@ struct Harness {
         ops.errorItem = [this](std::exception_ptr error, Provider provider) {
             return FailureRecovery::errorItem(error, provider, plan);
         };
-        ops.save = [] {};
-        ops.relaunch = [](bool) {};
         return ops;
     }
 
