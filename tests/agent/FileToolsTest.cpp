@@ -15,6 +15,21 @@ using namespace zentoro;
 
 namespace {
 
+QString output(const ToolResult &result)
+{
+    return result.output.stringValue().value_or(QStringLiteral("(not text)"));
+}
+
+void expectFailure(const ToolResult &result, const QString &message, const QString &title)
+{
+    EXPECT_EQ(output(result), "Error: " + message);
+    EXPECT_EQ(result.item.kind, ChatItem::Kind::Tool);
+    EXPECT_EQ(result.item.text, title);
+    EXPECT_EQ(result.item.detail, message);
+    EXPECT_EQ(result.item.symbol, "exclamationmark.triangle");
+    EXPECT_TRUE(result.item.failed);
+}
+
 class FileToolsTest : public ::testing::Test {
 protected:
     QTemporaryDir dir;
@@ -35,6 +50,13 @@ protected:
         return call(name, arguments);
     }
 
+    // A failure whose row is titled "<tool> failed".
+    void expectRefused(const QString &name, const QString &path, const QString &message,
+                       std::initializer_list<std::pair<QString, JSON>> more = {})
+    {
+        expectFailure(call(name, path, more), message, name + " failed");
+    }
+
     QString source(const QString &relative) const { return workspace.sources() + u'/' + relative; }
     void put(const QString &relative, const QByteArray &bytes)
     {
@@ -49,21 +71,6 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
     }
 };
-
-QString output(const ToolResult &result)
-{
-    return result.output.stringValue().value_or(QStringLiteral("(not text)"));
-}
-
-void expectFailure(const ToolResult &result, const QString &message, const QString &title)
-{
-    EXPECT_EQ(output(result), "Error: " + message);
-    EXPECT_EQ(result.item.kind, ChatItem::Kind::Tool);
-    EXPECT_EQ(result.item.text, title);
-    EXPECT_EQ(result.item.detail, message);
-    EXPECT_EQ(result.item.symbol, "exclamationmark.triangle");
-    EXPECT_TRUE(result.item.failed);
-}
 
 } // namespace
 
@@ -87,46 +94,45 @@ TEST(ToolText, DetailIsCutAfterSixThousandCharactersAsPeopleCountThem)
 
 TEST_F(FileToolsTest, UnknownAndUnsuppliedToolsAnswerWithErrors)
 {
-    expectFailure(call(QStringLiteral("format_disk")), "There's no tool called format_disk.", "Unknown tool format_disk");
-    expectFailure(call(QStringLiteral("build")), "build isn't available in this build of Zentoro.", "build failed");
+    expectFailure(call("format_disk"), "There's no tool called format_disk.", "Unknown tool format_disk");
+    expectFailure(call("build"), "build isn't available in this build of Zentoro.", "build failed");
 
     JSON seen;
     runtime.screenshot = [&](Agent &, const JSON &arguments) -> QCoro::Task<ToolResult> {
         seen = arguments;
         co_return ToolResult{JSON("captured"), ChatItem::make(ChatItem::Kind::Tool, "Took a screenshot")};
     };
-    const ToolResult result = call(QStringLiteral("screenshot"), JSON::object({{"note", 1}}));
+    const ToolResult result = call("screenshot", JSON::object({{"note", 1}}));
     EXPECT_EQ(output(result), "captured");
     EXPECT_EQ(seen, JSON::object({{"note", 1}}));
-    expectFailure(call(QStringLiteral("read_log")), "read_log isn't available in this build of Zentoro.",
-                  "read_log failed");
+    expectFailure(call("read_log"), "read_log isn't available in this build of Zentoro.", "read_log failed");
 }
 
 TEST_F(FileToolsTest, MissingOrMistypedPathAsksForARelativePath)
 {
     const QString request = QStringLiteral("Use a path relative to the source folder, like \"AppRoot.swift\".");
-    expectFailure(call(QStringLiteral("read_file")), request, "read_file failed");
-    expectFailure(call(QStringLiteral("read_file"), JSON::object({{"path", 3}})), request, "read_file failed");
-    expectFailure(call(QStringLiteral("write_file"), JSON::array({"AppRoot.swift"})), request, "write_file failed");
-    expectFailure(call(QStringLiteral("delete_file"), QStringLiteral("~/x")), request, "delete_file failed");
+    expectFailure(call("read_file"), request, "read_file failed");
+    expectFailure(call("read_file", JSON::object({{"path", 3}})), request, "read_file failed");
+    expectFailure(call("write_file", JSON::array({"AppRoot.swift"})), request, "write_file failed");
+    expectRefused("delete_file", "~/x", request);
 }
 
 TEST_F(FileToolsTest, ListFilesCountsLinesOfEveryVisibleFile)
 {
-    ToolResult empty = call(QStringLiteral("list_files"));
+    ToolResult empty = call("list_files");
     EXPECT_EQ(output(empty), "(no files)");
     EXPECT_EQ(empty.item.text, "Listed the files");
     EXPECT_EQ(empty.item.detail, "");
     EXPECT_EQ(empty.item.symbol, "folder");
     EXPECT_EQ(agent.activity(), "Looking around…");
 
-    put(QStringLiteral("AppRoot.swift"), QByteArray("line\n").repeated(10));
-    put(QStringLiteral("Views/Empty.swift"), "");
-    put(QStringLiteral("Data.bin"), "\xff\xfe\x00");
-    put(QStringLiteral(".build/Hidden.swift"), "x");
+    put("AppRoot.swift", QByteArray("line\n").repeated(10));
+    put("Views/Empty.swift", "");
+    put("Data.bin", "\xff\xfe\x00");
+    put(".build/Hidden.swift", "x");
     const QString expected =
         QStringLiteral("AppRoot.swift (11 lines)\nData.bin (1 lines)\nViews/Empty.swift (1 lines)");
-    const ToolResult listed = call(QStringLiteral("list_files"));
+    const ToolResult listed = call("list_files");
     EXPECT_EQ(output(listed), expected);
     EXPECT_EQ(listed.item.detail, expected);
     EXPECT_FALSE(listed.item.failed);
@@ -135,163 +141,138 @@ TEST_F(FileToolsTest, ListFilesCountsLinesOfEveryVisibleFile)
 TEST_F(FileToolsTest, ReadFileGivesTheWholeTextButNeverShowsIt)
 {
     const QByteArray text = "import SwiftUI\n// “quoted” ✓\n" + QByteArray(20000, 'x');
-    put(QStringLiteral("AppRoot.swift"), text);
-    const ToolResult read = call(QStringLiteral("read_file"), QStringLiteral(" AppRoot.swift\n"));
+    put("AppRoot.swift", text);
+    const ToolResult read = call("read_file", QStringLiteral(" AppRoot.swift\n"));
     EXPECT_EQ(output(read), QString::fromUtf8(text));
     EXPECT_EQ(read.item.text, "Read  AppRoot.swift\n");
     EXPECT_EQ(read.item.symbol, "doc.text");
     EXPECT_EQ(read.item.detail, std::nullopt);
     EXPECT_EQ(agent.activity(), "Reading  AppRoot.swift\n…");
 
-    put(QStringLiteral("Empty.swift"), "");
-    EXPECT_EQ(output(call(QStringLiteral("read_file"), QStringLiteral("Empty.swift"))), "(empty file)");
+    put("Empty.swift", "");
+    EXPECT_EQ(output(call("read_file", QStringLiteral("Empty.swift"))), "(empty file)");
 }
 
 TEST_F(FileToolsTest, ReadFileRefusesWhatIsNoReadableTextFile)
 {
-    expectFailure(call(QStringLiteral("read_file"), QStringLiteral("Nope.swift")), "There's no file at Nope.swift.",
-                  "read_file failed");
-    put(QStringLiteral("Views/Row.swift"), "x");
-    expectFailure(call(QStringLiteral("read_file"), QStringLiteral("Views")), "Views is a folder, not a file.",
-                  "read_file failed");
-    put(QStringLiteral("Latin1.swift"), "caf\xe9");
-    expectFailure(call(QStringLiteral("read_file"), QStringLiteral("Latin1.swift")), "Latin1.swift isn't UTF-8 text.",
-                  "read_file failed");
-    put(QStringLiteral("Broken.swift"), "a\xff\xfe b");
-    expectFailure(call(QStringLiteral("read_file"), QStringLiteral("Broken.swift")), "Broken.swift isn't UTF-8 text.",
-                  "read_file failed");
-    put(QStringLiteral("Huge.swift"), QByteArray(1024 * 1024 + 1, 'a'));
-    const ToolResult huge = call(QStringLiteral("read_file"), QStringLiteral("Huge.swift"));
+    put("Views/Row.swift", "x");
+    put("Latin1.swift", "caf\xe9");
+    put("Broken.swift", "a\xff\xfe b");
+    expectRefused("read_file", "Nope.swift", "There's no file at Nope.swift.");
+    expectRefused("read_file", "Views", "Views is a folder, not a file.");
+    expectRefused("read_file", "Latin1.swift", "Latin1.swift isn't UTF-8 text.");
+    expectRefused("read_file", "Broken.swift", "Broken.swift isn't UTF-8 text.");
+    put("Huge.swift", QByteArray(1024 * 1024 + 1, 'a'));
+    const ToolResult huge = call("read_file", QStringLiteral("Huge.swift"));
     EXPECT_TRUE(huge.item.failed);
     EXPECT_TRUE(output(huge).startsWith("Error: Huge.swift is too large to read")) << output(huge).toStdString();
-    put(QStringLiteral("Limit.swift"), QByteArray(1024 * 1024, 'a'));
-    EXPECT_FALSE(call(QStringLiteral("read_file"), QStringLiteral("Limit.swift")).item.failed);
+    put("Limit.swift", QByteArray(1024 * 1024, 'a'));
+    EXPECT_FALSE(call("read_file", QStringLiteral("Limit.swift")).item.failed);
 }
 
 TEST_F(FileToolsTest, WriteFileCreatesOrRewritesWholeFiles)
 {
     const QString content = QStringLiteral("struct Row {}\n// é\n");
-    const ToolResult created = call(QStringLiteral("write_file"), QStringLiteral("Views/Row.swift"), {{"content", content}});
+    const ToolResult created = call("write_file", QStringLiteral("Views/Row.swift"), {{"content", content}});
     EXPECT_EQ(output(created), "Wrote Views/Row.swift (3 lines).");
     EXPECT_EQ(created.item.text, "Created Views/Row.swift");
     EXPECT_EQ(created.item.detail, content);
     EXPECT_EQ(created.item.symbol, "square.and.pencil");
     EXPECT_EQ(agent.activity(), "Writing Views/Row.swift…");
-    EXPECT_EQ(contents(source(QStringLiteral("Views/Row.swift"))), content.toUtf8());
+    EXPECT_EQ(contents(source("Views/Row.swift")), content.toUtf8());
 
-    const ToolResult emptied = call(QStringLiteral("write_file"), QStringLiteral("Views/Row.swift"));
+    const ToolResult emptied = call("write_file", QStringLiteral("Views/Row.swift"));
     EXPECT_EQ(output(emptied), "Wrote Views/Row.swift (1 lines).");
     EXPECT_EQ(emptied.item.text, "Rewrote Views/Row.swift");
-    EXPECT_EQ(contents(source(QStringLiteral("Views/Row.swift"))), "");
+    EXPECT_EQ(contents(source("Views/Row.swift")), "");
     // Nothing of the atomic write is left lying about.
-    EXPECT_EQ(QDir(source(QStringLiteral("Views"))).entryList(QDir::Files | QDir::Hidden), QStringList({"Row.swift"}));
+    EXPECT_EQ(QDir(source("Views")).entryList(QDir::Files | QDir::Hidden), QStringList({"Row.swift"}));
 
     const ToolResult big =
-        call(QStringLiteral("write_file"), QStringLiteral("Big.swift"), {{"content", QString(7000, u'b')}});
+        call("write_file", QStringLiteral("Big.swift"), {{"content", QString(7000, u'b')}});
     EXPECT_EQ(big.item.detail, QString(6000, u'b') + "\n…");
-    EXPECT_EQ(contents(source(QStringLiteral("Big.swift"))).size(), 7000);
+    EXPECT_EQ(contents(source("Big.swift")).size(), 7000);
 
-    expectFailure(call(QStringLiteral("write_file"), QStringLiteral("Views"), {{"content", "x"}}),
-                  "Views is a folder, not a file.", "write_file failed");
-    expectFailure(call(QStringLiteral("write_file"), QStringLiteral("Big.swift/Inner.swift"), {{"content", "x"}}),
-                  "Couldn't make the folder for Big.swift/Inner.swift.", "write_file failed");
+    expectRefused("write_file", "Views", "Views is a folder, not a file.", {{"content", "x"}});
+    expectRefused("write_file", "Big.swift/Inner.swift", "Couldn't make the folder for Big.swift/Inner.swift.",
+                  {{"content", "x"}});
 }
 
 TEST_F(FileToolsTest, EditFileReplacesExactlyOneMatch)
 {
-    put(QStringLiteral("AppRoot.swift"), "Text(\"Hello\")\n.padding()\nText(\"Bye\")\n");
-    const ToolResult edited = call(QStringLiteral("edit_file"), QStringLiteral("AppRoot.swift"),
+    put("AppRoot.swift", "Text(\"Hello\")\n.padding()\nText(\"Bye\")\n");
+    const ToolResult edited = call("edit_file", QStringLiteral("AppRoot.swift"),
                                    {{"old_text", "Text(\"Hello\")\n.padding()"}, {"new_text", "Text(\"Hi\")"}});
     EXPECT_EQ(output(edited), "Edited AppRoot.swift.");
     EXPECT_EQ(edited.item.text, "Edited AppRoot.swift");
     EXPECT_EQ(edited.item.symbol, "pencil");
     EXPECT_EQ(edited.item.detail, "- Text(\"Hello\")\n- .padding()\n+ Text(\"Hi\")");
     EXPECT_EQ(agent.activity(), "Editing AppRoot.swift…");
-    EXPECT_EQ(contents(source(QStringLiteral("AppRoot.swift"))), "Text(\"Hi\")\nText(\"Bye\")\n");
+    EXPECT_EQ(contents(source("AppRoot.swift")), "Text(\"Hi\")\nText(\"Bye\")\n");
 
     // An empty replacement deletes the match; the diff ends in an empty added line.
-    const ToolResult removed = call(QStringLiteral("edit_file"), QStringLiteral("AppRoot.swift"),
-                                    {{"old_text", "Text(\"Bye\")\n"}});
+    const ToolResult removed = call("edit_file", QStringLiteral("AppRoot.swift"), {{"old_text", "Text(\"Bye\")\n"}});
     EXPECT_EQ(removed.item.detail, "- Text(\"Bye\")\n- \n+ ");
-    EXPECT_EQ(contents(source(QStringLiteral("AppRoot.swift"))), "Text(\"Hi\")\n");
+    EXPECT_EQ(contents(source("AppRoot.swift")), "Text(\"Hi\")\n");
 
     // Matches are counted from the front without overlap: "aa" stands once in "aaa".
-    put(QStringLiteral("Run.swift"), "aaa");
-    EXPECT_FALSE(call(QStringLiteral("edit_file"), QStringLiteral("Run.swift"), {{"old_text", "aa"}, {"new_text", "b"}})
-                     .item.failed);
-    EXPECT_EQ(contents(source(QStringLiteral("Run.swift"))), "ba");
+    put("Run.swift", "aaa");
+    EXPECT_FALSE(call("edit_file", QStringLiteral("Run.swift"), {{"old_text", "aa"}, {"new_text", "b"}}).item.failed);
+    EXPECT_EQ(contents(source("Run.swift")), "ba");
 }
 
 TEST_F(FileToolsTest, EditFileThatDoesNotMatchOnceLeavesTheFileAlone)
 {
     const QByteArray original = "let a = 1\nlet a = 1\nLet b = 2\r\n";
-    put(QStringLiteral("Model.swift"), original);
+    put("Model.swift", original);
     const QString title = QStringLiteral("Couldn't edit Model.swift");
-    expectFailure(call(QStringLiteral("edit_file"), QStringLiteral("Model.swift"),
-                       {{"old_text", "let a = 1"}, {"new_text", "x"}}),
+    expectFailure(call("edit_file", QStringLiteral("Model.swift"), {{"old_text", "let a = 1"}, {"new_text", "x"}}),
                   "old_text appears 2 times in Model.swift. Include more surrounding lines so it matches once.", title);
-    expectFailure(call(QStringLiteral("edit_file"), QStringLiteral("Model.swift"),
-                       {{"old_text", "let b = 2\n"}, {"new_text", "x"}}),
+    expectFailure(call("edit_file", QStringLiteral("Model.swift"), {{"old_text", "let b = 2\n"}, {"new_text", "x"}}),
                   "old_text wasn't found in Model.swift. Read the file again and copy the text exactly, including "
                   "whitespace.",
                   title);
-    expectFailure(call(QStringLiteral("edit_file"), QStringLiteral("Model.swift"), {{"new_text", "x"}}),
-                  "old_text is empty.", title);
-    EXPECT_EQ(contents(source(QStringLiteral("Model.swift"))), original);
+    expectFailure(call("edit_file", QStringLiteral("Model.swift"), {{"new_text", "x"}}), "old_text is empty.", title);
+    EXPECT_EQ(contents(source("Model.swift")), original);
 
     // A missing file is a file failure, whatever old_text holds.
-    expectFailure(call(QStringLiteral("edit_file"), QStringLiteral("Gone.swift")), "There's no file at Gone.swift.",
-                  "edit_file failed");
+    expectRefused("edit_file", "Gone.swift", "There's no file at Gone.swift.");
 }
 
 TEST_F(FileToolsTest, DeleteFileRemovesOneFileAndLeavesActivityAlone)
 {
-    put(QStringLiteral("Views/Old.swift"), "x");
+    put("Views/Old.swift", "x");
     agent.setActivity(QStringLiteral("Thinking…"));
-    const ToolResult deleted = call(QStringLiteral("delete_file"), QStringLiteral("Views/Old.swift"));
+    const ToolResult deleted = call("delete_file", QStringLiteral("Views/Old.swift"));
     EXPECT_EQ(output(deleted), "Deleted Views/Old.swift.");
     EXPECT_EQ(deleted.item.text, "Deleted Views/Old.swift");
     EXPECT_EQ(deleted.item.symbol, "trash");
     EXPECT_EQ(deleted.item.detail, std::nullopt);
     EXPECT_EQ(agent.activity(), "Thinking…");
-    EXPECT_FALSE(QFileInfo::exists(source(QStringLiteral("Views/Old.swift"))));
+    EXPECT_FALSE(QFileInfo::exists(source("Views/Old.swift")));
 
-    expectFailure(call(QStringLiteral("delete_file"), QStringLiteral("Views/Old.swift")),
-                  "There's no file at Views/Old.swift.", "delete_file failed");
-    expectFailure(call(QStringLiteral("delete_file"), QStringLiteral("Views")), "Views is a folder, not a file.",
-                  "delete_file failed");
-    EXPECT_TRUE(QFileInfo(source(QStringLiteral("Views"))).isDir());
+    expectRefused("delete_file", "Views/Old.swift", "There's no file at Views/Old.swift.");
+    expectRefused("delete_file", "Views", "Views is a folder, not a file.");
+    EXPECT_TRUE(QFileInfo(source("Views")).isDir());
 }
 
 TEST_F(FileToolsTest, NoToolReachesPastALinkLeadingOut)
 {
     const QString outside = dir.path() + QStringLiteral("/home");
-    QDir().mkpath(outside);
-    {
-        QFile bashrc(outside + "/.bashrc");
-        ASSERT_TRUE(bashrc.open(QIODevice::WriteOnly));
-        bashrc.write("secret");
-    }
-    QFile::link(outside, source(QStringLiteral("home")));
-    QFile::link(outside + "/.bashrc", source(QStringLiteral("rc.swift")));
+    put("../../../home/.bashrc", "secret");
+    QFile::link(outside, source("home"));
+    QFile::link(outside + "/.bashrc", source("rc.swift"));
     const QString refusal = QStringLiteral(" goes through a symbolic link that leads outside the source folder.");
 
-    expectFailure(call(QStringLiteral("read_file"), QStringLiteral("home/.bashrc")), "home/.bashrc" + refusal,
-                  "read_file failed");
-    expectFailure(call(QStringLiteral("write_file"), QStringLiteral("rc.swift"), {{"content", "rm -rf ~"}}),
-                  "rc.swift" + refusal, "write_file failed");
-    expectFailure(call(QStringLiteral("write_file"), QStringLiteral("home/New.swift"), {{"content", "x"}}),
-                  "home/New.swift" + refusal, "write_file failed");
-    expectFailure(call(QStringLiteral("edit_file"), QStringLiteral("home/.bashrc"),
-                       {{"old_text", "secret"}, {"new_text", "gone"}}),
-                  "home/.bashrc" + refusal, "edit_file failed");
-    expectFailure(call(QStringLiteral("delete_file"), QStringLiteral("home/.bashrc")), "home/.bashrc" + refusal,
-                  "delete_file failed");
-    expectFailure(call(QStringLiteral("write_file"), QStringLiteral("../home/.bashrc"), {{"content", "x"}}),
-                  "../home/.bashrc is outside the source folder.", "write_file failed");
+    expectRefused("read_file", "home/.bashrc", "home/.bashrc" + refusal);
+    expectRefused("write_file", "rc.swift", "rc.swift" + refusal, {{"content", "rm -rf ~"}});
+    expectRefused("write_file", "home/New.swift", "home/New.swift" + refusal, {{"content", "x"}});
+    expectRefused("edit_file", "home/.bashrc", "home/.bashrc" + refusal, {{"old_text", "secret"}, {"new_text", "gone"}});
+    expectRefused("delete_file", "home/.bashrc", "home/.bashrc" + refusal);
+    expectRefused("write_file", "../home/.bashrc", "../home/.bashrc is outside the source folder.", {{"content", "x"}});
 
     EXPECT_EQ(contents(outside + "/.bashrc"), "secret");
     EXPECT_EQ(QDir(outside).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList({".bashrc"}));
-    EXPECT_TRUE(QFileInfo(source(QStringLiteral("rc.swift"))).isSymLink());
+    EXPECT_TRUE(QFileInfo(source("rc.swift")).isSymLink());
 }
