@@ -136,12 +136,9 @@ TEST_F(BuildToolsTest, AScreenshotIsStoredAndHandedOverByReference)
     ASSERT_TRUE(stored.open(QIODevice::ReadOnly));
     EXPECT_EQ(stored.readAll(), png);
     EXPECT_EQ(result.item.symbol, QStringLiteral("camera"));
-    EXPECT_EQ(result.output,
-              JSON::array({JSON::object({{QStringLiteral("type"), JSON(QStringLiteral("input_text"))},
-                                         {QStringLiteral("text"), JSON(QStringLiteral("Screenshot of the app as it looks now:"))}}),
-                           JSON::object({{QStringLiteral("type"), JSON(QStringLiteral("input_image"))},
-                                         {QStringLiteral("image_url"),
-                                          JSON(QUrl::fromLocalFile(*result.item.imagePath).toString())}})}));
+    const QString url = QUrl::fromLocalFile(*result.item.imagePath).toString();
+    const JSON caption = JSON::object({{"type", "input_text"}, {"text", "Screenshot of the app as it looks now:"}});
+    EXPECT_EQ(result.output, JSON::array({caption, JSON::object({{"type", "input_image"}, {"image_url", url}})}));
 }
 
 TEST_F(BuildToolsTest, AScreenshotThatCannotBeStoredTravelsInline)
