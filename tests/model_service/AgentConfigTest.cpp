@@ -51,7 +51,7 @@ TEST_F(AgentConfigTest, TheSavedKeyWinsOverTheEnvironment)
     EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
 }
 
-TEST_F(AgentConfigTest, BlankKeysCountAsNone)
+TEST_F(AgentConfigTest, BlankKeysAndKeyFilesThatArentTextCountAsNone)
 {
     qputenv("OPENAI_API_KEY", " \t\n");
     EXPECT_FALSE(AgentConfig::environmentKey());
@@ -61,6 +61,8 @@ TEST_F(AgentConfigTest, BlankKeysCountAsNone)
     EXPECT_FALSE(AgentConfig::savedKey());
     EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
 
+    writeKeyFile("sk-\xff\xfe");
+    EXPECT_FALSE(AgentConfig::savedKey()) << "not text";
     writeKeyFile("sk-file\n");
     EXPECT_EQ(AgentConfig::savedKey(), "sk-file");
 
@@ -68,12 +70,6 @@ TEST_F(AgentConfigTest, BlankKeysCountAsNone)
     AgentConfig::saveAPIKey(QStringLiteral("   "));
     EXPECT_FALSE(QFile::exists(AgentConfig::keyPath()));
     EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
-}
-
-TEST_F(AgentConfigTest, AKeyFileThatIsNotTextCountsAsNone)
-{
-    writeKeyFile("sk-\xff\xfe");
-    EXPECT_FALSE(AgentConfig::savedKey());
 }
 
 TEST_F(AgentConfigTest, TheKeyFileIsTheOwnersAloneWhateverTheUmask)
