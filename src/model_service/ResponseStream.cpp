@@ -3,7 +3,6 @@
 #include "model_service/Failures.h"
 
 #include <cstring>
-#include <string.h>
 #include <string_view>
 #include <utility>
 
@@ -40,9 +39,20 @@ QByteArrayView trimBlanks(QByteArrayView text)
 // hidden behind \u escapes still reaches the decoder, so nothing acted on is passed over.
 bool mayBeActedOn(QByteArrayView payload)
 {
-    static constexpr std::string_view markers[] = {"output_item.", "completed", "incomplete", "failed", "error", "\\u"};
-    for (std::string_view marker : markers) {
-        if (::memmem(payload.data(), size_t(payload.size()), marker.data(), marker.size()))
+    // One pass over the line: a marker can only start where its first byte is.
+    const std::string_view text(payload.data(), size_t(payload.size()));
+    for (size_t at = 0; at < text.size(); ++at) {
+        std::string_view marker;
+        switch (text[at]) {
+        case 'o': marker = "output_item."; break;
+        case 'c': marker = "completed"; break;
+        case 'i': marker = "incomplete"; break;
+        case 'f': marker = "failed"; break;
+        case 'e': marker = "error"; break;
+        case '\\': marker = "\\u"; break;
+        default: continue;
+        }
+        if (text.substr(at, marker.size()) == marker)
             return true;
     }
     return false;
