@@ -208,10 +208,6 @@ QCoro::Task<> Agent::loop(TaskHandle self)
             co_return;
         }
 
-        record(response, provider);
-        save();
-        showResponse(response);
-
         QList<JSON> calls;
         if (const JSON::Array *outputItems = response.arrayAt("output")) {
             for (const JSON &item : *outputItems) {
@@ -219,6 +215,16 @@ QCoro::Task<> Agent::loop(TaskHandle self)
                     calls.append(item);
             }
         }
+        // The calls are owed an answer from the save that records them on: a crash before
+        // their own save would otherwise leave them in history with no output ever.
+        record(response, provider);
+        unansweredCalls.clear();
+        for (const JSON &call : std::as_const(calls)) {
+            if (auto id = call.stringAt("call_id"))
+                unansweredCalls.append(*id);
+        }
+        save();
+        showResponse(response);
         if (calls.isEmpty())
             co_return;
 

@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+#include <csignal>
+
 namespace zentoro {
 
 namespace {
@@ -43,6 +45,26 @@ void nameCurrent(const QUuid &id)
     const QString text = uuidText(id);
     if (Defaults::suiteValue(suite, currentConversationKey).toString() != text)
         Defaults::setSuiteValue(suite, currentConversationKey, text);
+}
+
+// For crash-safety testing: ZENTORO_KILL_AFTER_SAVES=<n> ends the process with SIGKILL right
+// after its nth save, as a crash would; "0,<n>" does so in the process that the agent's
+// restart starts next. Each process takes the first count at its first save, before it starts
+// any other program, and hands the rest on through the environment.
+void killIfAskedAfterSave()
+{
+    static int left = [] {
+        const char *name = "ZENTORO_KILL_AFTER_SAVES";
+        QList<QByteArray> counts = qgetenv(name).split(',');
+        const int count = counts.takeFirst().toInt();
+        if (counts.isEmpty())
+            qunsetenv(name);
+        else
+            qputenv(name, counts.join(','));
+        return count;
+    }();
+    if (left > 0 && --left == 0)
+        std::raise(SIGKILL);
 }
 
 QString stoppedOutput()
@@ -110,6 +132,7 @@ void Agent::writeConversation()
         list.prepend(summary);
     }
     setConversations(std::move(list));
+    killIfAskedAfterSave();
 }
 
 void Agent::load(const Saved &saved)

@@ -215,13 +215,18 @@ void FakeResponsesServer::serve(const std::shared_ptr<Connection> &connection)
     connection->received.remove(0, headEnd + 4 + contentLength);
     requests_.append(request);
 
-    if (script_.empty()) {
+    std::optional<ScriptedReply> reply;
+    if (responder_) {
+        reply = responder_(request);
+    } else if (!script_.empty()) {
+        reply = std::move(script_.front());
+        script_.pop_front();
+    }
+    if (!reply) {
         play(connection, httpError(500, R"({"error":{"message":"Nothing was scripted for this request."}})"));
         return;
     }
-    ScriptedReply reply = std::move(script_.front());
-    script_.pop_front();
-    play(connection, std::move(reply));
+    play(connection, std::move(*reply));
 }
 
 void FakeResponsesServer::play(const std::shared_ptr<Connection> &connection, ScriptedReply reply)

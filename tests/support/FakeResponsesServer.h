@@ -9,6 +9,7 @@
 #include <QTcpServer>
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -88,6 +89,10 @@ public:
     void becomeModelService();
 
     void enqueue(ScriptedReply reply);
+    // Answers each request by what it carries rather than from the queue; a request the
+    // responder has no answer for gets a 500.
+    using Responder = std::function<std::optional<ScriptedReply>(const RecordedRequest &)>;
+    void respondWith(Responder responder) { responder_ = std::move(responder); }
     qsizetype scriptedLeft() const { return qsizetype(script_.size()); }
     const QList<RecordedRequest> &requests() const { return requests_; }
     // Open connections: a cancelled request closes its own.
@@ -115,6 +120,7 @@ private:
 
     QTcpServer server_;
     std::deque<ScriptedReply> script_;
+    Responder responder_;
     QList<RecordedRequest> requests_;
     std::optional<QByteArray> previousBase_;
     bool replacedBase_ = false;

@@ -1,0 +1,548 @@
+#include "agent/HistoryUpkeep.h"
+#include "agent/ModelRequest.h"
+#include "agent/SavedConversation.h"
+#include "core/AtomicFile.h"
+#include "core/Defaults.h"
+#include "runtime/Kit.h"
+#include "runtime/Runtime.h"
+#include "runtime/Workspace.h"
+
+#include "support/Await.h"
+#include "support/FakeResponsesServer.h"
+#include "support/ProcessTable.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <memory>
+
+#include <signal.h>
+
+using namespace zentoro;
+using namespace zentoro::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString copyName = QStringLiteral("Fault Harness");
+const QUuid conversationID(QStringLiteral("{5D1C7E2A-0B7F-4E55-9A1D-3C2B8F6E4A10}"));
+const QString request = QStringLiteral("Make the greeting smaller, build it, look at it, and restart to see it stays.");
+const QString finalAnswer = QStringLiteral("The greeting is smaller, and it came back after the restart.");
+
+// Call ids of the scripted turn: the restart the turn goes on from, the first step's tools,
+// the second step's read and restart.
+const QString firstRestart = QStringLiteral("call_restart_0");
+const QStringList firstStep = {QStringLiteral("call_write"), QStringLiteral("call_read"), QStringLiteral("call_build"),
+                               QStringLiteral("call_shot")};
+const QString themeRead = QStringLiteral("call_theme");
+const QString secondRestart = QStringLiteral("call_restart_1");
+
+QString readText(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QStringList outputCallIDs(const JSON::Array &input)
+{
+    QStringList ids;
+    for (const JSON &item : input) {
+        if (item.stringAt(QStringLiteral("type")) == u"function_call_output")
+            ids.append(item.stringAt(QStringLiteral("call_id")).value_or(QString()));
+    }
+    return ids;
+}
+
+JSON::Array inputOf(const RecordedRequest &recorded)
+{
+    try {
+        const JSON body = recorded.json();
+        if (const JSON::Array *input = body.arrayAt(QStringLiteral("input")))
+            return *input;
+    } catch (const JSON::Error &) {
+    }
+    return {};
+}
+
+// What an input item stands for, whatever form a request gives its content.
+QString identity(const JSON &item)
+{
+    const QString type = item.stringAt(QStringLiteral("type")).value_or(QString());
+    if (type == u"function_call_output" || type == u"function_call")
+        return type + u' ' + item.stringAt(QStringLiteral("call_id")).value_or(QString());
+    if (auto role = item.stringAt(QStringLiteral("role"))) {
+        const JSON *content = item.find(QStringLiteral("content"));
+        return *role + QStringLiteral(": ") + QString::fromUtf8(content ? content->encode() : QByteArray());
+    }
+    return QString::fromUtf8(item.encode());
+}
+
+QStringList identities(const QList<JSON> &items)
+{
+    QStringList list;
+    for (const JSON &item : items)
+        list.append(identity(item));
+    return list;
+}
+
+// The model's side of the conversation: every call that reached `history` has exactly one
+// output among those `history` already holds and those the next request carries.
+QStringList callsNotAnsweredOnce(const QList<JSON> &history, const JSON::Array &next, bool chained)
+{
+    QMap<QString, int> outputs;
+    const QStringList nextOutputs = outputCallIDs(next);
+    for (const QString &id : nextOutputs)
+        ++outputs[id];
+    if (chained) {
+        const QStringList recorded = outputCallIDs(JSON::Array(history.begin(), history.end()));
+        for (const QString &id : recorded)
+            ++outputs[id];
+    }
+    QStringList problems;
+    for (const JSON &item : history) {
+        if (item.stringAt(QStringLiteral("type")) != u"function_call")
+            continue;
+        const QString id = item.stringAt(QStringLiteral("call_id")).value_or(QString());
+        if (outputs.value(id) != 1)
+            problems.append(QStringLiteral("call %1 has %2 outputs").arg(id).arg(outputs.value(id)));
+    }
+    return problems;
+}
+
+// A row as the transcript shows it, with the figures that change from run to run (a build's
+// seconds, a version's number) left out.
+QString rowKey(const ChatItem &item)
+{
+    static const QRegularExpression figures(QStringLiteral("[0-9.]+"));
+    return ChatItem::kindText(item.kind) + u'|' + item.symbol.value_or(QString()) + u'|' +
+           QString(item.text).replace(figures, QStringLiteral("#"));
+}
+
+// The rows of a transcript, counted, without the runtime's notes: a kill within a version's
+// proving time is taken for a crash of the app, and the next start tells of it.
+QMap<QString, int> rowCounts(const QList<ChatItem> &items)
+{
+    QMap<QString, int> counts;
+    for (const ChatItem &item : items) {
+        if (item.symbol != u"info.circle")
+            ++counts[rowKey(item)];
+    }
+    return counts;
+}
+
+bool endsWithTheAnswer(const SavedConversation &saved)
+{
+    return !saved.items.isEmpty() && saved.items.last().kind == ChatItem::Kind::Assistant &&
+           saved.items.last().text == finalAnswer;
+}
+
+// How a run is cut short: after a given save (ZENTORO_KILL_AFTER_SAVES), or from outside at
+// a moment counted from the start.
+struct Kill {
+    QByteArray afterSaves;
+    std::optional<qint64> atMilliseconds;
+    QString label;
+};
+
+// What one run from the starting file came to.
+struct Trial {
+    bool killed = false;
+    QByteArray fileAtKill;
+    std::optional<SavedConversation> atKill;
+    qsizetype requestsBeforeKill = 0;
+    // Restarts the program made through its waiting script, and whether one followed the kill.
+    int relaunches = 0;
+    bool relaunchedAfterKill = false;
+    std::optional<SavedConversation> settled;
+    QList<RecordedRequest> requests;
+    QStringList problems;
+    qint64 milliseconds = 0;
+};
+
+// The real program in a copy of its own, against the fake model service, always starting
+// from the same conversation: the turn right after a `restart_app`, whose answer is owed.
+class Harness {
+public:
+    explicit Harness(const QString &executable) : workspace_(Workspace::forName(copyName))
+    {
+        link_ = folder_.filePath(copyName);
+        QFile::link(executable, link_);
+        server_.respondWith([this](const RecordedRequest &recorded) { return answer(recorded); });
+    }
+    ~Harness() { ProcessTable::killAll({link_, workspace_.root}); }
+
+    const Workspace &workspace() const { return workspace_; }
+
+    Trial run(const Kill &kill, std::chrono::milliseconds limit = 120s);
+
+private:
+    // The model: each step's answer is chosen by the outputs its request carries, so that a
+    // request sent again after a kill gets the same answer as the first time.
+    std::optional<ScriptedReply> answer(const RecordedRequest &recorded) const;
+    void resetCopy() const;
+    std::unique_ptr<QProcess> start(const QByteArray &afterSaves) const;
+    QString conversationPath() const { return workspace_.conversation(conversationID); }
+
+    Workspace workspace_;
+    QTemporaryDir folder_;
+    QString link_;
+    FakeResponsesServer server_;
+};
+
+std::optional<ScriptedReply> Harness::answer(const RecordedRequest &recorded) const
+{
+    const QStringList answered = outputCallIDs(inputOf(recorded));
+    if (answered.contains(secondRestart))
+        return FakeResponsesServer::turn({FakeResponsesServer::message(finalAnswer, QStringLiteral("msg_final"))},
+                                         QStringLiteral("resp_C"));
+    if (answered.contains(firstStep.last()) || answered.contains(themeRead))
+        return FakeResponsesServer::turn(
+            {FakeResponsesServer::call(QStringLiteral("read_file"), JSON::object({{"path", "Theme.swift"}}), themeRead),
+             FakeResponsesServer::call(QStringLiteral("restart_app"), JSON::object(), secondRestart)},
+            QStringLiteral("resp_B"));
+    if (answered.contains(firstRestart)) {
+        QString source = readText(workspace_.sources() + QStringLiteral("/AppRoot.swift"));
+        source.replace(QStringLiteral(".font(.largeTitle)"), QStringLiteral(".font(.title)"));
+        return FakeResponsesServer::turn(
+            {FakeResponsesServer::message(QStringLiteral("I'll make the greeting smaller."), QStringLiteral("msg_plan")),
+             FakeResponsesServer::call(QStringLiteral("write_file"),
+                                       JSON::object({{"path", "AppRoot.swift"}, {"content", source}}), firstStep[0]),
+             FakeResponsesServer::call(QStringLiteral("read_file"), JSON::object({{"path", "AppRoot.swift"}}),
+                                       firstStep[1]),
+             FakeResponsesServer::call(QStringLiteral("build"), JSON::object(), firstStep[2]),
+             FakeResponsesServer::call(QStringLiteral("screenshot"), JSON::object(), firstStep[3])},
+            QStringLiteral("resp_A"));
+    }
+    return std::nullopt;
+}
+
+// The copy as the program leaves it right after the agent asked for a restart: the request
+// and the restart call recorded, the call unanswered. The compiler's module cache stays.
+void Harness::resetCopy() const
+{
+    for (const QString &name : {QStringLiteral("Sources"), QStringLiteral("Versions"), QStringLiteral("Conversations"),
+                                QStringLiteral("Data"), QStringLiteral("Build/Screenshots")})
+        QDir(workspace_.root + u'/' + name).removeRecursively();
+    QFile::remove(workspace_.stateFile());
+    workspace_.prepare();
+
+    SavedConversation saved;
+    saved.id = conversationID;
+    saved.created = QDateTime::currentDateTimeUtc();
+    saved.updated = saved.created;
+    saved.items = {ChatItem::make(ChatItem::Kind::User, request),
+                   ChatItem::make(ChatItem::Kind::Tool, QStringLiteral("Restarting %1…").arg(copyName),
+                                  QStringLiteral("arrow.clockwise"))};
+    const JSON said = JSON::object({{"role", "user"}, {"content", request}});
+    const JSON restart = FakeResponsesServer::call(QStringLiteral("restart_app"), JSON::object(), firstRestart);
+    for (const JSON &item : {said, restart}) {
+        if (auto kept = HistoryUpkeep::forHistory(item))
+            saved.history.append(*kept);
+    }
+    saved.previousResponseID = QStringLiteral("resp_0");
+    saved.restartCallID = firstRestart;
+    saved.unansweredCalls = {firstRestart};
+    saved.currentRequest = request;
+    QDir().mkpath(workspace_.root + QStringLiteral("/Conversations"));
+    AtomicFile::write(conversationPath(), saved.encode());
+    Defaults::setSuiteValue(workspace_.defaultsSuite(), QStringLiteral("currentConversation"), uuidText(conversationID));
+}
+
+std::unique_ptr<QProcess> Harness::start(const QByteArray &afterSaves) const
+{
+    auto process = std::make_unique<QProcess>();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(QStringLiteral("ZENTORO_API_BASE"), server_.origin());
+    environment.insert(QStringLiteral("OPENAI_API_KEY"), QStringLiteral("sk-fault-harness"));
+    environment.remove(QStringLiteral("ZENTORO_KILL_AFTER_SAVES"));
+    if (!afterSaves.isEmpty())
+        environment.insert(QStringLiteral("ZENTORO_KILL_AFTER_SAVES"), QString::fromLatin1(afterSaves));
+    process->setProcessEnvironment(environment);
+    process->setProgram(link_);
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->start();
+    process->waitForStarted();
+    return process;
+}
+
+Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
+{
+    resetCopy();
+    const qsizetype firstRequest = server_.requests().size();
+    Trial trial;
+    QElapsedTimer clock;
+    clock.start();
+
+    std::unique_ptr<QProcess> child = start(kill.afterSaves);
+    pid_t current = pid_t(child->processId());
+    bool currentIsChild = true;
+    std::optional<qint64> calmSince;
+    qsizetype requestsWhenCalm = 0;
+    QElapsedTimer sinceExit;
+
+    // Follows the program from process to process until the turn has come to rest.
+    const bool settled = spinUntil([&] {
+        const bool dead = currentIsChild ? child->state() == QProcess::NotRunning : !ProcessTable::isAlive(current);
+        if (!dead && kill.atMilliseconds && !trial.killed && clock.elapsed() >= *kill.atMilliseconds) {
+            ::kill(current, SIGKILL);
+            return false;
+        }
+        if (dead) {
+            calmSince.reset();
+            const QList<pid_t> successors = ProcessTable::mentioning(link_);
+            if (currentIsChild && child->exitStatus() == QProcess::NormalExit) {
+                // An orderly end is a restart: its waiting script becomes the program anew.
+                if (!sinceExit.isValid())
+                    sinceExit.start();
+                if (successors.isEmpty()) {
+                    if (sinceExit.elapsed() > 5000) {
+                        trial.problems.append(QStringLiteral("the program ended without a restart"));
+                        return true;
+                    }
+                    return false;
+                }
+                sinceExit.invalidate();
+                current = successors.first();
+                currentIsChild = false;
+                ++trial.relaunches;
+                return false;
+            }
+            if (trial.killed) {
+                trial.problems.append(QStringLiteral("a process ended again after the kill"));
+                return true;
+            }
+            trial.killed = true;
+            QFile file(conversationPath());
+            if (file.open(QIODevice::ReadOnly))
+                trial.fileAtKill = file.readAll();
+            try {
+                trial.atKill = SavedConversation::fromJSON(JSON::decode(trial.fileAtKill));
+            } catch (const JSON::Error &) {
+            }
+            // A request the process sent just before it died may still be on its way in; a
+            // relaunch under way may already send its own.
+            if (successors.isEmpty())
+                spinUntil([] { return false; }, 300ms);
+            trial.requestsBeforeKill = server_.requests().size() - firstRequest;
+            if (!successors.isEmpty()) {
+                // Killed after its restart had begun: the waiting script carries on.
+                current = successors.first();
+                currentIsChild = false;
+                trial.relaunchedAfterKill = true;
+            } else {
+                child = start({});
+                current = pid_t(child->processId());
+                currentIsChild = true;
+            }
+            return false;
+        }
+
+        const auto now = SavedConversation::read(conversationPath());
+        const bool atRest = now && now->unansweredCalls.isEmpty() && !now->restartCallID &&
+                            (endsWithTheAnswer(*now) ||
+                             (trial.atKill && !trial.atKill->restartCallID && now->updated != trial.atKill->updated));
+        if (!atRest) {
+            calmSince.reset();
+            return false;
+        }
+        // At rest once it stays so for a while: no process ends and no request goes out.
+        const qsizetype requests = server_.requests().size();
+        if (!calmSince || requests != requestsWhenCalm) {
+            calmSince = clock.elapsed();
+            requestsWhenCalm = requests;
+            return false;
+        }
+        return clock.elapsed() - *calmSince >= 1000;
+    }, limit);
+
+    trial.milliseconds = clock.elapsed();
+    if (!settled)
+        trial.problems.append(QStringLiteral("the turn didn't come to rest within %1 s").arg(limit.count() / 1000));
+    trial.settled = SavedConversation::read(conversationPath());
+    trial.requests = server_.requests().mid(firstRequest);
+    if (!ProcessTable::killAll({link_, workspace_.root}))
+        trial.problems.append(QStringLiteral("a process of the copy couldn't be ended"));
+    return trial;
+}
+
+// Everything a kill must not break. `reference` is the run that nothing cut short.
+QStringList judge(const Trial &trial, const Trial &reference)
+{
+    QStringList problems = trial.problems;
+    if (!trial.settled) {
+        problems.append(QStringLiteral("the conversation file doesn't read after the run"));
+        return problems;
+    }
+    const SavedConversation &settled = *trial.settled;
+    const QList<RecordedRequest> after = trial.requests.mid(trial.requestsBeforeKill);
+
+    if (!trial.killed) {
+        problems.append(QStringLiteral("nothing was killed"));
+        return problems;
+    }
+    if (!trial.atKill) {
+        problems.append(QStringLiteral("the conversation file doesn't read after the kill: ") +
+                        QString::fromUtf8(trial.fileAtKill.left(200)));
+        return problems;
+    }
+    const SavedConversation &atKill = *trial.atKill;
+
+    // No row lost or rewritten; none doubled.
+    if (settled.items.mid(0, atKill.items.size()) != atKill.items)
+        problems.append(QStringLiteral("rows saved before the kill changed or went missing"));
+    const QMap<QString, int> counts = rowCounts(settled.items);
+    const QMap<QString, int> expected = rowCounts(reference.settled->items);
+    for (auto row = counts.begin(); row != counts.end(); ++row) {
+        if (row.value() > expected.value(row.key()))
+            problems.append(QStringLiteral("row %1 shows %2 times").arg(row.key()).arg(row.value()));
+    }
+
+    // Every call in the conversation has exactly one output, in the file as it ends.
+    for (const QString &problem :
+         callsNotAnsweredOnce(settled.history, JSON::Array(settled.pendingInput.begin(), settled.pendingInput.end()), true))
+        problems.append(QStringLiteral("at the end, ") + problem);
+
+    if (atKill.restartCallID) {
+        // The agent's own restart goes on by itself, and the next request answers each call
+        // of the conversation once, behind everything that was waiting.
+        if (!endsWithTheAnswer(settled))
+            problems.append(QStringLiteral("the restart didn't carry the turn to its end"));
+        if (rowCounts(settled.items) != expected)
+            problems.append(QStringLiteral("the rows differ from an uncut run's"));
+        if (after.isEmpty()) {
+            problems.append(QStringLiteral("no request followed the restart"));
+            return problems;
+        }
+        const JSON body = after.first().json();
+        const JSON::Array input = inputOf(after.first());
+        const bool chained = body.find(QStringLiteral("previous_response_id")) != nullptr;
+        if (chained && body.stringAt(QStringLiteral("previous_response_id")) != atKill.previousResponseID)
+            problems.append(QStringLiteral("the next request doesn't follow the last recorded response"));
+        for (const QString &problem : callsNotAnsweredOnce(atKill.history, input, chained))
+            problems.append(QStringLiteral("in the next request, ") + problem);
+        const QStringList waiting = identities(atKill.pendingInput);
+        const QStringList sent = identities(QList<JSON>(input.begin(), input.end()));
+        if (chained && sent.mid(0, waiting.size()) != waiting)
+            problems.append(QStringLiteral("the next request lost or reordered waiting input"));
+        if (QSet<QString>(sent.begin(), sent.end()).size() != sent.size())
+            problems.append(QStringLiteral("the next request carries an item twice"));
+        bool answered = false;
+        for (const JSON &item : input) {
+            answered = answered || (item.stringAt(QStringLiteral("call_id")) == atKill.restartCallID &&
+                                    item.stringAt(QStringLiteral("output")).value_or(QString()).startsWith(
+                                        QStringLiteral("Zentoro restarted; it is now running ")));
+        }
+        if (!answered)
+            problems.append(QStringLiteral("the restart call got no restart answer"));
+    } else {
+        // Cut off without a restart in progress: the turn stays ended, and what the next
+        // request will carry answers each call once, behind what was waiting.
+        if (!after.isEmpty())
+            problems.append(QStringLiteral("a request went out after the kill with no restart in progress"));
+        const QStringList waiting = identities(atKill.pendingInput);
+        if (identities(settled.pendingInput).mid(0, waiting.size()) != waiting)
+            problems.append(QStringLiteral("waiting input was lost or reordered"));
+        const JSON next = ModelRequest::body(Provider::APIKey, settled.history, settled.pendingInput,
+                                             settled.previousResponseID, conversationID);
+        const JSON::Array *input = next.arrayAt(QStringLiteral("input"));
+        const bool chained = next.find(QStringLiteral("previous_response_id")) != nullptr;
+        for (const QString &problem : callsNotAnsweredOnce(settled.history, input ? *input : JSON::Array(), chained))
+            problems.append(QStringLiteral("in the next request, ") + problem);
+    }
+    return problems;
+}
+
+} // namespace
+
+// The real program, killed with SIGKILL right after each save of a two-step turn with a
+// build and a restart, and at random moments between; after each kill it starts again, and
+// the conversation must read, each call must get one output, the restart must go on by
+// itself, and no row or input may be lost or doubled.
+TEST(FaultInjection, EveryKillPointOfATurnIsSurvived)
+{
+    const QString executable = QCoreApplication::applicationDirPath() + QStringLiteral("/../zentoro");
+    if (!QFile::exists(executable))
+        GTEST_SKIP() << "The zentoro program isn't built beside the tests.";
+    Harness harness(executable);
+    {
+        // The compiled kit is shared through the cache, so the program's first build doesn't make it.
+        Runtime runtime(harness.workspace());
+        test::await(runtime.checkToolchain());
+        if (!runtime.toolchain().isReady())
+            GTEST_SKIP() << "No Swift compiler found (" << runtime.toolchainDescription().toStdString()
+                         << "); the fault-injection run was skipped.";
+        const Toolchain::Compiler compiler = *runtime.toolchain().compiler();
+        const Kit::Build kit = test::await(Kit::ensureBuilt(TaskHandle(), compiler.swiftc, compiler.version));
+        ASSERT_TRUE(kit.ok()) << kit.error.toStdString();
+    }
+    QElapsedTimer clock;
+    clock.start();
+
+    // A run that nothing cuts short: both steps, the build, and a real restart through the
+    // waiting script, after which the turn ends by itself.
+    const Trial reference = harness.run({});
+    ASSERT_TRUE(reference.problems.isEmpty()) << reference.problems.join(u'\n').toStdString();
+    ASSERT_TRUE(reference.settled && endsWithTheAnswer(*reference.settled));
+    EXPECT_EQ(reference.relaunches, 1);
+    EXPECT_EQ(reference.requests.size(), 3);
+    EXPECT_TRUE(callsNotAnsweredOnce(reference.settled->history, {}, true).isEmpty());
+    const QMap<QString, int> rows = rowCounts(reference.settled->items);
+    EXPECT_EQ(rows.value(QStringLiteral("tool|hammer|Built version # in #s")), 1) << rows.keys().join(u' ').toStdString();
+    EXPECT_EQ(rows.value(QStringLiteral("event|arrow.clockwise|Restarted")), 2);
+    EXPECT_TRUE(readText(harness.workspace().sources() + QStringLiteral("/AppRoot.swift")).contains(u".font(.title)"));
+
+    int tried = 0;
+    int survived = 0;
+    // Runs one kill; false when nothing was killed, which is no kill point.
+    auto attempt = [&](const Kill &kill) {
+        const Trial trial = harness.run(kill);
+        if (!trial.killed && trial.problems.isEmpty())
+            return false;
+        ++tried;
+        const QStringList problems = judge(trial, reference);
+        if (problems.isEmpty())
+            ++survived;
+        else
+            ADD_FAILURE() << kill.label.toStdString() << ":\n  " << problems.join(QStringLiteral("\n  ")).toStdString()
+                          << "\n  file at the kill: " << trial.fileAtKill.toStdString();
+        return true;
+    };
+
+    // After each save of the first process, then of the one its restart starts. A count
+    // past the last save lets the process run whole, which ends that series.
+    for (const QByteArray &prefix : {QByteArray(), QByteArray("0,")}) {
+        const QString which = prefix.isEmpty() ? QStringLiteral("first") : QStringLiteral("restarted");
+        for (int save = 1; save <= 40; ++save) {
+            const QString label = QStringLiteral("killed after save %1 of the %2 process").arg(save).arg(which);
+            if (!attempt({prefix + QByteArray::number(save), std::nullopt, label}))
+                break;
+        }
+    }
+    const int afterSaves = tried;
+
+    // At random moments of an uncut run's length.
+    const quint32 seed = QRandomGenerator::global()->generate();
+    QRandomGenerator random(seed);
+    for (int n = 0; n < 4; ++n) {
+        const qint64 at = random.bounded(qint64(reference.milliseconds - 1000));
+        attempt({{}, at, QStringLiteral("killed %1 ms after the start (seed %2)").arg(at).arg(seed)});
+    }
+
+    std::cout << "Fault injection: " << tried << " kill points tried (" << afterSaves << " right after a save, "
+              << tried - afterSaves << " at random moments), " << survived << " survived, in " << clock.elapsed() / 1000
+              << " s." << std::endl;
+    EXPECT_EQ(survived, tried);
+    EXPECT_GE(afterSaves, 10);
+}
