@@ -17,30 +17,11 @@ using namespace zentoro::test;
 
 namespace {
 
-struct ShownPanel {
-    PanelHarness harness;
-    AgentPanel panel{harness.agent};
-
-    ShownPanel()
-    {
-        panel.resize(380, 700);
-        panel.show();
-        panel.transcript()->layoutNow();
-    }
-
+// Types into and presses keys in the composer of a shown panel.
+struct Typist : ShownPanel {
     ComposerField *field() { return panel.composer()->field(); }
-
     void type(const QString &text) { QTest::keyClicks(field(), text); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) { QTest::keyClick(field(), key, modifiers); }
-
-    // The texts of the transcript's rows, as "kind: text".
-    QStringList rows() const
-    {
-        QStringList texts;
-        for (const ChatItem &item : harness.agent.items())
-            texts.append(ChatItem::kindText(item.kind) + ": " + item.text);
-        return texts;
-    }
 
     bool suggestionsEnabled()
     {
@@ -56,7 +37,7 @@ struct ShownPanel {
 
 TEST(AgentPanel, ReturnSendsShiftReturnBreaksTheLineAndBlankTextStays)
 {
-    ShownPanel shown;
+    Typist shown;
     EXPECT_EQ(shown.field()->placeholderText(), QStringLiteral("Describe a change…"));
     EXPECT_TRUE(shown.panel.emptyState()->isVisibleTo(&shown.panel));
 
@@ -89,7 +70,7 @@ TEST(AgentPanel, ReturnSendsShiftReturnBreaksTheLineAndBlankTextStays)
 
 TEST(AgentPanel, DuringARunReturnKeepsTheDraftAndStopCancelsTheRun)
 {
-    ShownPanel shown;
+    Typist shown;
     shown.type(QStringLiteral("Add a timer"));
     shown.press(Qt::Key_Return);
     ASSERT_TRUE(shown.harness.agent.isRunning());
@@ -120,7 +101,7 @@ TEST(AgentPanel, DuringARunReturnKeepsTheDraftAndStopCancelsTheRun)
 
 TEST(AgentPanel, SuggestionsSendTheirTextOnlyWhenTheAgentCanRun)
 {
-    ShownPanel shown;
+    Typist shown;
     ASSERT_EQ(shown.panel.emptyState()->buttons().size(), 4);
     shown.type(QStringLiteral("my draft"));
     ASSERT_TRUE(shown.suggestionsEnabled());
@@ -147,7 +128,7 @@ TEST(AgentPanel, SuggestionsSendTheirTextOnlyWhenTheAgentCanRun)
 
 TEST(AgentPanel, TryAgainStandsOnlyUnderAFailureThatIsLastAndRetries)
 {
-    ShownPanel shown;
+    Typist shown;
     shown.harness.failNext = true;
     shown.type(QStringLiteral("Build it"));
     shown.press(Qt::Key_Return);
@@ -181,12 +162,12 @@ TEST(AgentPanel, TryAgainStandsOnlyUnderAFailureThatIsLastAndRetries)
 
 TEST(AgentPanel, ErrorRowsOfferTheirLinkAndNoRetryWithoutQueuedInput)
 {
-    ShownPanel shown;
+    Typist shown;
     ChatItem error = ChatItem::make(ChatItem::Kind::Error, QStringLiteral("Usage limit reached."));
     error.link = ChatLink{QStringLiteral("Manage Usage"), QUrl(QStringLiteral("https://example.invalid/usage"))};
     shown.harness.agent.setItems({ChatItem::make(ChatItem::Kind::User, QStringLiteral("Hi")), error});
     shown.panel.transcript()->layoutNow();
-    QWidget *row = shown.panel.transcript()->rowWidget(1);
+    QWidget *row = shown.row(1);
     ASSERT_NE(row, nullptr);
     QStringList buttons;
     for (QPushButton *button : row->findChildren<QPushButton *>())

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "agent/Agent.h"
+#include "ui/AgentPanel.h"
+#include "ui/LazyColumn.h"
 #include "model_service/Failures.h"
 #include "support/Await.h"
+#include "support/FakeAgent.h"
 
 #include <QNetworkReply>
 
@@ -22,11 +25,9 @@ struct PanelHarness {
 
     AgentOperations operations()
     {
-        AgentOperations ops;
+        AgentOperations ops = fakeOperations();
         ops.hasAPIKey = [this] { return available == Provider::APIKey; };
         ops.canUsePlan = [this] { return available == Provider::ChatGPT; };
-        ops.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> { co_return QStringLiteral("key"); };
-        ops.request = [](Provider) { return JSON::object(); };
         ops.respond = [this](const TaskHandle &task, const QString &, const JSON &,
                              const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
             while (!released && !task.isCancelled())
@@ -39,33 +40,13 @@ struct PanelHarness {
                 failNext = false;
                 throw NetworkError(QNetworkReply::ConnectionRefusedError, QString::fromUtf8("Connection refused"));
             }
-            co_return answer();
+            const JSON answer = response({textMessage(QString::fromUtf8("Done **now**."))});
+            co_return answer;
         };
         ops.perform = [](const QString &, const JSON &) -> QCoro::Task<ToolResult> {
             co_return ToolResult{JSON("ok"), ChatItem::make(ChatItem::Kind::Tool, QStringLiteral("Did it"))};
         };
-        ops.forHistory = [](const JSON &item) -> std::optional<JSON> { return item; };
-        ops.context = [] { return QStringLiteral("state note"); };
-        ops.recover = [](const TaskHandle &, const OpenAI::Failure &, Provider, Recovery *) -> QCoro::Task<bool> {
-            co_return false;
-        };
-        ops.errorItem = [](std::exception_ptr failure, Provider) {
-            ChatItem item = ChatItem::make(ChatItem::Kind::Error, describe(failure));
-            item.failed = true;
-            return item;
-        };
-        ops.save = [] {};
-        ops.relaunch = [](bool) {};
         return ops;
-    }
-
-    static JSON answer()
-    {
-        const JSON message = JSON::object(
-            {{"type", "message"},
-             {"role", "assistant"},
-             {"content", JSON::array({JSON::object({{"type", "output_text"}, {"text", "Done **now**."}})})}});
-        return JSON::object({{"id", "resp_1"}, {"status", "completed"}, {"output", JSON::array({message})}});
     }
 
     bool finish()
@@ -73,6 +54,25 @@ struct PanelHarness {
         released = true;
         return spinUntil([this] { return !agent.isRunning(); });
     }
+};
+
+// The agent panel over a harness, shown at the width of the window's side bar, holding `items`.
+struct ShownPanel {
+    PanelHarness harness;
+    AgentPanel panel{harness.agent};
+
+    explicit ShownPanel(const QList<ChatItem> &items = {})
+    {
+        harness.agent.setItems(items);
+        panel.resize(380, 700);
+        panel.show();
+        panel.transcript()->layoutNow();
+    }
+
+    QWidget *row(qsizetype index) { return panel.transcript()->rowWidget(index); }
+
+    // The texts of the transcript's rows, as "kind: text".
+    QStringList rows() const { return rowTexts(harness.agent); }
 };
 
 } // namespace zentoro::test

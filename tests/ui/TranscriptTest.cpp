@@ -51,29 +51,13 @@ QList<ChatItem> longConversation(qsizetype count)
     return items;
 }
 
-struct Panel {
-    PanelHarness harness;
-    AgentPanel panel{harness.agent};
-
-    explicit Panel(const QList<ChatItem> &items)
-    {
-        harness.agent.setItems(items);
-        panel.resize(380, 700);
-        panel.show();
-        panel.transcript()->layoutNow();
-    }
-
-    QWidget *row(qsizetype index) { return panel.transcript()->rowWidget(index); }
-};
-
 } // namespace
 
 TEST(TranscriptRows, EachKindShowsItsTextAsDesigned)
 {
-    const ChatItem user = ChatItem::make(ChatItem::Kind::User, QStringLiteral("Make   it <blue>"));
-    const ChatItem assistant = ChatItem::make(ChatItem::Kind::Assistant, QStringLiteral("# Title\nUse **bold** and `code`"));
-    const ChatItem event = ChatItem::make(ChatItem::Kind::Event, QStringLiteral("Restarted"), QStringLiteral("arrow.clockwise"));
-    Panel shown({user, assistant, event});
+    ShownPanel shown({ChatItem::make(ChatItem::Kind::User, "Make   it <blue>"),
+                 ChatItem::make(ChatItem::Kind::Assistant, "# Title\nUse **bold** and `code`"),
+                 ChatItem::make(ChatItem::Kind::Event, "Restarted", "arrow.clockwise")});
 
     // The user's words stand verbatim, not as markup.
     auto *bubble = shown.row(0)->findChild<QLabel *>();
@@ -103,8 +87,8 @@ TEST(TranscriptRows, ToolRowsExpandOnlyWithDetailsAndShowReadableImages)
     ChatItem gone = tool(QStringLiteral("Took another"));
     gone.imagePath = dir.filePath(QStringLiteral("missing.png"));
     const QString detail = QStringLiteral("line\n").repeated(200);
-    Panel shown({tool(QStringLiteral("Read App.swift")), tool(QStringLiteral("Edited App.swift"), detail), shot, gone,
-                 tool(QStringLiteral("Build failed (2 errors)"), QStringLiteral("x: error: y"), true)});
+    ShownPanel shown({tool("Read App.swift"), tool("Edited App.swift", detail), shot, gone,
+                      tool("Build failed (2 errors)", "x: error: y", true)});
 
     auto *plain = qobject_cast<ToolRow *>(shown.row(0));
     ASSERT_NE(plain, nullptr);
@@ -143,38 +127,29 @@ TEST(TranscriptRows, ToolRowsExpandOnlyWithDetailsAndShowReadableImages)
 
 TEST(TranscriptRows, AFailedToolIsRedInIconAndText)
 {
-    ToolHead ok(tool(QStringLiteral("Edited A"), QStringLiteral("d")));
-    ToolHead failed(tool(QStringLiteral("Edited A"), QStringLiteral("d"), true));
-    for (ToolHead *head : {&ok, &failed})
-        head->resize(260, head->heightForWidth(260));
-    const QImage okImage = ok.grab().toImage();
-    const QImage failedImage = failed.grab().toImage();
-    const auto reddish = [](const QImage &image) {
-        int count = 0;
+    // Red pixels in the symbol's box and in the text of a head as drawn.
+    const auto redIn = [](bool failed) {
+        ToolHead head(tool("Edited A", "d", failed));
+        head.resize(260, head.heightForWidth(260));
+        const QImage image = head.grab().toImage();
+        std::pair<int, int> count{0, 0};
         for (int y = 0; y < image.height(); ++y)
             for (int x = 0; x < image.width(); ++x) {
                 const QColor c = image.pixelColor(x, y);
-                count += c.red() > 150 && c.green() < 90 && c.blue() < 90 ? 1 : 0;
+                if (c.red() > 150 && c.green() < 90 && c.blue() < 90)
+                    ++(x < 18 ? count.first : count.second);
             }
         return count;
     };
-    EXPECT_EQ(reddish(okImage), 0);
-    // Both the symbol's box and the text carry red.
-    int inIcon = 0;
-    int inText = 0;
-    for (int y = 0; y < failedImage.height(); ++y)
-        for (int x = 0; x < failedImage.width(); ++x) {
-            const QColor c = failedImage.pixelColor(x, y);
-            if (c.red() > 150 && c.green() < 90 && c.blue() < 90)
-                (x < 18 ? inIcon : inText)++;
-        }
+    EXPECT_EQ(redIn(false), std::make_pair(0, 0));
+    const auto [inIcon, inText] = redIn(true);
     EXPECT_GT(inIcon, 5);
     EXPECT_GT(inText, 5);
 }
 
 TEST(LazyTranscript, BuildsOnlyTheRowsInSightAndStaysAtTheBottom)
 {
-    Panel shown(longConversation(5000));
+    ShownPanel shown(longConversation(5000));
     LazyColumn *transcript = shown.panel.transcript();
     EXPECT_EQ(transcript->count(), 5000);
     EXPECT_LT(transcript->builtCount(), 60);
@@ -211,7 +186,7 @@ TEST(LazyTranscript, BuildsOnlyTheRowsInSightAndStaysAtTheBottom)
 TEST(LazyTranscript, AnExpandedRowStaysExpandedWhenBuiltAgain)
 {
     QList<ChatItem> items = longConversation(400);
-    Panel shown(items);
+    ShownPanel shown(items);
     LazyColumn *transcript = shown.panel.transcript();
     const qsizetype target = 397; // a tool row near the end, in sight
     auto *row = qobject_cast<ToolRow *>(shown.row(target));
@@ -233,7 +208,7 @@ TEST(LazyTranscript, AnExpandedRowStaysExpandedWhenBuiltAgain)
 
 TEST(LazyTranscript, ANewConversationReplacesEveryRow)
 {
-    Panel shown(longConversation(50));
+    ShownPanel shown(longConversation(50));
     shown.harness.agent.setItems({ChatItem::make(ChatItem::Kind::User, QStringLiteral("Fresh start"))});
     LazyColumn *transcript = shown.panel.transcript();
     transcript->layoutNow();
