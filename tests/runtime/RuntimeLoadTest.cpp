@@ -1,13 +1,12 @@
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
-#include "runtime/Shell.h"
 
 #include "support/Await.h"
+#include "support/VersionLibrary.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -22,30 +21,15 @@ class RuntimeLoad : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        cc_ = QStandardPaths::findExecutable(QStringLiteral("cc"));
-        if (cc_.isEmpty())
-            cc_ = QStandardPaths::findExecutable(QStringLiteral("gcc"));
+        cc_ = test::cCompiler();
         if (cc_.isEmpty())
             GTEST_SKIP() << "No C compiler to make a test library with.";
         workspace_ = Workspace::forName(QStringLiteral("Load ") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
         QDir(workspace_.root).removeRecursively();
     }
 
-    // Writes version `number`'s library; `body` is its C source.
-    void makeLibrary(int number, const QByteArray &body)
-    {
-        QDir().mkpath(workspace_.version(number));
-        const QString source = workspace_.version(number) + QStringLiteral("/lib.c");
-        QFile file(source);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(body);
-        file.close();
-        const Shell::Result result = test::await(Shell::run(
-            cc_, {"-shared", "-fPIC", "-o", workspace_.dylib(number), source}));
-        ASSERT_EQ(result.status, 0) << result.output.toStdString();
-    }
-
-    void makeVersion(int number) { makeLibrary(number, "void *zentoro_make_root_view(void) { return 0; }\n"); }
+    void makeLibrary(int number, const QByteArray &body) { test::buildVersionLibrary(cc_, workspace_, number, body); }
+    void makeVersion(int number) { test::buildVersionLibrary(cc_, workspace_, number); }
 
     RuntimeState onDisk() const { return RuntimeState::read(workspace_.stateFile()); }
 

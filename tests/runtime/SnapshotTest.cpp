@@ -1,14 +1,12 @@
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
-#include "runtime/Shell.h"
 #include "runtime/Snapshot.h"
 
 #include "support/Await.h"
+#include "support/VersionLibrary.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
-#include <QStandardPaths>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -77,18 +75,12 @@ TEST(Snapshot, AViewWithoutAreaHasNoPicture)
 
 TEST(RuntimeSnapshot, TheKeyWindowsContainerIsTakenOtherwiseTheFirstShown)
 {
-    const QString cc = QStandardPaths::findExecutable(QStringLiteral("cc"));
+    const QString cc = test::cCompiler();
     if (cc.isEmpty())
         GTEST_SKIP() << "No C compiler to make a test library with.";
     const Workspace workspace = Workspace::forName(QStringLiteral("Snapshot windows"));
     QDir(workspace.root).removeRecursively();
-    QDir().mkpath(workspace.version(1));
-    const QString source = workspace.version(1) + QStringLiteral("/lib.c");
-    QFile file(source);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("void *zentoro_make_root_view(void) { return 0; }\n");
-    file.close();
-    ASSERT_EQ(test::await(Shell::run(cc, {"-shared", "-fPIC", "-o", workspace.dylib(1), source})).status, 0);
+    test::buildVersionLibrary(cc, workspace, 1);
 
     Runtime runtime(workspace);
     Window red(runtime, Qt::red, QSize(300, 200));

@@ -2,12 +2,11 @@
 
 #include "core/Defaults.h"
 #include "runtime/Runtime.h"
-#include "runtime/Shell.h"
 #include "support/Await.h"
+#include "support/VersionLibrary.h"
 
 #include <QDir>
 #include <QFile>
-#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -22,7 +21,7 @@ class CopyOnDisk : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        cc_ = QStandardPaths::findExecutable(QStringLiteral("cc"));
+        cc_ = cCompiler();
         if (cc_.isEmpty())
             GTEST_SKIP() << "No C compiler to make version libraries with.";
         const QString test = QString::fromUtf8(::testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -40,11 +39,7 @@ protected:
     {
         QDir().mkpath(workspace.version(number) + QStringLiteral("/Sources"));
         writeFile(workspace.version(number) + QStringLiteral("/Sources/AppRoot.swift"), sourceText(number).toUtf8());
-        const QString source = workspace.version(number) + QStringLiteral("/lib.c");
-        writeFile(source, "void *zentoro_make_root_view(void) { return 0; }\n");
-        const Shell::Result result =
-            await(Shell::run(cc_, {"-shared", "-fPIC", "-o", workspace.dylib(number), source}));
-        ASSERT_EQ(result.status, 0) << result.output.toStdString();
+        buildVersionLibrary(cc_, workspace, number);
         VersionRecord record{number, QDateTime(QDate(2025, 3, 1), QTime(14, 5), Qt::UTC),
                              QStringLiteral("Version %1").arg(number), crashed};
         state.versions.append(record);
