@@ -18,101 +18,81 @@ using namespace std::chrono_literals;
 
 namespace {
 
-using VersionOperations = test::CopyOnDisk;
+// Versions 1 to `count` on disk, `current` running.
+class VersionOperations : public test::CopyOnDisk {
+protected:
+    Runtime &launchWith(int count, int current)
+    {
+        for (int number = 1; number <= count; ++number)
+            makeVersion(number);
+        state.current = current;
+        return launch();
+    }
+
+    QString sourcesFile(const QString &name) const { return workspace.sources() + u'/' + name; }
+    QByteArray appRoot() const { return readFile(sourcesFile("AppRoot.swift")); }
+};
 
 TEST_F(VersionOperations, GoingBackRestoresThatVersionsSourcesAndRunsIt)
 {
-    makeVersion(1);
-    makeVersion(2);
-    state.current = 2;
-    Runtime &runtime = launch();
+    Runtime &runtime = launchWith(2, 2);
     ASSERT_EQ(runtime.loadedVersion(), 2);
-    runtime.setBanner(Banner{QStringLiteral("Old trouble"), std::nullopt, false});
+    runtime.setBanner(Banner{"Old trouble", std::nullopt, false});
 
     runtime.revert(1);
-    EXPECT_EQ(readFile(workspace.sources() + QStringLiteral("/AppRoot.swift")), sourceText(1).toUtf8());
+    EXPECT_EQ(appRoot(), sourceText(1).toUtf8());
     EXPECT_EQ(runtime.loadedVersion(), 1);
     EXPECT_EQ(runtime.state().current, 1);
     EXPECT_EQ(runtime.state().nextNumber, 3);
     EXPECT_EQ(runtime.banner(), std::nullopt);
-    ASSERT_EQ(shownEvents.size(), 1);
-    EXPECT_EQ(shownEvents[0], QStringLiteral("Went back to version 1."));
-    EXPECT_EQ(toldEvents[0],
-              QStringLiteral("The user went back to version 1. The source files now match version 1, which is running."));
+    EXPECT_EQ(shownEvents, QStringList{"Went back to version 1."});
+    EXPECT_EQ(toldEvents.value(0),
+              "The user went back to version 1. The source files now match version 1, which is running.");
 }
 
-TEST_F(VersionOperations, GoingBackToAVersionWithoutSourcesChangesNothingThatRuns)
+TEST_F(VersionOperations, GoingBackToADamagedVersionKeepsTheRunningOneAndSaysSo)
 {
-    makeVersion(1);
-    makeVersion(2);
-    state.current = 2;
-    QDir(workspace.version(1) + QStringLiteral("/Sources")).removeRecursively();
-    Runtime &runtime = launch();
-    const QByteArray before = readFile(workspace.sources() + QStringLiteral("/AppRoot.swift"));
-    const int generation = runtime.generation();
+    for (const bool sourcesLost : {true, false}) {
+        SCOPED_TRACE(sourcesLost ? "sources lost" : "library lost");
+        state = RuntimeState{};
+        shownEvents.clear();
+        makeVersion(1);
+        makeVersion(2);
+        state.current = 2;
+        if (sourcesLost)
+            QDir(workspace.version(1) + "/Sources").removeRecursively();
+        else
+            QFile::remove(workspace.dylib(1));
+        Runtime &runtime = launch();
+        const QByteArray before = appRoot();
+        const int generation = runtime.generation();
 
-    runtime.revert(1);
-    ASSERT_TRUE(runtime.banner());
-    EXPECT_EQ(runtime.banner()->title, QStringLiteral("Couldn't restore version 1's sources"));
-    EXPECT_FALSE(runtime.banner()->offerFix);
-    EXPECT_EQ(runtime.loadedVersion(), 2);
-    EXPECT_EQ(runtime.generation(), generation);
-    EXPECT_EQ(readFile(workspace.sources() + QStringLiteral("/AppRoot.swift")), before);
-    EXPECT_TRUE(shownEvents.isEmpty());
-}
-
-TEST_F(VersionOperations, AVersionThatWontLoadLeavesItsSourcesInPlaceAndSaysSo)
-{
-    makeVersion(1);
-    makeVersion(2);
-    state.current = 2;
-    QFile::remove(workspace.dylib(1));
-    Runtime &runtime = launch();
-
-    runtime.revert(1);
-    ASSERT_TRUE(runtime.banner());
-    EXPECT_EQ(runtime.banner()->title, QStringLiteral("Couldn't load version 1"));
-    EXPECT_EQ(readFile(workspace.sources() + QStringLiteral("/AppRoot.swift")), sourceText(1).toUtf8());
-    EXPECT_EQ(runtime.loadedVersion(), 2);
-    EXPECT_TRUE(shownEvents.isEmpty());
+        runtime.revert(1);
+        ASSERT_TRUE(runtime.banner());
+        EXPECT_EQ(runtime.banner()->title, sourcesLost ? "Couldn't restore version 1's sources" : "Couldn't load version 1");
+        EXPECT_FALSE(runtime.banner()->offerFix);
+        EXPECT_EQ(runtime.loadedVersion(), 2);
+        // Sources that could be restored stay restored, to be built again.
+        EXPECT_EQ(appRoot(), sourcesLost ? before : sourceText(1).toUtf8());
+        if (sourcesLost)
+            EXPECT_EQ(runtime.generation(), generation);
+        EXPECT_TRUE(shownEvents.isEmpty());
+    }
 }
 
 TEST_F(VersionOperations, AFailedRebuildOffersTheFixAndTellsTheAgent)
 {
-    makeVersion(1);
-    state.current = 1;
-    Runtime &runtime = launch();
+    Runtime &runtime = launchWith(1, 1);
     ASSERT_EQ(runtime.toolchain().kind(), Toolchain::Case::Missing);
 
     test::await(runtime.rebuild());
     ASSERT_TRUE(runtime.banner());
-    EXPECT_EQ(runtime.banner()->title, QStringLiteral("Build failed"));
+    EXPECT_EQ(runtime.banner()->title, "Build failed");
     EXPECT_TRUE(runtime.banner()->offerFix);
     ASSERT_TRUE(runtime.banner()->detail);
-    EXPECT_TRUE(runtime.banner()->detail->startsWith(QStringLiteral("The Swift compiler isn't available yet")));
-    EXPECT_EQ(shownEvents, QStringList{QStringLiteral("A manual build failed.")});
-    EXPECT_EQ(toldEvents.value(0),
-              QStringLiteral("The user tried to build the source folder and it failed:\n") + *runtime.banner()->detail);
-    EXPECT_EQ(runtime.state().versions.size(), 1);
-}
-
-TEST_F(VersionOperations, ResetPutsTheStarterAppBackTellsTheAgentAndReportsTheFailedBuild)
-{
-    makeVersion(1);
-    state.current = 1;
-    Runtime &runtime = launch();
-    writeFile(workspace.sources() + QStringLiteral("/Extra.swift"), "// mine\n");
-
-    test::await(runtime.resetToOriginal());
-    EXPECT_FALSE(QFile::exists(workspace.sources() + QStringLiteral("/Extra.swift")));
-    EXPECT_NE(readFile(workspace.sources() + QStringLiteral("/AppRoot.swift")), sourceText(1).toUtf8());
-    EXPECT_EQ(shownEvents, QStringList{QStringLiteral("Reset to the original app.")});
-    EXPECT_EQ(toldEvents.value(0), QStringLiteral("The user reset the source files to Zentoro's original starter app."));
-    ASSERT_TRUE(runtime.banner());
-    EXPECT_EQ(runtime.banner()->title, QStringLiteral("The original app didn't build"));
-    EXPECT_FALSE(runtime.banner()->offerFix);
-    // Nothing of the history goes.
-    EXPECT_TRUE(QFile::exists(workspace.dylib(1)));
+    EXPECT_TRUE(runtime.banner()->detail->startsWith("The Swift compiler isn't available yet"));
+    EXPECT_EQ(shownEvents, QStringList{"A manual build failed."});
+    EXPECT_EQ(toldEvents.value(0), "The user tried to build the source folder and it failed:\n" + *runtime.banner()->detail);
     EXPECT_EQ(runtime.state().versions.size(), 1);
 }
 
@@ -140,28 +120,35 @@ struct AlertAnswer {
     }
 };
 
-TEST_F(VersionOperations, TheResetIsConfirmedFirst)
+// Confirmed first; then the starter app comes back, the agent hears of it, and its failed
+// build is reported while the history stays whole.
+TEST_F(VersionOperations, ResetIsConfirmedThenPutsTheStarterAppBack)
 {
-    makeVersion(1);
-    state.current = 1;
-    Runtime &runtime = launch();
-    writeFile(workspace.sources() + QStringLiteral("/Extra.swift"), "// mine\n");
+    Runtime &runtime = launchWith(1, 1);
+    writeFile(sourcesFile("Extra.swift"), "// mine\n");
 
     AlertAnswer cancel;
-    cancel.choose(QStringLiteral("Cancel"));
+    cancel.choose("Cancel");
     Reset::confirm(nullptr, runtime);
-    EXPECT_EQ(cancel.text, QStringLiteral("Reset to the original app?"));
-    EXPECT_EQ(cancel.informative, QStringLiteral("The source folder goes back to the starter app. Every version "
-                                                 "you've built stays in the version history."));
+    EXPECT_EQ(cancel.text, "Reset to the original app?");
+    EXPECT_EQ(cancel.informative, "The source folder goes back to the starter app. Every version "
+                                  "you've built stays in the version history.");
     EXPECT_EQ(cancel.buttons.size(), 2);
-    EXPECT_TRUE(cancel.buttons.contains(QStringLiteral("Reset")));
-    EXPECT_TRUE(QFile::exists(workspace.sources() + QStringLiteral("/Extra.swift")));
+    EXPECT_TRUE(cancel.buttons.contains("Reset"));
+    EXPECT_TRUE(QFile::exists(sourcesFile("Extra.swift")));
 
     AlertAnswer reset;
-    reset.choose(QStringLiteral("Reset"));
+    reset.choose("Reset");
     Reset::confirm(nullptr, runtime);
-    EXPECT_TRUE(test::spinUntil([&] { return !QFile::exists(workspace.sources() + QStringLiteral("/Extra.swift")); }));
-    EXPECT_TRUE(test::spinUntil([&] { return runtime.banner().has_value(); }));
+    ASSERT_TRUE(test::spinUntil([&] { return runtime.banner().has_value(); }));
+    EXPECT_FALSE(QFile::exists(sourcesFile("Extra.swift")));
+    EXPECT_NE(appRoot(), sourceText(1).toUtf8());
+    EXPECT_EQ(shownEvents, QStringList{"Reset to the original app."});
+    EXPECT_EQ(toldEvents.value(0), "The user reset the source files to Zentoro's original starter app.");
+    EXPECT_EQ(runtime.banner()->title, "The original app didn't build");
+    EXPECT_FALSE(runtime.banner()->offerFix);
+    EXPECT_TRUE(QFile::exists(workspace.dylib(1)));
+    EXPECT_EQ(runtime.state().versions.size(), 1);
 }
 
 TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
@@ -193,7 +180,7 @@ TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
 
     menu.actions()[0]->trigger();
     EXPECT_EQ(runtime.loadedVersion(), 3);
-    EXPECT_EQ(readFile(workspace.sources() + QStringLiteral("/AppRoot.swift")), sourceText(3).toUtf8());
+    EXPECT_EQ(appRoot(), sourceText(3).toUtf8());
 }
 
 TEST_F(VersionOperations, AnEmptyHistorySaysSo)
@@ -262,25 +249,21 @@ TEST_F(RelaunchScript, HasTheFourLinesAndNoKeyInItsText)
 
 TEST_F(RelaunchScript, WaitsForTheOldProcessThenStartsTheProgramInANewSessionWithTheKey)
 {
-    qputenv("OPENAI_API_KEY", "sk-from-env");
-    QProcess old;
-    old.start(QStringLiteral("/bin/sleep"), {QStringLiteral("30")});
-    ASSERT_TRUE(old.waitForStarted());
-    const QStringList report = runWaitingFor(old, true);
-    ASSERT_EQ(report.size(), 2);
-    EXPECT_EQ(report[0], program_ + QStringLiteral("|-ZentoroSafeMode YES|sk-from-env"));
-    EXPECT_NE(report[1].toLongLong(), qint64(::getsid(0)));
-}
-
-TEST_F(RelaunchScript, WithoutAKeyTheNewProcessGetsNone)
-{
-    qunsetenv("OPENAI_API_KEY");
-    QProcess old;
-    old.start(QStringLiteral("/bin/sleep"), {QStringLiteral("30")});
-    ASSERT_TRUE(old.waitForStarted());
-    const QStringList report = runWaitingFor(old, false);
-    ASSERT_FALSE(report.isEmpty());
-    EXPECT_EQ(report[0], program_ + QStringLiteral("||unset"));
+    for (const char *key : {"sk-from-env", static_cast<const char *>(nullptr)}) {
+        SCOPED_TRACE(key ? key : "no key");
+        QFile::remove(report_);
+        if (key)
+            qputenv("OPENAI_API_KEY", key);
+        else
+            qunsetenv("OPENAI_API_KEY");
+        QProcess old;
+        old.start("/bin/sleep", {"30"});
+        ASSERT_TRUE(old.waitForStarted());
+        const QStringList report = runWaitingFor(old, key != nullptr);
+        ASSERT_EQ(report.size(), 2);
+        EXPECT_EQ(report[0], program_ + (key ? "|-ZentoroSafeMode YES|sk-from-env" : "||unset"));
+        EXPECT_NE(report[1].toLongLong(), qint64(::getsid(0)));
+    }
 }
 
 TEST(RelaunchPath, KeepsTheNameTheUserStartedAndDoesNotFollowLinks)
