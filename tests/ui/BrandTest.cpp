@@ -14,7 +14,7 @@
 using namespace zentoro;
 using namespace zentoro::Brand;
 
-TEST(StretchedText, LetterWidthsRiseFromSixtyToTheEndOfTheAxis)
+TEST(StretchedText, EachLettersWidthRisesFromSixtyToTheEndOfTheAxis)
 {
     EXPECT_DOUBLE_EQ(StretchedText::letterWidth(0, 7, 0), 60);
     EXPECT_DOUBLE_EQ(StretchedText::letterWidth(6, 7, 0), 100);
@@ -25,10 +25,8 @@ TEST(StretchedText, LetterWidthsRiseFromSixtyToTheEndOfTheAxis)
     // A two-letter name has its letters at both ends; one letter stays at rest.
     EXPECT_DOUBLE_EQ(StretchedText::letterWidth(1, 2, 1), 150);
     EXPECT_DOUBLE_EQ(StretchedText::letterWidth(0, 1, 1), 60);
-}
 
-TEST(StretchedText, LettersAreCharactersAsPeopleCountThem)
-{
+    // Letters are characters as people count them.
     EXPECT_TRUE(StretchedText::letters(QString()).isEmpty());
     const QString text = QStringLiteral("Cafe\u0301 \U0001F600");
     EXPECT_EQ(StretchedText::letters(text),
@@ -140,7 +138,7 @@ TEST(StretchGlyph, FitsItsImageAndIsCentredOnTheDesignPoint)
     EXPECT_LE(bounds.bottom(), size.height());
     // The rule across the upper part runs from (232, 370) to (680, 370) in design units.
     const double k = std::min(18.0 / 600, 16.0 / 560);
-    EXPECT_EQ(path.elementCount() > 2, true);
+    ASSERT_GT(path.elementCount(), 2);
     const QPainterPath::Element ruleStart = path.elementAt(path.elementCount() - 2);
     EXPECT_NEAR(ruleStart.x, 9 + (232 - 512) * k, 1e-9);
     EXPECT_NEAR(ruleStart.y, 8 + (370 - 511) * k, 1e-9);
