@@ -41,6 +41,7 @@ void write(const QString &path, const QByteArray &bytes)
 struct Ending {
     bool signalled = false;
     int code = 0; // the signal's number, or the exit status
+    bool operator==(const Ending &) const = default;
 };
 
 // Runs this test program again as a child that starts the console log in `logs` and then
@@ -85,6 +86,7 @@ protected:
     QString console() const { return root.path() + QStringLiteral("/console.txt"); }
     QString log(CrashLog::Which which) const { return CrashLog::url(which, logs()); }
     QString result() const { return readAll(root.path() + QStringLiteral("/result.txt")); }
+    Ending run(const char *mode, const QStringList &extra = {}) { return runChild(mode, logs(), console(), extra); }
     void SetUp() override { ASSERT_TRUE(QDir().mkpath(logs())); }
 };
 
@@ -122,10 +124,9 @@ TEST(CrashChild, Run)
 
 TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrashLog)
 {
-    const Ending ending = runChild(QStringLiteral("fatal"), logs(), console());
-    ASSERT_TRUE(ending.signalled);
-    EXPECT_EQ(ending.code, SIGILL); // the trap instruction on x86-64; it dies of its own cause
-    EXPECT_EQ(result(), QStringLiteral("none"));
+    // The trap instruction on x86-64: it dies of its own cause.
+    ASSERT_EQ(run("fatal"), (Ending{true, SIGILL}));
+    EXPECT_EQ(result(), "none");
 
     const QString text = readAll(log(CrashLog::Which::Current));
     EXPECT_TRUE(text.startsWith(QStringLiteral("Zentoro started "))) << text.toStdString();
@@ -137,45 +138,39 @@ TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrash
     EXPECT_GT(text.count(u'\n'), 6) << "frames follow the crash block";
 
     // The next start finds the reason and keeps that run as the crash log.
-    EXPECT_EQ(runChild(QStringLiteral("clean"), logs(), console()).code, 0);
-    EXPECT_EQ(result(), QStringLiteral("Fatal error: Unexpectedly found nil while unwrapping an Optional value"));
+    EXPECT_EQ(run("clean").code, 0);
+    EXPECT_EQ(result(), "Fatal error: Unexpectedly found nil while unwrapping an Optional value");
     EXPECT_EQ(readAll(log(CrashLog::Which::Crash)), text);
     EXPECT_EQ(readAll(log(CrashLog::Which::Previous)), text);
 
     // Two clean runs on, the previous log rotates away but the crash log stays.
-    runChild(QStringLiteral("clean"), logs(), console());
-    EXPECT_EQ(result(), QStringLiteral("none"));
-    runChild(QStringLiteral("clean"), logs(), console());
-    EXPECT_EQ(result(), QStringLiteral("none"));
+    for (int clean = 0; clean < 2; ++clean) {
+        run("clean");
+        EXPECT_EQ(result(), "none");
+    }
     EXPECT_FALSE(readAll(log(CrashLog::Which::Previous)).contains(QString::fromLatin1(CrashLog::marker)));
     EXPECT_EQ(readAll(log(CrashLog::Which::Crash)), text);
 }
 
-TEST_F(CrashLogRun, ANullDereferenceIsNamedBySignalAndTheLastPrintedLineIsInTheLog)
+TEST_F(CrashLogRun, ASignalWithoutWordsIsNamedAndTheLastPrintedLineIsInTheLog)
 {
-    const Ending ending = runChild(QStringLiteral("segv"), logs(), console());
-    ASSERT_TRUE(ending.signalled);
-    EXPECT_EQ(ending.code, SIGSEGV);
+    EXPECT_EQ(run("segv"), (Ending{true, SIGSEGV}));
     EXPECT_TRUE(readAll(log(CrashLog::Which::Current)).contains(QStringLiteral("about to dereference null\n")));
-    runChild(QStringLiteral("clean"), logs(), console());
-    EXPECT_EQ(result(), QStringLiteral("SIGSEGV (bad memory access)"));
-}
+    run("clean");
+    EXPECT_EQ(result(), "SIGSEGV (bad memory access)");
 
-TEST_F(CrashLogRun, AnAbortIsNamedAndPrintedWordsWithoutACrashAreNoCrash)
-{
-    ASSERT_TRUE(runChild(QStringLiteral("abort"), logs(), console()).signalled);
-    runChild(QStringLiteral("words"), logs(), console());
-    EXPECT_EQ(result(), QStringLiteral("SIGABRT (abort)"));
-    runChild(QStringLiteral("clean"), logs(), console());
-    EXPECT_EQ(result(), QStringLiteral("none"));
+    // An abort is named too; words printed in a run that then ends well are no crash.
+    ASSERT_TRUE(run("abort").signalled);
+    run("words");
+    EXPECT_EQ(result(), "SIGABRT (abort)");
+    run("clean");
+    EXPECT_EQ(result(), "none");
 }
 
 TEST_F(CrashLogRun, LeavingTheConsoleAloneStillRotatesAndStillCatchesTheSignal)
 {
     write(log(CrashLog::Which::Current), "an older run\n");
-    const Ending ending = runChild(QStringLiteral("fatal"), logs(), console(),
-                                   {QStringLiteral("-ZentoroNoLogRedirect"), QStringLiteral("YES")});
-    ASSERT_TRUE(ending.signalled);
+    ASSERT_TRUE(run("fatal", {"-ZentoroNoLogRedirect", "YES"}).signalled);
     EXPECT_FALSE(QFile::exists(log(CrashLog::Which::Current)));
     EXPECT_EQ(readAll(log(CrashLog::Which::Previous)), QStringLiteral("an older run\n"));
     const QString console = readAll(this->console());
@@ -186,7 +181,7 @@ TEST_F(CrashLogRun, LeavingTheConsoleAloneStillRotatesAndStillCatchesTheSignal)
 TEST_F(CrashLogRun, ALogsFolderThatCannotBeWrittenLeavesTheOutputWhereItWas)
 {
     const QString missing = root.path() + QStringLiteral("/no/such/Logs");
-    runChild(QStringLiteral("words"), missing, console());
+    runChild("words", missing, console());
     EXPECT_TRUE(readAll(console()).contains(QStringLiteral("Fatal error: just words")));
 }
 
