@@ -24,7 +24,7 @@ TEST(Toolchain, VersionTextFollowsTheWordVersion)
     EXPECT_EQ(Toolchain::versionText(QString()), QStringLiteral("Swift"));
 }
 
-TEST(Toolchain, ExplainAndLastLine)
+TEST(Toolchain, FailuresAreExplainedByTheirLastWords)
 {
     EXPECT_EQ(Toolchain::explain(QStringLiteral(" \n\t")), QStringLiteral("swiftc failed."));
     EXPECT_EQ(Toolchain::explain(QStringLiteral("\nerror: bad install\n")), QStringLiteral("error: bad install"));
@@ -40,11 +40,8 @@ TEST(Toolchain, DescriptionNamesTheSwiftToolchain)
                                 QStringLiteral("Swift 6.3.1"), QStringLiteral("/opt/swift")})
                   .description(),
               QStringLiteral("Swift 6.3.1 at /opt/swift"));
-    EXPECT_EQ(Toolchain::missing().description(), QStringLiteral("the Swift toolchain isn't installed"));
-    EXPECT_EQ(Toolchain::installing().description(), QStringLiteral("the Swift toolchain is being installed"));
-    EXPECT_EQ(Toolchain::checking().description(), QStringLiteral("checking for the Swift compiler"));
     EXPECT_EQ(Toolchain::broken(QStringLiteral("it broke")).description(), QStringLiteral("it broke"));
-    EXPECT_EQ(Toolchain(), Toolchain::checking());
+    EXPECT_EQ(Toolchain(), Toolchain::checking()) << "nothing is known before the search";
     EXPECT_NE(Toolchain::broken(QStringLiteral("a")), Toolchain::broken(QStringLiteral("b")));
 }
 
