@@ -129,8 +129,13 @@ struct Window : QObject {
         QElapsedTimer clock;
         clock.start();
         action();
-        while (paints == before)
+        while (paints == before) {
+            if (clock.elapsed() > 3000) {
+                std::printf("no frame was painted after the action: figures below are not valid\n");
+                return 0;
+            }
             QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+        }
         return clock.nsecsElapsed() / 1e6;
     }
     void send(QEvent::Type type, QPointF at, Qt::MouseButtons buttons)
@@ -170,6 +175,7 @@ struct AppRoot: View {
                 }
             }
         }
+        .frame(maxHeight: .infinity, alignment: .top)
     }
 }
 )swift";
@@ -207,12 +213,13 @@ QString referenceApp(const QString &name)
     return QString::fromUtf8(file.readAll());
 }
 
-// Frame times of scrolling down and back up again, each step by one wheel notch.
+// Frame times of scrolling down and back up again, each step by one wheel notch; both lists
+// are longer than the steps go, so every step scrolls and paints.
 std::vector<double> scrollFrames(Window &window)
 {
     std::vector<double> frames;
     for (int pass = 0; pass < 2; ++pass)
-        for (int step = 0; step < 40; ++step)
+        for (int step = 0; step < 25; ++step)
             frames.push_back(window.untilPainted([&] { window.wheel({200, 300}, pass == 0 ? 48 : -48); }));
     return frames;
 }
@@ -239,6 +246,7 @@ int main(int argc, char **argv)
     if (!showing)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     const Toolchain toolchain = await(Toolchain::detect());
     const Toolchain::Compiler *compiler = toolchain.compiler();
     if (!compiler) {
