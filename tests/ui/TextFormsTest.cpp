@@ -1,6 +1,5 @@
 #include "ui/ConversationMenu.h"
 #include "ui/InlineMarkdown.h"
-#include "ui/RelativeDate.h"
 
 #include <QMenu>
 
@@ -47,24 +46,6 @@ TEST(InlineMarkdown, EverythingElseStaysAsTyped)
     EXPECT_EQ(inner("<notalink>"), "&lt;notalink&gt;");
     EXPECT_EQ(inner("`*a*` *b*"), "<code>*a*</code> <i>b</i>");
     EXPECT_TRUE(InlineMarkdown::html("x").startsWith("<span style=\"white-space: pre-wrap\">"));
-}
-
-TEST(RelativeDate, NamedFormWithWideUnits)
-{
-    const QDateTime now = QDateTime::fromString(QStringLiteral("2026-03-10T12:00:00Z"), Qt::ISODate);
-    EXPECT_EQ(RelativeDate::text(now, now), "now");
-    EXPECT_EQ(RelativeDate::text(now.addSecs(-1), now), "1 second ago");
-    EXPECT_EQ(RelativeDate::text(now.addSecs(-45), now), "45 seconds ago");
-    EXPECT_EQ(RelativeDate::text(now.addSecs(-60), now), "1 minute ago");
-    EXPECT_EQ(RelativeDate::text(now.addSecs(-2 * 3600 - 10), now), "2 hours ago");
-    EXPECT_EQ(RelativeDate::text(now.addDays(-1), now), "yesterday");
-    EXPECT_EQ(RelativeDate::text(now.addDays(-3), now), "3 days ago");
-    EXPECT_EQ(RelativeDate::text(now.addDays(-8), now), "last week");
-    EXPECT_EQ(RelativeDate::text(now.addDays(-21), now), "3 weeks ago");
-    EXPECT_EQ(RelativeDate::text(now.addDays(-40), now), "last month");
-    EXPECT_EQ(RelativeDate::text(now.addDays(-800), now), "2 years ago");
-    EXPECT_EQ(RelativeDate::text(now.addSecs(3 * 3600), now), "in 3 hours");
-    EXPECT_EQ(RelativeDate::text(now.addDays(1), now), "tomorrow");
 }
 
 TEST(ConversationMenu, ListsTheFirstFortyAndChecksTheOpenOne)
