@@ -18,6 +18,7 @@ namespace {
 
 constexpr int requestTimeoutMilliseconds = 900'000;
 constexpr qint64 readAheadBytes = 1 << 20;
+constexpr qsizetype chunkBytes = 64 << 10;
 // How long a reply may go on after its terminal event before its connection is dropped.
 constexpr int drainMilliseconds = 10'000;
 
@@ -91,7 +92,13 @@ private:
                 end(std::make_exception_ptr(failure(status_, errorBody_)), true);
             return;
         }
-        stream_.feed(reply_->readAll());
+        // Through one buffer kept for the whole reply: reading it all at once would allocate
+        // and fault in as much memory as the network thread has buffered.
+        if (chunk_.isEmpty())
+            chunk_.resize(chunkBytes);
+        qint64 got = 0;
+        while (!stream_.hasEnded() && (got = reply_->read(chunk_.data(), chunk_.size())) > 0)
+            stream_.feed(QByteArrayView(chunk_.constData(), got));
         if (stream_.hasEnded())
             end(nullptr, false);
     }
@@ -145,6 +152,7 @@ private:
 
     QNetworkReply *reply_;
     ResponseStream stream_;
+    QByteArray chunk_;
     int status_ = -1;
     QByteArray errorBody_;
     bool hasEnded_ = false;

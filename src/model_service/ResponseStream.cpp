@@ -34,13 +34,29 @@ QByteArrayView trimBlanks(QByteArrayView text)
     return text;
 }
 
+bool isActedOn(std::string_view type)
+{
+    return type == "response.output_item.added" || type == "response.output_item.done" ||
+           type == "response.completed" || type == "response.incomplete" || type == "response.failed" ||
+           type == "error";
+}
+
 // Whether a data line could be one of the events acted on. Most of a stream is text
-// deltas, and decoding each of them would cost more than the rest of the reading. A type
-// hidden behind \u escapes still reaches the decoder, so nothing acted on is passed over.
+// deltas, and decoding each of them would cost more than the rest of the reading. The
+// service writes the type first, so that is read directly; any other shape is searched for
+// the markers, and a type hidden behind \u escapes still reaches the decoder, so nothing
+// acted on is passed over.
 bool mayBeActedOn(QByteArrayView payload)
 {
-    // One pass over the line: a marker can only start where its first byte is.
     const std::string_view text(payload.data(), size_t(payload.size()));
+    constexpr std::string_view leadingType = R"({"type":")";
+    if (text.starts_with(leadingType)) {
+        const size_t end = text.find('"', leadingType.size());
+        const std::string_view type = text.substr(leadingType.size(), end - leadingType.size());
+        if (end != std::string_view::npos && type.find('\\') == std::string_view::npos)
+            return isActedOn(type);
+    }
+    // One pass over the line: a marker can only start where its first byte is.
     for (size_t at = 0; at < text.size(); ++at) {
         std::string_view marker;
         switch (text[at]) {
@@ -92,21 +108,23 @@ void ResponseStream::feed(QByteArrayView bytes)
         if (pending_.isEmpty()) {
             handleLine(bytes.sliced(at, end - at));
         } else {
+            // Emptied with its capacity kept, for the next line that spans two reads.
             pending_.append(bytes.sliced(at, end - at));
-            const QByteArray line = std::exchange(pending_, QByteArray());
-            handleLine(line);
+            handleLine(pending_);
+            pending_.resize(0);
         }
         skipLineFeed_ = bytes[end] == '\r';
         at = end + 1;
     }
+    if (ended_)
+        pending_ = QByteArray();
 }
 
 void ResponseStream::finish()
 {
-    if (!ended_ && !pending_.isEmpty()) {
-        const QByteArray line = std::exchange(pending_, QByteArray());
-        handleLine(line);
-    }
+    if (!ended_ && !pending_.isEmpty())
+        handleLine(pending_);
+    pending_ = QByteArray();
     if (!ended_)
         fail(std::make_exception_ptr(Failure(0, std::nullopt, std::nullopt, closedEarly)));
 }
@@ -178,7 +196,6 @@ void ResponseStream::fail(std::exception_ptr failure)
 {
     failure_ = std::move(failure);
     finishedItems_.clear();
-    pending_.clear();
     ended_ = true;
 }
 

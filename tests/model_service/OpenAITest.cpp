@@ -189,6 +189,14 @@ TEST_F(OpenAITest, AnEventSplitIntoManySmallWritesIsReadWhole)
     EXPECT_EQ(outcome.response->arrayAt("output")->front(), item(long_text));
 }
 
+TEST_F(OpenAITest, AnEventLongerThanManyReadsIsReadWhole)
+{
+    const QString long_text = QString(400'000, u'é');
+    const Outcome outcome = respond(FakeResponsesServer::turn({item(long_text), item("after")}));
+    ASSERT_TRUE(outcome.response);
+    EXPECT_EQ(*outcome.response->find("output"), JSON::array({item(long_text), item("after")}));
+}
+
 TEST_F(OpenAITest, SkipsWhatCannotBeAnEvent)
 {
     const Outcome outcome = respond(EventStream()
@@ -210,12 +218,21 @@ TEST_F(OpenAITest, SkipsWhatCannotBeAnEvent)
     EXPECT_EQ(outcome.started[0].stringAt("id"), "kept");
 }
 
-TEST_F(OpenAITest, EventsSpelledWithEscapesAreStillActedOn)
+TEST_F(OpenAITest, EventsSpelledAnyWayAreStillActedOn)
 {
     const Outcome outcome = respond(
-        EventStream().raw(R"(data: {"type":"response.\u0063ompleted","response":{"id":"escaped"}})" "\n").reply());
+        EventStream()
+            .raw(R"(data: {"sequence_number":1,"type":"response.output_item.added","item":{"id":"late"}})" "\n")
+            .raw(R"(data: { "type" : "response.output_item.added","item":{"id":"spaced"}})" "\n")
+            .raw(R"(data: {"type":"response.output_item.\u0061dded","item":{"id":"escaped"}})" "\n")
+            .raw(R"(data: {"type":"response.\u0063ompleted","response":{"id":"escaped"}})" "\n")
+            .reply());
     ASSERT_TRUE(outcome.response);
     EXPECT_EQ(outcome.response->stringAt("id"), "escaped");
+    ASSERT_EQ(outcome.started.size(), 3);
+    EXPECT_EQ(outcome.started[0].stringAt("id"), "late");
+    EXPECT_EQ(outcome.started[1].stringAt("id"), "spaced");
+    EXPECT_EQ(outcome.started[2].stringAt("id"), "escaped");
 }
 
 TEST_F(OpenAITest, AnEndWithoutATerminalEventIsAFailure)
