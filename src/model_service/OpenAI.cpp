@@ -17,7 +17,6 @@ namespace zentoro::OpenAI {
 namespace {
 
 constexpr int requestTimeoutMilliseconds = 900'000;
-constexpr qint64 readAheadBytes = 1 << 20;
 constexpr qsizetype chunkBytes = 64 << 10;
 // How long a reply may go on after its terminal event before its connection is dropped.
 constexpr int drainMilliseconds = 10'000;
@@ -183,8 +182,6 @@ QCoro::Task<JSON> respond(const TaskHandle &task, const QString &bearer, const J
     request.setTransferTimeout(requestTimeoutMilliseconds);
 
     QNetworkReply *reply = manager().post(request, encoded);
-    // Without a limit the network thread would read ahead of the parser without end.
-    reply->setReadBufferSize(readAheadBytes);
     Exchange exchange(reply, onItemStarted);
     task.whenCancelled(&exchange, [&exchange] { exchange.cancel(); });
     if (!exchange.hasEnded())
