@@ -19,6 +19,8 @@ namespace ProcessTable {
 QList<pid_t> mentioning(const QString &text);
 // False once the process has ended, also while it waits to be reaped.
 bool isAlive(pid_t pid);
+// Processes whose parent is `pid`, also those that have ended and wait to be reaped.
+QList<pid_t> childrenOf(pid_t pid);
 // Kills every process whose command line contains one of `texts`, again and again until none
 // is left or `timeout` passes; true when none is left.
 bool killAll(const QStringList &texts, std::chrono::milliseconds timeout = std::chrono::seconds(10));
