@@ -170,6 +170,11 @@ void KitHostView::changeEvent(QEvent *event)
         sendAppearance();
         update();
     }
+    if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::FontChange) {
+        KitPainting::forgetTextLayouts();
+        sendAppearance();
+        update();
+    }
 }
 
 namespace {

@@ -26,6 +26,8 @@ struct Paragraph {
 void layOut(Paragraph &paragraph, const ZentoroText &text, double width);
 QSizeF measure(const ZentoroText &text, double maxWidth);
 void drawText(QPainter &painter, const ZentoroText &text, const QRectF &rect);
+// Drops the kept sizes and layouts of texts: fonts changed under them.
+void forgetTextLayouts();
 
 // A blurred copy of a filled path, drawn as rings of fading colour.
 void drawShadow(QPainter &painter, const QPainterPath &path, const QColor &color, double radius, QPointF offset);

@@ -1,6 +1,7 @@
 #include "runtime/KitPainting.h"
 
 #include <QApplication>
+#include <QCache>
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QPainter>
@@ -142,10 +143,49 @@ void layOut(Paragraph &paragraph, const ZentoroText &text, double width)
     layout.endLayout();
 }
 
-QSizeF measure(const ZentoroText &text, double maxWidth)
+namespace {
+
+// Texts repeat from one frame to the next, so their sizes and layouts are kept, keyed by
+// everything that shapes them: a frame lays out only the texts that changed. Colour and
+// alignment matter only to drawing. Texts in gradient paint are laid out afresh each time.
+QByteArray textKey(const ZentoroText &text, double width, bool forDrawing)
 {
-    Paragraph paragraph;
-    layOut(paragraph, text, maxWidth);
+    QByteArray key;
+    const auto add = [&key](const auto &value) { key.append(reinterpret_cast<const char *>(&value), sizeof value); };
+    add(width);
+    add(text.lineLimit);
+    if (forDrawing)
+        add(text.alignment);
+    for (int i = 0; i < text.runCount; ++i) {
+        const ZentoroTextRun &run = text.runs[i];
+        if (forDrawing && run.paint.kind != ZENTORO_PAINT_SOLID)
+            return {};
+        for (const double value : {run.font.size, double(run.font.weight), double(run.font.design), double(run.font.italic),
+                                   double(run.underline), double(run.strikethrough)})
+            add(value);
+        if (forDrawing)
+            for (const double value : {run.paint.color.red, run.paint.color.green, run.paint.color.blue, run.paint.color.alpha})
+                add(value);
+        key.append(run.utf8);
+        key.append('\0');
+    }
+    return key;
+}
+
+// Bounded by entry count: a window full of small texts fits many times over.
+QCache<QByteArray, QSizeF> &sizeCache()
+{
+    static QCache<QByteArray, QSizeF> cache(20000);
+    return cache;
+}
+QCache<QByteArray, Paragraph> &paragraphCache()
+{
+    static QCache<QByteArray, Paragraph> cache(3000);
+    return cache;
+}
+
+QSizeF lineBox(const Paragraph &paragraph)
+{
     double width = 0, height = 0;
     for (int i = 0; i < paragraph.lineCount; ++i) {
         const QTextLine line = paragraph.layout.lineAt(i);
@@ -155,10 +195,40 @@ QSizeF measure(const ZentoroText &text, double maxWidth)
     return {width, height};
 }
 
+} // namespace
+
+QSizeF measure(const ZentoroText &text, double maxWidth)
+{
+    const QByteArray key = textKey(text, maxWidth, false);
+    if (const QSizeF *known = sizeCache().object(key))
+        return *known;
+    Paragraph paragraph;
+    layOut(paragraph, text, maxWidth);
+    const QSizeF size = lineBox(paragraph);
+    sizeCache().insert(key, new QSizeF(size));
+    return size;
+}
+
+void forgetTextLayouts()
+{
+    sizeCache().clear();
+    paragraphCache().clear();
+}
+
 void drawText(QPainter &painter, const ZentoroText &text, const QRectF &rect)
 {
-    Paragraph paragraph;
-    layOut(paragraph, text, rect.width() + 0.5);
+    const double width = rect.width() + 0.5;
+    const QByteArray key = textKey(text, width, true);
+    Paragraph fresh;
+    const Paragraph *kept = key.isEmpty() ? nullptr : paragraphCache().object(key);
+    if (!kept) {
+        auto *made = key.isEmpty() ? &fresh : new Paragraph;
+        layOut(*made, text, width);
+        if (made != &fresh)
+            paragraphCache().insert(key, made);
+        kept = made;
+    }
+    const Paragraph &paragraph = *kept;
     // Lines below the frame are not shown; the last line shown ends in "…" when text is left over.
     int shown = 0;
     while (shown < paragraph.lineCount

@@ -1,5 +1,6 @@
 #include "runtime/KitPainting.h"
 
+#include <QApplication>
 #include <QImage>
 #include <QPainter>
 
@@ -80,4 +81,54 @@ TEST(KitPainting, AngularGradientsTurnClockwiseFromTheirStartAngle)
     EXPECT_GT(left.blue(), 200);
     EXPECT_LT(left.red(), 60);
     EXPECT_NEAR(below.red(), below.blue(), 40);
+}
+
+TEST(KitPainting, KeptTextLayoutsFollowEverythingThatShapesThem)
+{
+    // Texts that differ only in size, width, line limit or colour never share a kept layout.
+    ZentoroTextRun run{"kept kept kept kept", ZentoroFont{13, 400, 0, 0, 0}, ZentoroPaint{}, 0, 0};
+    const ZentoroText paragraph{&run, 1, ZENTORO_ALIGN_LEADING, 0};
+    const QSizeF small = KitPainting::measure(paragraph, -1);
+    run.font.size = 26;
+    const QSizeF large = KitPainting::measure(paragraph, -1);
+    EXPECT_GT(large.width(), small.width() * 1.5);
+    EXPECT_GT(KitPainting::measure(paragraph, large.width() / 2).height(), large.height() * 1.5);
+    const ZentoroText limited{&run, 1, ZENTORO_ALIGN_LEADING, 1};
+    EXPECT_NEAR(KitPainting::measure(limited, large.width() / 2).height(), large.height(), 1);
+
+    const auto drawn = [&](ZentoroColor color) {
+        run.paint.color = color;
+        QImage image(int(large.width()) + 4, int(large.height()) + 4, QImage::Format_ARGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        KitPainting::drawText(painter, paragraph, QRectF(QPointF(0, 0), large));
+        painter.end();
+        int red = 0, blue = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                red += c.red() > 200 && c.blue() < 100;
+                blue += c.blue() > 200 && c.red() < 100;
+            }
+        return std::pair{red, blue};
+    };
+    EXPECT_GT(drawn({1, 0, 0, 1}).first, 20);
+    const auto [red, blue] = drawn({0, 0, 1, 1});
+    EXPECT_EQ(red, 0);
+    EXPECT_GT(blue, 20);
+}
+
+TEST(KitPainting, ATextIsMeasuredAgainAfterTheApplicationFontChanges)
+{
+    const QFont original = QApplication::font();
+    const ZentoroText sentence = text("measured again");
+    const QSizeF before = KitPainting::measure(sentence, -1);
+    QFont wide(original);
+    wide.setLetterSpacing(QFont::AbsoluteSpacing, 6);
+    QApplication::setFont(wide);
+    KitPainting::forgetTextLayouts();
+    const QSizeF after = KitPainting::measure(sentence, -1);
+    QApplication::setFont(original);
+    KitPainting::forgetTextLayouts();
+    EXPECT_GT(after.width(), before.width() + 30);
 }

@@ -14,6 +14,10 @@ final class HostDouble {
     var symbols: [(name: String, rect: CGRect)] = []
     var fields: [Field] = []
     var redrawRequests = 0
+    /// Every text the kit asked the double to measure, and a factor for widths that stands in
+    /// for the host's fonts changing.
+    var measuredStrings: [String] = []
+    var widthScale = 1.0
     private var offsets: [CGPoint] = [.zero]
     private(set) var host = ZentoroHost()
 
@@ -52,9 +56,12 @@ final class HostDouble {
     init() {
         host.version = Int32(ZENTORO_HOST_INTERFACE_VERSION)
         host.context = Unmanaged.passUnretained(self).toOpaque()
-        host.measureText = { _, text, maxWidth, width, height in
-            let size = HostDouble.measure(text!, maxWidth: maxWidth)
-            width!.pointee = size.width
+        host.measureText = { context, text, maxWidth, width, height in
+            let double = HostDouble.of(context)
+            let runs = UnsafeBufferPointer(start: text!.pointee.runs, count: Int(text!.pointee.runCount))
+            double.measuredStrings.append(runs.map { String(cString: $0.utf8) }.joined())
+            let size = HostDouble.measure(text!, maxWidth: maxWidth / double.widthScale)
+            width!.pointee = size.width * double.widthScale
             height!.pointee = size.height
         }
         host.save = { HostDouble.of($0).offsets.append(HostDouble.of($0).offsets.last!) }

@@ -125,4 +125,29 @@ import ZentoroHostInterface
         checkEqual(a.minX - 30, b.minX - 7.8, accuracy: 0.5)
         checkEqual(a.minY - 5, b.minY, accuracy: 0.5)
     }
+
+    @Test func unchangedTextIsMeasuredOnceUntilTheHostsFontsChange() {
+        struct Counter: View {
+            @State private var taps = 0
+            var body: some View {
+                VStack {
+                    Button("Tap \(taps)") { taps += 1 }
+                    Text("steady words")
+                }
+            }
+        }
+        let hosted = Hosted(Counter())
+        let before = hosted.text("steady words")!.rect
+        hosted.double.measuredStrings = []
+        hosted.click("Tap 0")
+        checkNotNil(hosted.text("Tap 1"))
+        #expect(hosted.double.measuredStrings.contains("Tap 1"))
+        #expect(!hosted.double.measuredStrings.contains("steady words"), "an unchanged text keeps its size")
+        // The host sends its appearance again when its fonts change.
+        hosted.double.widthScale = 2
+        var accent = ZentoroColor(red: 0, green: 0.48, blue: 1, alpha: 1)
+        _zentoroViewSetAppearance(hosted.view, 0, &accent)
+        hosted.render()
+        checkEqual(hosted.text("steady words")!.rect.width, before.width * 2, accuracy: 0.5)
+    }
 }

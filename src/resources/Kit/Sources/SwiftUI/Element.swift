@@ -7,16 +7,25 @@ import Foundation
 class Element {
     var frame = CGRect.zero
     var layoutPriority: Double = 0
-    private var sizes: [ProposedViewSize: CGSize] = [:]
+    /// The last few proposals and their answers: an element is asked a handful of different
+    /// proposals in an update, so a short list searched in order beats hashing.
+    private var answers: [(proposal: ProposedViewSize, size: CGSize)] = []
+    private var oldestAnswer = 0
+    private static let answersKept = 8
 
     var children: [Element] { [] }
     var isSpacer: Bool { false }
 
     /// The size this element chooses for a proposal; answers are remembered for the update.
     final func size(_ proposal: ProposedViewSize) -> CGSize {
-        if let known = sizes[proposal] { return known }
+        for answer in answers where answer.proposal == proposal { return answer.size }
         let measured = measure(proposal)
-        sizes[proposal] = measured
+        if answers.count < Element.answersKept {
+            answers.append((proposal, measured))
+        } else {
+            answers[oldestAnswer] = (proposal, measured)
+            oldestAnswer = (oldestAnswer + 1) % Element.answersKept
+        }
         return measured
     }
     func measure(_ proposal: ProposedViewSize) -> CGSize { .zero }
@@ -129,7 +138,9 @@ final class StackElement: Element {
         let minimum = items.map { $0.size(self.proposal(main: 0, cross: cross))[axis] }
         let maximum = items.map { $0.size(self.proposal(main: .infinity, cross: cross))[axis] }
         var remaining = offered - totalSpacing
-        let priorities = Set(items.map(\.layoutPriority)).sorted(by: >)
+        var priorities: [Double] = []
+        for item in items where !priorities.contains(item.layoutPriority) { priorities.append(item.layoutPriority) }
+        priorities.sort(by: >)
         for priority in priorities {
             let group = items.indices.filter { items[$0].layoutPriority == priority }
                 .sorted { maximum[$0] - minimum[$0] < maximum[$1] - minimum[$1] }

@@ -2,7 +2,7 @@ import Foundation
 internal import ZentoroHostInterface
 
 /// One styled run of a text, resolved for drawing.
-struct TextRun: Equatable {
+struct TextRun: Hashable {
     var string: String
     var font: ResolvedFont
     var color: RGBA
@@ -49,7 +49,28 @@ final class HostBridge {
         }
     }
 
+    private struct Measurement: Hashable {
+        var runs: [TextRun]
+        var maxWidth: CGFloat?
+        var lineLimit: Int?
+    }
+    /// Sizes of texts already measured: the same texts are measured again in every update.
+    private var measured: [Measurement: CGSize] = [:]
+    private static let measuredKept = 20_000
+
+    /// Fonts may have changed on the host's side: measure every text afresh.
+    func forgetMeasurements() { measured = [:] }
+
     func measure(_ runs: [TextRun], maxWidth: CGFloat?, lineLimit: Int?) -> CGSize {
+        let key = Measurement(runs: runs, maxWidth: maxWidth, lineLimit: lineLimit)
+        if let known = measured[key] { return known }
+        if measured.count >= HostBridge.measuredKept { measured.removeAll(keepingCapacity: true) }
+        let size = measureOnHost(runs, maxWidth: maxWidth, lineLimit: lineLimit)
+        measured[key] = size
+        return size
+    }
+
+    private func measureOnHost(_ runs: [TextRun], maxWidth: CGFloat?, lineLimit: Int?) -> CGSize {
         var width = 0.0, height = 0.0
         withText(runs, alignment: .leading, lineLimit: lineLimit) { text in
             host.pointee.measureText(context, text, maxWidth.map { Double($0) } ?? -1, &width, &height)
@@ -210,11 +231,12 @@ public func _zentoroViewSetAppearance(_ view: UnsafeMutableRawPointer?, _ dark: 
         let accent = accentPointer.assumingMemoryBound(to: ZentoroColor.self).pointee
         let scheme: ColorScheme = dark != 0 ? .dark : .light
         let rgba = RGBA(red: accent.red, green: accent.green, blue: accent.blue, alpha: accent.alpha)
-        if graph.colorScheme != scheme || graph.accent != rgba {
-            graph.colorScheme = scheme
-            graph.accent = rgba
-            graph.invalidate()
-        }
+        // The host sends its appearance again when its palette, style or fonts change, and
+        // text measured before may no longer fit.
+        graph.host?.forgetMeasurements()
+        graph.colorScheme = scheme
+        graph.accent = rgba
+        graph.invalidate()
     }
 }
 

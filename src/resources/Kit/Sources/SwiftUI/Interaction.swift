@@ -74,7 +74,8 @@ extension ViewGraph {
     }
 
     func pointer(_ kind: PointerEvent.Kind, at point: CGPoint, clickCount: Int) -> Bool {
-        update()
+        // A release goes to the elements its press found, so it needs no fresh tree.
+        if kind != .up { update() }
         switch kind {
         case .down:
             let chain = topHits(point)

@@ -152,7 +152,8 @@ int32_t zentoro_kit_interface_version(void);
 void zentoro_view_attach(void *view, const ZentoroHost *host);
 void zentoro_view_release(void *view);
 void zentoro_view_set_size(void *view, double width, double height);
-/* `dark` selects the dark palette; `accent` is the system's highlight colour. */
+/* `dark` selects the dark palette; `accent` is the system's highlight colour. The host sends it again
+ * when its fonts change: the kit then measures every text afresh. */
 void zentoro_view_set_appearance(void *view, int32_t dark, const ZentoroColor *accent);
 void zentoro_view_render(void *view);
 
