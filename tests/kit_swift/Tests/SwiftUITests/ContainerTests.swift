@@ -84,8 +84,15 @@ private struct Warning: View {
     @Test func segmentedPickerChoosesByForEachIdentity() {
         let hosted = Hosted(Chooser(segmented: true), width: 400, height: 200)
         checkNotNil(hosted.text("chose vanilla"))
+        let white = { (string: String) in
+            hosted.text(string).map { $0.color.red > 0.99 && $0.color.green > 0.99 && $0.color.blue > 0.99 } ?? false
+        }
+        #expect(white("Vanilla"), "the selected segment's text is white on its tinted pill")
+        #expect(!white("Mint"))
         hosted.click("Mint")
         checkNotNil(hosted.text("chose mint"), "\(hosted.strings)")
+        #expect(white("Mint"))
+        #expect(!white("Vanilla"))
     }
 
     @Test func menuPickerOpensAListAndClosesOnChoice() {

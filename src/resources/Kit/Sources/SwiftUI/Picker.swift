@@ -33,7 +33,15 @@ public struct Picker<Label: View, SelectionValue: Hashable, Content: View>: View
         let control: Element
         switch context.environment.pickerStyle {
         case .segmented:
-            control = single(resolveView(Segments(options: shown.map(\.element), selected: selected, choose: choose), controlContext),
+            var segments = shown.map(\.element)
+            if let selected {
+                // The selected segment sits on the tinted pill: its option reads in white.
+                var onTint = context.child(.id("selected options"))
+                onTint.environment.foregroundStyle = AnyShapeStyle(Color.white)
+                let lit = options(onTint)
+                if lit.indices.contains(selected) { segments[selected] = lit[selected].element }
+            }
+            control = single(resolveView(Segments(options: segments, selected: selected, choose: choose), controlContext),
                              context: controlContext)
         case .inline:
             control = single(resolveView(RadioGroup(options: shown.map(\.element), selected: selected, choose: choose), controlContext),
@@ -76,7 +84,6 @@ private struct Segments: View {
                     Elements(elements: [options[index]])
                         .padding(.horizontal, 10).padding(.vertical, 3)
                         .frame(maxWidth: .infinity)
-                        .foregroundStyle(index == selected ? Color.white : Color.primary)
                         .background(RoundedRectangle(cornerRadius: 5)
                             .fill(index == selected ? AnyShapeStyle(TintShapeStyle()) : AnyShapeStyle(Color.clear)))
                         .contentShape(Rectangle())
