@@ -10,6 +10,7 @@
 #include "runtime/KitHostView.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
+#include "Measure.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -27,30 +28,11 @@
 #include <vector>
 
 using namespace zentoro;
+using namespace zentoro::bench;
 
 namespace {
 
 constexpr int rounds = 5;
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-double residentMiB()
-{
-    QFile statm(QStringLiteral("/proc/self/statm"));
-    statm.open(QIODevice::ReadOnly);
-    const QList<QByteArray> fields = statm.readAll().split(' ');
-    return fields.value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
-}
-
-template <typename T>
-T await(QCoro::Task<T> &&task)
-{
-    return QCoro::waitFor(std::move(task));
-}
 
 void spinUntil(const std::function<bool()> &condition)
 {

@@ -6,6 +6,7 @@
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
 #include "runtime/Shell.h"
+#include "Measure.h"
 
 #include <QApplication>
 #include <QDir>
@@ -27,6 +28,7 @@
 #include <vector>
 
 using namespace zentoro;
+using namespace zentoro::bench;
 
 namespace {
 
@@ -58,12 +60,6 @@ void spin(const std::function<bool()> &until, int timeoutMs = 60000)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         QThread::msleep(1);
     }
-}
-
-template <typename T>
-T wait(QCoro::Task<T> &&task)
-{
-    return QCoro::waitFor(std::move(task));
 }
 
 QByteArray logLines(qint64 bytes)
@@ -116,7 +112,7 @@ bool makeEmptyVersion(const Workspace &workspace, int number)
     file.open(QIODevice::WriteOnly);
     file.write("void *zentoro_make_root_view(void) { return 0; }\n");
     file.close();
-    return wait(Shell::run(cc, {"-shared", "-fPIC", "-o", workspace.dylib(number), source})).status == 0;
+    return await(Shell::run(cc, {"-shared", "-fPIC", "-o", workspace.dylib(number), source})).status == 0;
 }
 
 int screenshot()
@@ -202,18 +198,18 @@ int fallback(const QString &zentoro, const QString &self)
     workspace.prepare();
     {
         Runtime builder(workspace);
-        wait(builder.checkToolchain());
+        await(builder.checkToolchain());
         if (!builder.toolchain().isReady()) {
             std::printf("crash at start to the fallback's first frame: skipped, no Swift compiler\n");
             return 0;
         }
-        if (!wait(builder.build(QStringLiteral("The original app"))).success())
+        if (!await(builder.build(QStringLiteral("The original app"))).success())
             return 1;
         QFile root(workspace.sources() + QStringLiteral("/AppRoot.swift"));
         root.open(QIODevice::WriteOnly | QIODevice::Truncate);
         root.write(trappingRoot);
         root.close();
-        if (!wait(builder.build(QStringLiteral("Trap"))).success())
+        if (!await(builder.build(QStringLiteral("Trap"))).success())
             return 1;
     }
     RuntimeState state = RuntimeState::read(workspace.stateFile());

@@ -1,6 +1,7 @@
 // Round trip (parse, then print) of a 20 MB conversation-like document with our JSON
 // value, against Python's json module on the same file.
 #include "model_service/JSON.h"
+#include "Measure.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -13,6 +14,7 @@
 #include <vector>
 
 using zentoro::JSON;
+using zentoro::bench::median;
 
 namespace {
 
@@ -39,12 +41,6 @@ JSON conversationItem(int index)
                              {"content", JSON::array({JSON::object({{"type", "output_text"}, {"text", text}})})},
                              {"usage", JSON::object({{"tokens", index * 3}, {"ratio", JSON::number(index / 7.0)}})}});
     }
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 } // namespace

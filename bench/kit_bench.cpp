@@ -11,6 +11,7 @@
 #include "runtime/KitHostView.h"
 #include "runtime/Shell.h"
 #include "runtime/Toolchain.h"
+#include "Measure.h"
 
 #include <QApplication>
 #include <QDir>
@@ -31,30 +32,11 @@
 #include <vector>
 
 using namespace zentoro;
+using namespace zentoro::bench;
 
 namespace {
 
 constexpr double frameMs = 1000.0 / 60.0;
-
-template <typename T>
-T await(QCoro::Task<T> &&task)
-{
-    return QCoro::waitFor(std::move(task));
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-double residentMiB()
-{
-    QFile statm(QStringLiteral("/proc/self/statm"));
-    statm.open(QIODevice::ReadOnly);
-    const QList<QByteArray> fields = statm.readAll().split(' ');
-    return fields.value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
-}
 
 void settle(int ms)
 {

@@ -3,6 +3,7 @@
 #include "agent/Agent.h"
 #include "agent/ModelRequest.h"
 #include "runtime/Workspace.h"
+#include "Measure.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -14,6 +15,7 @@
 #include <unistd.h>
 
 using namespace zentoro;
+using namespace zentoro::bench;
 
 namespace {
 
@@ -64,12 +66,6 @@ ChatItem row(int index)
     if (index % 4 != 0)
         item.detail = filler(index, 600);
     return item;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 template <typename Work>

@@ -4,6 +4,7 @@
 // the program anew on it and ends it with SIGTERM, as a session logging out would.
 //   startup_bench <zentoro>
 #include "runtime/Runtime.h"
+#include "Measure.h"
 
 #include <QApplication>
 #include <QDir>
@@ -22,6 +23,7 @@
 #include <vector>
 
 using namespace zentoro;
+using namespace zentoro::bench;
 
 namespace {
 
@@ -45,12 +47,6 @@ void spin(const std::function<bool()> &until, int timeoutMs)
     }
 }
 
-template <typename T>
-T wait(QCoro::Task<T> &&task)
-{
-    return QCoro::waitFor(std::move(task));
-}
-
 // The copy with its first version built and proved, kept from an earlier run when it has one.
 // False when there is no compiler to build it with.
 bool prepareCopy(const Workspace &workspace)
@@ -61,10 +57,10 @@ bool prepareCopy(const Workspace &workspace)
     QDir(workspace.root).removeRecursively();
     workspace.prepare();
     Runtime builder(workspace);
-    wait(builder.checkToolchain());
+    await(builder.checkToolchain());
     if (!builder.toolchain().isReady())
         return false;
-    const BuildOutcome outcome = wait(builder.build(QStringLiteral("The original app")));
+    const BuildOutcome outcome = await(builder.build(QStringLiteral("The original app")));
     if (!outcome.success()) {
         std::fprintf(stderr, "The starter app didn't build:\n%s\n", qPrintable(outcome.failure()->text));
         std::exit(1);
