@@ -38,7 +38,6 @@ QString buildApp(const QString &module, const QString &source, QString *error)
     QDir().mkpath(dir);
     const QString entry = dir + QStringLiteral("/ZentoroEntry.swift");
     const QString app = dir + QStringLiteral("/App.swift");
-    QFile(entry).open(QIODevice::WriteOnly);
     QFile entryFile(entry), appFile(app);
     entryFile.open(QIODevice::WriteOnly);
     entryFile.write("import SwiftUI\n"
