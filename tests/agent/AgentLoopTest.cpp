@@ -89,13 +89,11 @@ TEST(AgentLoop, BlankMessagesAndMessagesDuringARunChangeNothing)
     harness.agent.send(" \n\t \n");
     EXPECT_TRUE(harness.agent.items().isEmpty());
     EXPECT_FALSE(harness.agent.isRunning());
-    EXPECT_EQ(harness.saves, 0);
 
     harness.agent.send("first");
     ASSERT_TRUE(harness.agent.isRunning());
     const qsizetype pending = harness.agent.pendingInput.size();
     harness.agent.send("second");
-    EXPECT_EQ(harness.agent.items().size(), 1);
     EXPECT_EQ(harness.agent.pendingInput.size(), pending);
     ASSERT_TRUE(spinUntil([&] { return !harness.agent.isRunning(); }));
     EXPECT_EQ(harness.texts(), (QStringList{"user: first", "assistant: done"}));
@@ -166,9 +164,7 @@ TEST(AgentLoop, AStopDuringTheFirstOfThreeCallsAnswersTheOthersWithoutRows)
     harness.sendAndFinish("go");
 
     EXPECT_EQ(unansweredDuringFirst, (QStringList{"c1", "c2", "c3"}));
-    EXPECT_EQ(harness.performed.size(), 1u);
     EXPECT_EQ(harness.texts(), (QStringList{"user: go", "tool: row write_file", "event: Stopped"}));
-    EXPECT_EQ(harness.agent.items().last().symbol, "stop.circle");
     EXPECT_EQ(harness.pendingOutputs(), (QStringList{"c1 ran write_file", "c2 The user stopped you before this ran.",
                                                      "c3 The user stopped you before this ran."}));
     EXPECT_TRUE(harness.agent.unansweredCalls.isEmpty());
@@ -189,9 +185,7 @@ TEST(AgentLoop, RestartWaitsBehindTheOtherCallsAndRelaunches)
     EXPECT_EQ(harness.agent.restartCallID, "r2");
     // The restart's answer is owed until the next launch; the first restart call stays unanswered too.
     EXPECT_EQ(harness.agent.unansweredCalls, (QStringList{"r1", "r2"}));
-    EXPECT_TRUE(harness.agent.items().last().text.startsWith("Restarting "));
-    EXPECT_EQ(harness.agent.items().last().kind, ChatItem::Kind::Tool);
-    EXPECT_EQ(harness.agent.items().last().symbol, "arrow.clockwise");
+    EXPECT_TRUE(harness.texts().last().startsWith("tool: Restarting "));
     EXPECT_EQ(harness.pendingOutputs(), QStringList{"b1 ran build"});
     EXPECT_EQ(harness.bodies.size(), 1u);
 }

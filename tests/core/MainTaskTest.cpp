@@ -87,14 +87,3 @@ TEST(MainTask, AnEscapingExceptionEndsTheTask)
     });
     EXPECT_TRUE(test::spinUntil([&] { return task.isFinished(); }));
 }
-
-TEST(MainTask, AwaitingInATestRaisesWhatTheTaskRaised)
-{
-    auto failing = []() -> QCoro::Task<int> {
-        co_await sleep(TaskHandle(), 1ms);
-        throw std::runtime_error("boom");
-    };
-    EXPECT_THROW(test::await(failing()), std::runtime_error);
-    auto succeeding = []() -> QCoro::Task<int> { co_return 7; };
-    EXPECT_EQ(test::await(succeeding()), 7);
-}
