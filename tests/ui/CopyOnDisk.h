@@ -3,6 +3,7 @@
 #include "core/Defaults.h"
 #include "runtime/Runtime.h"
 #include "support/Await.h"
+#include "support/Files.h"
 #include "support/VersionLibrary.h"
 
 #include <QDir>
@@ -37,26 +38,12 @@ protected:
 
     void makeVersion(int number, bool crashed = false)
     {
-        QDir().mkpath(workspace.version(number) + QStringLiteral("/Sources"));
         writeFile(workspace.version(number) + QStringLiteral("/Sources/AppRoot.swift"), sourceText(number).toUtf8());
         buildVersionLibrary(cc_, workspace, number);
         VersionRecord record{number, QDateTime(QDate(2025, 3, 1), QTime(14, 5), Qt::UTC),
                              QStringLiteral("Version %1").arg(number), crashed};
         state.versions.append(record);
         state.nextNumber = number + 1;
-    }
-
-    static void writeFile(const QString &path, const QByteArray &bytes)
-    {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes);
-    }
-
-    static QByteArray readFile(const QString &path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     // A runtime launched on `state`, with its events collected, once the compiler search is over.

