@@ -1,7 +1,10 @@
-// Streams about 50 MB of Responses events (many small text deltas and large finished
-// items) from a local server through OpenAI::respond and through curl, and compares
-// their wall and CPU times and the client's memory.
+// Streams Responses events (many small text deltas and large finished items) from a local
+// server through OpenAI::respond and through curl, and compares their wall and CPU times. It
+// does so for two stream lengths that carry the same finished items, the longer one with more
+// deltas, so the client's memory shows whether it follows the items or the stream's length.
+// Each client run is a process of its own, so one run's freed memory can't hide the next one's.
 
+#include "Measure.h"
 #include "core/MainTask.h"
 #include "model_service/OpenAI.h"
 
@@ -9,7 +12,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <spawn.h>
@@ -27,42 +29,41 @@ using namespace zentoro;
 
 namespace {
 
-constexpr qsizetype targetBytes = 50 * 1000 * 1000;
 constexpr int items = 20;
-constexpr int runs = 3;
+constexpr qsizetype textPerItem = 325'000;
+constexpr int runs = 7;
+constexpr double megabyte = 1e6;
 
 struct Stream {
     QByteArray bytes;
     int events = 0;
-    qsizetype itemTextBytes = 0;
 };
 
-// What the service sends: for each item "added", its text in 32-byte deltas, "done" with
-// the whole text; then "response.completed" without output, so the client keeps the items.
-Stream buildStream()
+// What the service sends: for each item "added", 32-byte deltas of its text until the item's
+// share of `targetBytes` is reached, and "done" with the whole text; then "response.completed"
+// without output, so the client keeps the items.
+Stream buildStream(qsizetype targetBytes)
 {
     Stream stream;
     const qsizetype deltaText = 32;
-    // Each delta event is about 6.7 times its text, and each item's text comes once more in "done".
-    const qsizetype textPerItem = targetBytes / items * 10 / 77;
-    stream.itemTextBytes = textPerItem;
     int sequence = 0;
     auto event = [&](const QByteArray &type, const QByteArray &json) {
         stream.bytes += "event: " + type + "\ndata: " + json + "\n\n";
         ++stream.events;
     };
+    QByteArray text;
+    text.reserve(textPerItem);
+    while (text.size() < textPerItem)
+        text += "Lorem ipsum dolor sit amet, consectetur adipiscing elit; ";
+    text.truncate(textPerItem);
     for (int i = 0; i < items; ++i) {
         const QByteArray id = "msg_" + QByteArray::number(i);
-        QByteArray text;
-        text.reserve(textPerItem);
-        while (text.size() < textPerItem)
-            text += "Lorem ipsum dolor sit amet, consectetur adipiscing elit; ";
-        text.truncate(textPerItem);
+        const qsizetype itemEnd = targetBytes / items * (i + 1) - qsizetype(text.size() * 1.05);
         event("response.output_item.added",
               R"({"type":"response.output_item.added","sequence_number":)" + QByteArray::number(sequence++) +
                   R"(,"output_index":)" + QByteArray::number(i) + R"(,"item":{"id":")" + id +
                   R"(","type":"message","status":"in_progress","role":"assistant","content":[]}})");
-        for (qsizetype at = 0; at < text.size(); at += deltaText) {
+        for (qsizetype at = 0; stream.bytes.size() < itemEnd; at = (at + deltaText) % text.size()) {
             event("response.output_text.delta",
                   R"({"type":"response.output_text.delta","sequence_number":)" + QByteArray::number(sequence++) +
                       R"(,"item_id":")" + id + R"(","output_index":)" + QByteArray::number(i) +
@@ -137,24 +138,13 @@ double cpuSeconds(const rusage &usage)
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-struct Timing {
+struct Run {
     double wall = 0;
     double cpu = 0;
+    double growth = 0;
 };
 
-Timing median(std::vector<Timing> timings)
-{
-    auto middle = [&](auto member) {
-        std::vector<double> values;
-        for (const Timing &timing : timings)
-            values.push_back(timing.*member);
-        std::sort(values.begin(), values.end());
-        return values[values.size() / 2];
-    };
-    return Timing{middle(&Timing::wall), middle(&Timing::cpu)};
-}
-
-Timing runCurl(const QByteArray &url)
+Run runCurl(const QByteArray &url)
 {
     std::vector<const char *> arguments{"curl", "-sN", "-o", "/dev/null", "-H", "Content-Type: application/json",
                                         "--data-binary", "{}", url.constData(), nullptr};
@@ -168,10 +158,27 @@ Timing runCurl(const QByteArray &url)
     int status = 0;
     rusage usage{};
     ::wait4(child, &status, 0, &usage);
-    return Timing{clock.nsecsElapsed() / 1e9, cpuSeconds(usage)};
+    return Run{clock.nsecsElapsed() / 1e9, cpuSeconds(usage), 0};
 }
 
-Timing runClient(qsizetype expectedItemText)
+// The resident set and its peak so far, in bytes.
+std::pair<double, double> residentSet()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    double now = 0, peak = 0;
+    if (status.open(QIODevice::ReadOnly)) {
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith("VmRSS:"))
+                now = line.mid(6).trimmed().split(' ')[0].toDouble() * 1024;
+            if (line.startsWith("VmHWM:"))
+                peak = line.mid(6).trimmed().split(' ')[0].toDouble() * 1024;
+        }
+    }
+    return {now, peak};
+}
+
+// One request through the client: its wall and CPU seconds.
+Run respondOnce()
 {
     rusage before{};
     ::getrusage(RUSAGE_SELF, &before);
@@ -198,32 +205,52 @@ Timing runClient(qsizetype expectedItemText)
 
     const JSON::Array *output = response ? response->arrayAt("output") : nullptr;
     if (!output || output->size() != size_t(items) || started != items ||
-        output->back().arrayAt("content")->front().stringAt("text")->size() != expectedItemText) {
+        output->back().arrayAt("content")->front().stringAt("text")->size() != textPerItem) {
         std::fprintf(stderr, "the client's response is not the stream's\n");
         std::exit(1);
     }
-    return Timing{wall, cpuSeconds(after) - cpuSeconds(before)};
+    return Run{wall, cpuSeconds(after) - cpuSeconds(before), 0};
 }
 
-// The resident set and its peak so far, in bytes.
-std::pair<double, double> residentSet()
+// The client in a process of its own (`stream_bench client <origin>`): the first request
+// shows the peak resident growth, from a fresh process; the second, on the connection and
+// threads the first left, as in the program's later turns, gives the times. Prints wall and
+// CPU seconds and the growth in bytes.
+int clientRun(int argc, char **argv, const QByteArray &origin)
 {
-    QFile status(QStringLiteral("/proc/self/status"));
-    double now = 0, peak = 0;
-    if (status.open(QIODevice::ReadOnly)) {
-        for (const QByteArray &line : status.readAll().split('\n')) {
-            if (line.startsWith("VmRSS:"))
-                now = line.mid(6).trimmed().split(' ')[0].toDouble() * 1024;
-            if (line.startsWith("VmHWM:"))
-                peak = line.mid(6).trimmed().split(' ')[0].toDouble() * 1024;
-        }
-    }
-    return {now, peak};
+    QCoreApplication application(argc, argv);
+    qputenv("ZENTORO_API_BASE", origin);
+    const double residentBefore = residentSet().first;
+    respondOnce();
+    const double growth = residentSet().second - residentBefore;
+    const Run run = respondOnce();
+    std::printf("%f %f %f\n", run.wall, run.cpu, growth);
+    return 0;
 }
 
-} // namespace
+Run runClient(const QByteArray &origin)
+{
+    const QByteArray command = QFile::encodeName(QCoreApplication::applicationFilePath()) + " client " + origin;
+    FILE *child = ::popen(command.constData(), "r");
+    Run run;
+    const bool read = child && std::fscanf(child, "%lf %lf %lf", &run.wall, &run.cpu, &run.growth) == 3;
+    if (!child || ::pclose(child) != 0 || !read) {
+        std::fprintf(stderr, "a client run failed\n");
+        std::exit(1);
+    }
+    return run;
+}
 
-int main(int argc, char **argv)
+struct Figures {
+    qsizetype streamBytes = 0;
+    int events = 0;
+    Run curl;
+    Run client;
+};
+
+// Serves a stream of about `targetBytes` from a process of its own and measures curl and the
+// client against it, turn about.
+Figures measure(qsizetype targetBytes)
 {
     const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
@@ -233,48 +260,58 @@ int main(int argc, char **argv)
     if (::bind(listener, reinterpret_cast<sockaddr *>(&address), length) != 0 || ::listen(listener, 8) != 0 ||
         ::getsockname(listener, reinterpret_cast<sockaddr *>(&address), &length) != 0) {
         std::perror("listen");
-        return 1;
+        std::exit(1);
     }
-    const int port = ntohs(address.sin_port);
-
-    // The stream is built in the server process only, so the client's memory holds none of it.
+    const QByteArray origin = "http://127.0.0.1:" + QByteArray::number(ntohs(address.sin_port));
+    const Stream stream = buildStream(targetBytes);
     const pid_t server = ::fork();
     if (server == 0)
-        serve(listener, buildStream());
+        serve(listener, stream);
     ::close(listener);
 
-    QCoreApplication application(argc, argv);
-    const QByteArray origin = "http://127.0.0.1:" + QByteArray::number(port);
-    qputenv("ZENTORO_API_BASE", origin);
-    const Stream shape = [] {
-        Stream stream;
-        stream.itemTextBytes = targetBytes / items * 10 / 77;
-        return stream;
-    }();
-
-    std::vector<Timing> curlRuns, clientRuns;
-    const auto [residentBefore, peakBefore] = residentSet();
-    Q_UNUSED(peakBefore);
+    std::vector<double> curlWall, curlCpu, clientWall, clientCpu;
+    double growth = 0;
     for (int run = 0; run < runs; ++run) {
-        curlRuns.push_back(runCurl(origin + "/v1/responses"));
-        clientRuns.push_back(runClient(shape.itemTextBytes));
+        const Run curl = runCurl(origin + "/v1/responses");
+        const Run client = runClient(origin);
+        curlWall.push_back(curl.wall);
+        curlCpu.push_back(curl.cpu);
+        clientWall.push_back(client.wall);
+        clientCpu.push_back(client.cpu);
+        growth = std::max(growth, client.growth);
     }
-    const auto [residentAfter, peakAfter] = residentSet();
-    Q_UNUSED(residentAfter);
     ::kill(server, SIGTERM);
     ::waitpid(server, nullptr, 0);
 
-    const Timing curl = median(curlRuns);
-    const Timing client = median(clientRuns);
-    const double megabyte = 1e6;
-    const Stream sample = buildStream();
-    std::printf("stream: %.1f MB in %d events, %d items of %.0f kB text\n", sample.bytes.size() / megabyte,
-                sample.events, items, sample.itemTextBytes / 1e3);
-    std::printf("curl -sN:        wall %.3f s, CPU %.3f s (median of %d)\n", curl.wall, curl.cpu, runs);
-    std::printf("OpenAI::respond: wall %.3f s, CPU %.3f s (median of %d)\n", client.wall, client.cpu, runs);
-    std::printf("client / curl:   wall %.2fx (goal 1.5x or less), CPU %.2fx\n", client.wall / curl.wall,
-                client.cpu / curl.cpu);
-    std::printf("client memory:   peak RSS growth %.1f MB; the finished items hold %.1f MB of text\n",
-                (peakAfter - residentBefore) / megabyte, items * sample.itemTextBytes / megabyte);
+    return Figures{stream.bytes.size(), stream.events, Run{bench::median(curlWall), bench::median(curlCpu), 0},
+                   Run{bench::median(clientWall), bench::median(clientCpu), growth}};
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc == 3 && std::strcmp(argv[1], "client") == 0)
+        return clientRun(argc, argv, argv[2]);
+
+    QCoreApplication application(argc, argv);
+    std::vector<Figures> all;
+    for (const qsizetype target : {qsizetype(50'000'000), qsizetype(200'000'000)}) {
+        const Figures figures = measure(target);
+        std::printf("stream: %.1f MB in %d events, %d items of %.0f kB text\n",
+                    figures.streamBytes / megabyte, figures.events, items, textPerItem / 1e3);
+        std::printf("  curl -sN:        wall %.3f s, CPU %.3f s (median of %d)\n", figures.curl.wall, figures.curl.cpu,
+                    runs);
+        std::printf("  OpenAI::respond: wall %.3f s, CPU %.3f s (median of %d)\n", figures.client.wall,
+                    figures.client.cpu, runs);
+        std::printf("  client / curl:   wall %.2fx (goal 1.5x or less), CPU %.2fx\n",
+                    figures.client.wall / figures.curl.wall, figures.client.cpu / figures.curl.cpu);
+        std::printf("  client memory:   peak RSS growth %.1f MB (largest of %d)\n", figures.client.growth / megabyte,
+                    runs);
+        all.push_back(figures);
+    }
+    std::printf("client memory, long stream / short: %.2fx (goal: about 1x); the finished items hold %.1f MB of "
+                "text\n",
+                all.back().client.growth / all.front().client.growth, items * textPerItem / megabyte);
     return 0;
 }

@@ -18,6 +18,9 @@ namespace {
 
 constexpr int requestTimeoutMilliseconds = 900'000;
 constexpr qsizetype chunkBytes = 64 << 10;
+// How far the network thread may read ahead of the parser. Beyond this the reply's memory
+// would grow with the stream's length whenever the main thread is slower than the socket.
+constexpr qint64 readAheadBytes = 1 << 20;
 // How long a reply may go on after its terminal event before its connection is dropped.
 constexpr int drainMilliseconds = 10'000;
 
@@ -182,6 +185,10 @@ QCoro::Task<JSON> respond(const TaskHandle &task, const QString &bearer, const J
     request.setTransferTimeout(requestTimeoutMilliseconds);
 
     QNetworkReply *reply = manager().post(request, encoded);
+    // The reply passes its read-buffer size to the network thread only once its request has
+    // started, which post() leaves to the event loop; a size set before that is never applied.
+    QMetaObject::invokeMethod(
+        reply, [reply] { reply->setReadBufferSize(readAheadBytes); }, Qt::QueuedConnection);
     Exchange exchange(reply, onItemStarted);
     task.whenCancelled(&exchange, [&exchange] { exchange.cancel(); });
     if (!exchange.hasEnded())

@@ -7,6 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
+#include <atomic>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+
 using namespace zentoro;
 using namespace zentoro::test;
 using Ending = ScriptedReply::Ending;
@@ -80,6 +87,82 @@ JSON item(const QString &id)
 {
     return FakeResponsesServer::message(id, id);
 }
+
+// A service on its own thread that answers one request with `body` through blocking writes,
+// so it keeps sending while the main thread is busy, and counts what the connection took.
+class ThreadedService {
+public:
+    explicit ThreadedService(QByteArray body) : body_(std::move(body))
+    {
+        listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        if (::bind(listener_, reinterpret_cast<sockaddr *>(&address), length) == 0 && ::listen(listener_, 1) == 0 &&
+            ::getsockname(listener_, reinterpret_cast<sockaddr *>(&address), &length) == 0)
+            port_ = ntohs(address.sin_port);
+        thread_ = std::thread([this] { serve(); });
+    }
+
+    ~ThreadedService()
+    {
+        ::shutdown(listener_, SHUT_RDWR);
+        // A client that never finished would otherwise hold the thread in its last read.
+        if (const int connection = connection_; connection >= 0)
+            ::shutdown(connection, SHUT_RDWR);
+        thread_.join();
+        ::close(listener_);
+    }
+
+    QString origin() const { return QStringLiteral("http://127.0.0.1:%1").arg(port_); }
+    qint64 sent() const { return sent_; }
+    qint64 size() const { return body_.size(); }
+
+private:
+    void serve()
+    {
+        const int connection = ::accept(listener_, nullptr, nullptr);
+        if (connection < 0)
+            return;
+        connection_ = connection;
+        // A small send buffer, so what the connection holds is mostly what the client let in.
+        const int sendBuffer = 64 << 10;
+        ::setsockopt(connection, SOL_SOCKET, SO_SNDBUF, &sendBuffer, sizeof sendBuffer);
+        QByteArray request;
+        char buffer[4096];
+        qsizetype headEnd = -1;
+        while (headEnd < 0) {
+            const ssize_t got = ::read(connection, buffer, sizeof buffer);
+            if (got <= 0)
+                break;
+            request.append(buffer, got);
+            headEnd = request.indexOf("\r\n\r\n");
+        }
+        const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nContent-Length: " +
+                                QByteArray::number(body_.size()) + "\r\n\r\n";
+        ::send(connection, head.constData(), size_t(head.size()), MSG_NOSIGNAL);
+        for (qsizetype at = 0; at < body_.size();) {
+            const ssize_t written = ::send(connection, body_.constData() + at,
+                                           size_t(std::min<qsizetype>(body_.size() - at, 16 << 10)), MSG_NOSIGNAL);
+            if (written <= 0)
+                break;
+            at += written;
+            sent_ = at;
+        }
+        ::shutdown(connection, SHUT_WR);
+        while (::read(connection, buffer, sizeof buffer) > 0) {
+        }
+        ::close(connection_.exchange(-1));
+    }
+
+    QByteArray body_;
+    int listener_ = -1;
+    int port_ = 0;
+    std::atomic<int> connection_ = -1;
+    std::atomic<qint64> sent_ = 0;
+    std::thread thread_;
+};
 
 } // namespace
 
@@ -343,6 +426,50 @@ TEST_F(OpenAITest, CancellingAbortsASlowStreamAtOnce)
     ASSERT_TRUE(outcome.networkError());
     EXPECT_TRUE(outcome.networkError()->isCancelled());
     EXPECT_TRUE(spinUntil([&] { return server.openConnections() == 0; }, std::chrono::seconds(2)));
+}
+
+TEST_F(OpenAITest, AStreamAheadOfItsReaderWaitsInTheConnection)
+{
+    // 32 MB of deltas behind the first item: while the main thread is held up in that item's
+    // callback, the client may buffer a little of the rest, not the whole stream.
+    EventStream stream;
+    stream.added(item("a"));
+    EventStream deltas;
+    for (int i = 0; i < 2000; ++i)
+        deltas.textDelta(QString(64, u'x'));
+    while (stream.bytes().size() < 32'000'000)
+        stream.raw(deltas.bytes());
+    stream.done(item("a")).completed(FakeResponsesServer::response("r", {}));
+    ThreadedService service(stream.bytes());
+    qputenv("ZENTORO_API_BASE", service.origin().toUtf8());
+
+    qint64 sentWhileBusy = -1;
+    Outcome outcome;
+    TaskHandle task = startTask([&](TaskHandle self) -> QCoro::Task<> {
+        const QString bearer = QString::fromUtf8("sk-test");
+        const std::function<void(const JSON &)> onItemStarted = [&](const JSON &) {
+            // Busy until the service can send no more, or has sent everything.
+            QElapsedTimer clock;
+            clock.start();
+            qint64 last = -1;
+            int still = 0;
+            while (still < 6 && service.sent() < service.size() && clock.elapsed() < 10'000) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));
+                still = service.sent() == last ? still + 1 : 0;
+                last = service.sent();
+            }
+            sentWhileBusy = service.sent();
+        };
+        try {
+            outcome.response = co_await OpenAI::respond(self, bearer, sampleBody, onItemStarted);
+        } catch (...) {
+            outcome.error = std::current_exception();
+        }
+    });
+    ASSERT_TRUE(spinUntil([&] { return task.isFinished(); }, std::chrono::seconds(60)));
+    ASSERT_TRUE(outcome.response) << describe(outcome.error).toStdString();
+    EXPECT_EQ(outcome.response->arrayAt("output")->size(), 1u);
+    EXPECT_LT(sentWhileBusy, service.size() / 4);
 }
 
 TEST_F(OpenAITest, ATaskCancelledBeforehandSendsNothing)
