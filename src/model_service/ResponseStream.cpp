@@ -13,15 +13,18 @@ namespace {
 const QString closedEarly = QStringLiteral("The connection closed before the response finished.");
 const QString responseFailed = QStringLiteral("The response failed.");
 
-// The position of the first line terminator (CR or LF) at or after `from`, or -1.
-qsizetype findTerminator(QByteArrayView text, qsizetype from)
+// The position of the first line terminator (CR or LF) at or after `from`, or -1. The
+// service ends its lines with LF alone, so a text without CR is searched for LF only.
+qsizetype findTerminator(QByteArrayView text, qsizetype from, bool hasCarriageReturn)
 {
     const char *base = text.data() + from;
     const size_t length = size_t(text.size() - from);
     const auto *lineFeed = static_cast<const char *>(std::memchr(base, '\n', length));
     const size_t limit = lineFeed ? size_t(lineFeed - base) : length;
-    if (const auto *carriageReturn = static_cast<const char *>(std::memchr(base, '\r', limit)))
-        return from + (carriageReturn - base);
+    if (hasCarriageReturn) {
+        if (const auto *carriageReturn = static_cast<const char *>(std::memchr(base, '\r', limit)))
+            return from + (carriageReturn - base);
+    }
     return lineFeed ? from + qsizetype(limit) : -1;
 }
 
@@ -91,6 +94,7 @@ ResponseStream::ResponseStream(std::function<void(const JSON &item)> onItemStart
 
 void ResponseStream::feed(QByteArrayView bytes)
 {
+    const bool hasCarriageReturn = !bytes.isEmpty() && std::memchr(bytes.data(), '\r', size_t(bytes.size()));
     qsizetype at = 0;
     while (!ended_ && at < bytes.size()) {
         if (skipLineFeed_) {
@@ -100,7 +104,7 @@ void ResponseStream::feed(QByteArrayView bytes)
                 continue;
             }
         }
-        const qsizetype end = findTerminator(bytes, at);
+        const qsizetype end = findTerminator(bytes, at, hasCarriageReturn);
         if (end < 0) {
             pending_.append(bytes.sliced(at));
             return;
