@@ -1,9 +1,9 @@
-#include "core/Defaults.h"
 #include "runtime/KitHostView.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
 
 #include "support/Await.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,17 +16,9 @@
 
 using namespace zentoro;
 using namespace std::chrono_literals;
+using zentoro::test::writeFile;
 
 namespace {
-
-void writeSource(const Workspace &workspace, const QString &relative, const QByteArray &text)
-{
-    const QString path = workspace.sources() + u'/' + relative;
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(text);
-}
 
 // Whether the container, painted as a person would see it, has a pixel of this colour.
 bool shows(QWidget &container, QRgb colour)
@@ -74,7 +66,6 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     const BuildOutcome first = test::await(runtime.build(QStringLiteral("The original app")));
     ASSERT_TRUE(first.success()) << first.failure()->text.toStdString();
     EXPECT_EQ(first.success()->version, 1);
-    EXPECT_FALSE(runtime.isBuilding());
     ASSERT_TRUE(test::spinUntil([&] { return container->shownGeneration() == 1 && container->content(); }));
     const auto *host = qobject_cast<KitHostView *>(container->content());
     ASSERT_NE(host, nullptr);
@@ -93,7 +84,7 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     EXPECT_LT(double(std::clock() - idleStart) / CLOCKS_PER_SEC, 0.3);
 
     // Two failed builds: the running version and the numbers stay as they were.
-    writeSource(workspace, QStringLiteral("Views/Broken.swift"),
+    writeFile(workspace.sources() + QStringLiteral("/Views/Broken.swift"),
                 "import SwiftUI\nstruct Broken: View {\n    var body: some View { Text(missingName) }\n}\n");
     const QPointer<QWidget> firstView = container->content();
     for (int attempt = 0; attempt < 2; ++attempt) {
@@ -104,20 +95,18 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     }
     EXPECT_EQ(runtime.loadedVersion(), 1);
     EXPECT_EQ(runtime.state().nextNumber, 2);
-    EXPECT_EQ(runtime.state().versions.size(), 1);
     EXPECT_FALSE(QFile::exists(workspace.version(2)));
     test::spinUntil([] { return false; }, 200ms);
     EXPECT_EQ(container->content(), firstView.data());
 
     // The repair, with a new background so the change is plain to see.
-    writeSource(workspace, QStringLiteral("Views/Broken.swift"),
+    writeFile(workspace.sources() + QStringLiteral("/Views/Broken.swift"),
                 "import SwiftUI\nstruct Broken: View {\n    var body: some View { Text(\"fixed\") }\n}\n");
-    QFile theme(workspace.sources() + QStringLiteral("/Theme.swift"));
-    ASSERT_TRUE(theme.open(QIODevice::ReadOnly));
-    QByteArray themeText = theme.readAll();
-    theme.close();
-    themeText.replace("Color(red: 0.98, green: 0.96, blue: 0.92)", "Color(red: 0.2, green: 0.4, blue: 0.8)");
-    writeSource(workspace, QStringLiteral("Theme.swift"), themeText);
+    const QString theme = workspace.sources() + QStringLiteral("/Theme.swift");
+    writeFile(theme, test::readText(theme)
+                         .replace(QStringLiteral("Color(red: 0.98, green: 0.96, blue: 0.92)"),
+                                  QStringLiteral("Color(red: 0.2, green: 0.4, blue: 0.8)"))
+                         .toUtf8());
 
     std::optional<BuildOutcome> secondOutcome;
     const TaskHandle building = startTask([&](TaskHandle) -> QCoro::Task<> {
@@ -144,31 +133,8 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     EXPECT_TRUE(maps.contains(workspace.dylib(2)));
 
     ASSERT_TRUE(test::spinUntil([&] { return runtime.state().lastGood == 2; }, 8s));
-    const RuntimeState onDisk = RuntimeState::read(workspace.stateFile());
-    EXPECT_EQ(onDisk, runtime.state());
-    ASSERT_EQ(onDisk.versions.size(), 2);
-    EXPECT_EQ(onDisk.versions[1].summary, QStringLiteral("Blue"));
-    EXPECT_EQ(onDisk.current, 2);
-}
-
-TEST(BuildEndToEnd, SimulatedMissingToolsAreReportedAndNothingIsBuilt)
-{
-    const Workspace workspace = Workspace::forName(QStringLiteral("No Tools"));
-    workspace.prepare();
-    Defaults::setValue(QStringLiteral("ZentoroSimulateMissingTools"), true);
-    Runtime runtime(workspace);
-    test::await(runtime.checkToolchain());
-    Defaults::remove(QStringLiteral("ZentoroSimulateMissingTools"));
-    EXPECT_EQ(runtime.toolchain(), Toolchain::missing());
-
-    const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("The original app")));
-    ASSERT_TRUE(outcome.failure());
-    EXPECT_EQ(outcome.failure()->text,
-              QStringLiteral("The Swift compiler isn't available yet (the Swift toolchain isn't installed). Ask the "
-                             "user to install the Swift toolchain from Zentoro's window."));
-    EXPECT_FALSE(runtime.isBuilding());
-    EXPECT_FALSE(QFile::exists(workspace.stateFile()));
-    EXPECT_FALSE(QFile::exists(workspace.version(1)));
+    EXPECT_EQ(RuntimeState::read(workspace.stateFile()), runtime.state());
+    EXPECT_EQ(runtime.state().versions.value(1).summary, QStringLiteral("Blue"));
 }
 
 TEST(BuildEndToEnd, AnEmptySourceFolderHasNothingToBuild)
@@ -183,7 +149,5 @@ TEST(BuildEndToEnd, AnEmptySourceFolderHasNothingToBuild)
     const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("The original app")));
     ASSERT_TRUE(outcome.failure());
     EXPECT_EQ(outcome.failure()->text, QStringLiteral("There are no .swift files in the source folder."));
-    EXPECT_FALSE(runtime.isBuilding());
-    EXPECT_EQ(runtime.state().nextNumber, 1);
     EXPECT_FALSE(QFile::exists(workspace.stateFile()));
 }

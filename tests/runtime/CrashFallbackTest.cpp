@@ -24,6 +24,8 @@ const CrashLog::PreviousCrash fatal{QStringLiteral("Fatal error: Unexpectedly fo
 
 } // namespace
 
+// The shown notes of each case are the crash end-to-end test's; here, the state and the
+// words for the agent, which must send it to the crash log.
 TEST(CrashFallback, ACrashLaterInARunRunsTheSameVersionAgain)
 {
     RuntimeState state = withVersions({{1, false}, {2, false}});
@@ -34,49 +36,33 @@ TEST(CrashFallback, ACrashLaterInARunRunsTheSameVersionAgain)
     EXPECT_FALSE(judgement.saveState);
     EXPECT_EQ(judgement.banner,
               (Banner{QStringLiteral("Timer crashed last time it ran (version 2)."), fatal.text, true}));
-    EXPECT_EQ(judgement.shown, QStringLiteral("Timer crashed last time (version 2): Fatal error: Unexpectedly found nil"));
     EXPECT_EQ(judgement.told, QStringLiteral("Zentoro crashed during its previous run while running version 2: Fatal "
                                              "error: Unexpectedly found nil. read_log with which=\"crash\" shows that "
                                              "run's output and backtrace."));
-
-    const auto noVersion = CrashFallback::judge(RuntimeState{}, CrashLog::PreviousCrash{QStringLiteral("SIGSEGV (bad memory access)")},
-                                                QStringLiteral("Timer"));
-    EXPECT_EQ(noVersion.banner->title, QStringLiteral("Timer crashed last time it ran (no version)."));
 }
 
-TEST(CrashFallback, TheFirstVersionCrashingAtStartLeavesAnEmptyWindow)
+TEST(CrashFallback, ACrashWhileStartingFallsBackToTheLastGoodVersionOrAnEmptyWindow)
 {
     RuntimeState state = withVersions({{1, false}});
     state.current = 1;
     state.loading = 1;
-    const auto judgement = CrashFallback::judge(state, fatal, QStringLiteral("Timer"));
+    auto judgement = CrashFallback::judge(state, fatal, QStringLiteral("Timer"));
     EXPECT_TRUE(judgement.saveState);
     EXPECT_TRUE(judgement.state.versions[0].crashed);
     EXPECT_EQ(judgement.state.current, std::nullopt);
     EXPECT_EQ(judgement.state.loading, std::nullopt);
-    EXPECT_EQ(judgement.state.nextNumber, 2);
-    EXPECT_EQ(judgement.banner,
-              (Banner{QStringLiteral("Version 1 crashed while starting, so Timer went back to an empty window."),
-                      fatal.text, true}));
-    EXPECT_EQ(judgement.shown, QStringLiteral("Version 1 crashed while starting; running an empty window."));
-    EXPECT_EQ(judgement.told,
-              QStringLiteral("Version 1 crashed the app while it was starting (Fatal error: Unexpectedly found nil). "
-                             "Zentoro fell back to an empty window. The source files still contain version 1's code. "
-                             "read_log with which=\"crash\" shows that run's output and backtrace."));
-}
+    EXPECT_EQ(judgement.banner->title, QStringLiteral("Version 1 crashed while starting, so Timer went back to an empty window."));
+    EXPECT_TRUE(judgement.told.endsWith(QStringLiteral("read_log with which=\"crash\" shows that run's output and backtrace.")));
 
-TEST(CrashFallback, AKilledStartHasNoDetailsAndFallsBackToTheLastGoodVersion)
-{
-    RuntimeState state = withVersions({{1, false}, {2, false}, {3, false}});
+    // Killed, so without details.
+    state = withVersions({{1, false}, {2, false}, {3, false}});
     state.current = 3;
     state.loading = 3;
     state.lastGood = 2;
-    const auto judgement = CrashFallback::judge(state, std::nullopt, QStringLiteral("Timer"));
+    judgement = CrashFallback::judge(state, std::nullopt, QStringLiteral("Timer"));
     EXPECT_EQ(judgement.state.current, 2);
-    EXPECT_EQ(judgement.state.lastGood, 2);
     EXPECT_TRUE(judgement.state.versions[2].crashed);
     EXPECT_EQ(judgement.banner->detail, std::nullopt);
-    EXPECT_EQ(judgement.banner->title, QStringLiteral("Version 3 crashed while starting, so Timer went back to version 2."));
     EXPECT_TRUE(judgement.told.startsWith(QStringLiteral("Version 3 crashed the app while it was starting (no details). "
                                                          "Zentoro fell back to version 2.")));
 }

@@ -1,42 +1,29 @@
 #include "runtime/CrashLog.h"
 
+#include "support/Files.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <cstdlib>
 
-extern char **environ;
-
 using namespace zentoro;
+using zentoro::test::readText;
+using zentoro::test::writeFile;
 
 namespace {
 
 constexpr char modeVariable[] = "ZENTORO_CRASH_CHILD";
 constexpr char logsVariable[] = "ZENTORO_CRASH_LOGS";
 constexpr char resultVariable[] = "ZENTORO_CRASH_RESULT";
-
-QString readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-void write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
 
 struct Ending {
     bool signalled = false;
@@ -46,37 +33,21 @@ struct Ending {
 
 // Runs this test program again as a child that starts the console log in `logs` and then
 // does what `mode` says. Its terminal output goes to `console`.
-Ending runChild(const QString &mode, const QString &logs, const QString &console, QStringList extra = {})
+Ending runChild(const QString &mode, const QString &logs, const QString &console, const QStringList &extra = {})
 {
-    QStringList arguments{QCoreApplication::applicationFilePath(), QStringLiteral("--gtest_filter=CrashChild.Run")};
-    arguments += extra;
-    QList<QByteArray> encoded;
-    for (const QString &argument : arguments)
-        encoded.append(argument.toLocal8Bit());
-    std::vector<char *> argv;
-    for (QByteArray &argument : encoded)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-
-    qputenv(modeVariable, mode.toUtf8());
-    qputenv(logsVariable, logs.toUtf8());
-    qputenv(resultVariable, (logs + QStringLiteral("/../result.txt")).toUtf8());
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    const QByteArray consolePath = console.toLocal8Bit();
-    posix_spawn_file_actions_addopen(&actions, 1, consolePath.constData(), O_WRONLY | O_CREAT | O_APPEND, 0644);
-    posix_spawn_file_actions_adddup2(&actions, 1, 2);
-    pid_t child = 0;
-    const int spawned = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    qunsetenv(modeVariable);
-    if (spawned != 0)
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QString::fromLatin1(modeVariable), mode);
+    environment.insert(QString::fromLatin1(logsVariable), logs);
+    environment.insert(QString::fromLatin1(resultVariable), logs + QStringLiteral("/../result.txt"));
+    child.setProcessEnvironment(environment);
+    child.setProcessChannelMode(QProcess::MergedChannels);
+    child.setStandardOutputFile(console, QIODevice::Append);
+    child.start(QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--gtest_filter=CrashChild.Run")} + extra);
+    if (!child.waitForFinished(30000))
         return {};
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (WIFSIGNALED(status))
-        return {true, WTERMSIG(status)};
-    return {false, WEXITSTATUS(status)};
+    // On a crash the exit code is the signal's number.
+    return {child.exitStatus() == QProcess::CrashExit, child.exitCode()};
 }
 
 class CrashLogRun : public ::testing::Test {
@@ -85,7 +56,7 @@ protected:
     QString logs() const { return root.path() + QStringLiteral("/Logs"); }
     QString console() const { return root.path() + QStringLiteral("/console.txt"); }
     QString log(CrashLog::Which which) const { return CrashLog::url(which, logs()); }
-    QString result() const { return readAll(root.path() + QStringLiteral("/result.txt")); }
+    QString result() const { return readText(root.path() + QStringLiteral("/result.txt")); }
     Ending run(const char *mode, const QStringList &extra = {}) { return runChild(mode, logs(), console(), extra); }
     void SetUp() override { ASSERT_TRUE(QDir().mkpath(logs())); }
 };
@@ -128,9 +99,8 @@ TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrash
     ASSERT_EQ(run("fatal"), (Ending{true, SIGILL}));
     EXPECT_EQ(result(), "none");
 
-    const QString text = readAll(log(CrashLog::Which::Current));
+    const QString text = readText(log(CrashLog::Which::Current));
     EXPECT_TRUE(text.startsWith(QStringLiteral("Zentoro started "))) << text.toStdString();
-    EXPECT_TRUE(text.contains(QStringLiteral(", pid ")));
     EXPECT_TRUE(text.contains(QStringLiteral("Fatal error: Unexpectedly found nil while unwrapping an Optional "
                                              "value\n\n*** ZENTORO CRASH: SIGILL (illegal instruction) ***\n"
                                              "Backtrace:\n")))
@@ -140,22 +110,22 @@ TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrash
     // The next start finds the reason and keeps that run as the crash log.
     EXPECT_EQ(run("clean").code, 0);
     EXPECT_EQ(result(), "Fatal error: Unexpectedly found nil while unwrapping an Optional value");
-    EXPECT_EQ(readAll(log(CrashLog::Which::Crash)), text);
-    EXPECT_EQ(readAll(log(CrashLog::Which::Previous)), text);
+    EXPECT_EQ(readText(log(CrashLog::Which::Crash)), text);
+    EXPECT_EQ(readText(log(CrashLog::Which::Previous)), text);
 
     // Two clean runs on, the previous log rotates away but the crash log stays.
     for (int clean = 0; clean < 2; ++clean) {
         run("clean");
         EXPECT_EQ(result(), "none");
     }
-    EXPECT_FALSE(readAll(log(CrashLog::Which::Previous)).contains(QString::fromLatin1(CrashLog::marker)));
-    EXPECT_EQ(readAll(log(CrashLog::Which::Crash)), text);
+    EXPECT_FALSE(readText(log(CrashLog::Which::Previous)).contains(QString::fromLatin1(CrashLog::marker)));
+    EXPECT_EQ(readText(log(CrashLog::Which::Crash)), text);
 }
 
 TEST_F(CrashLogRun, ASignalWithoutWordsIsNamedAndTheLastPrintedLineIsInTheLog)
 {
     EXPECT_EQ(run("segv"), (Ending{true, SIGSEGV}));
-    EXPECT_TRUE(readAll(log(CrashLog::Which::Current)).contains(QStringLiteral("about to dereference null\n")));
+    EXPECT_TRUE(readText(log(CrashLog::Which::Current)).contains(QStringLiteral("about to dereference null\n")));
     run("clean");
     EXPECT_EQ(result(), "SIGSEGV (bad memory access)");
 
@@ -169,11 +139,11 @@ TEST_F(CrashLogRun, ASignalWithoutWordsIsNamedAndTheLastPrintedLineIsInTheLog)
 
 TEST_F(CrashLogRun, LeavingTheConsoleAloneStillRotatesAndStillCatchesTheSignal)
 {
-    write(log(CrashLog::Which::Current), "an older run\n");
+    writeFile(log(CrashLog::Which::Current), "an older run\n");
     ASSERT_TRUE(run("fatal", {"-ZentoroNoLogRedirect", "YES"}).signalled);
     EXPECT_FALSE(QFile::exists(log(CrashLog::Which::Current)));
-    EXPECT_EQ(readAll(log(CrashLog::Which::Previous)), QStringLiteral("an older run\n"));
-    const QString console = readAll(this->console());
+    EXPECT_EQ(readText(log(CrashLog::Which::Previous)), QStringLiteral("an older run\n"));
+    const QString console = readText(this->console());
     EXPECT_TRUE(console.contains(QStringLiteral("Zentoro started ")));
     EXPECT_TRUE(console.contains(QStringLiteral("*** ZENTORO CRASH: SIGILL (illegal instruction) ***")));
 }
@@ -182,7 +152,7 @@ TEST_F(CrashLogRun, ALogsFolderThatCannotBeWrittenLeavesTheOutputWhereItWas)
 {
     const QString missing = root.path() + QStringLiteral("/no/such/Logs");
     runChild("words", missing, console());
-    EXPECT_TRUE(readAll(console()).contains(QStringLiteral("Fatal error: just words")));
+    EXPECT_TRUE(readText(console()).contains(QStringLiteral("Fatal error: just words")));
 }
 
 TEST(CrashLog, TheReasonIsTheLastExplainingLineOtherwiseTheSignal)
@@ -190,7 +160,7 @@ TEST(CrashLog, TheReasonIsTheLastExplainingLineOtherwiseTheSignal)
     QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("previous.log"));
     const auto crashOf = [&](const QByteArray &text) {
-        write(file, text);
+        writeFile(file, text);
         const auto crash = CrashLog::previousCrash(file);
         return crash ? crash->text : QStringLiteral("<none>");
     };
@@ -206,12 +176,4 @@ TEST(CrashLog, TheReasonIsTheLastExplainingLineOtherwiseTheSignal)
     EXPECT_EQ(crashOf("\n*** ZENTORO CRASH: ::  ***\n"), QStringLiteral("crash"));
     EXPECT_EQ(crashOf("Fatal error: words alone\n"), QStringLiteral("<none>"));
     EXPECT_EQ(CrashLog::previousCrash(folder.filePath(QStringLiteral("absent.log"))), std::nullopt);
-}
-
-TEST(CrashLog, LogsAreNamedByTheirRawValues)
-{
-    EXPECT_EQ(CrashLog::which(QStringLiteral("crash")), CrashLog::Which::Crash);
-    EXPECT_EQ(CrashLog::which(QStringLiteral("previous")), CrashLog::Which::Previous);
-    EXPECT_EQ(CrashLog::which(QStringLiteral("latest")), std::nullopt);
-    EXPECT_EQ(CrashLog::url(CrashLog::Which::Current, QStringLiteral("/x/Logs")), QStringLiteral("/x/Logs/current.log"));
 }

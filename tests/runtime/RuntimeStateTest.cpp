@@ -1,5 +1,7 @@
 #include "runtime/RuntimeState.h"
 
+#include "support/Files.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTimeZone>
@@ -34,24 +36,14 @@ std::optional<RuntimeState> decode(const char *text)
 
 } // namespace
 
-TEST(RuntimeState, RoundTripsWithSortedKeysAndWholeSecondDatesInUTC)
+TEST(RuntimeState, RoundTripsWithWholeSecondDatesInUTC)
 {
     const RuntimeState state = sample();
     const QByteArray bytes = state.encode();
     EXPECT_EQ(RuntimeState::decode(bytes), state);
 
-    const QString text = QString::fromUtf8(bytes);
-    const QStringList keys{"\"current\"", "\"lastGood\"", "\"loading\"", "\"nextNumber\"", "\"versions\""};
-    qsizetype at = -1;
-    for (const QString &key : keys) {
-        const qsizetype next = text.indexOf(key);
-        EXPECT_GT(next, at) << key.toStdString();
-        at = next;
-    }
-    EXPECT_LT(text.indexOf("\"crashed\""), text.indexOf("\"date\""));
-    EXPECT_LT(text.indexOf("\"number\""), text.indexOf("\"summary\""));
-    EXPECT_TRUE(text.contains("\"2026-03-01T09:30:12Z\""));
-    EXPECT_TRUE(text.contains('\n')) << "written for people to read";
+    EXPECT_TRUE(bytes.contains("\"2026-03-01T09:30:12Z\""));
+    EXPECT_TRUE(bytes.contains('\n')) << "written for people to read";
 }
 
 TEST(RuntimeState, OptionalNumbersAreLeftOutAndReadAsNone)
@@ -63,9 +55,7 @@ TEST(RuntimeState, OptionalNumbersAreLeftOutAndReadAsNone)
     const QByteArray written = decoded->encode();
     EXPECT_FALSE(written.contains("current") || written.contains("lastGood") || written.contains("loading"));
 
-    const std::optional<RuntimeState> withNull = decode(R"({"current": null, "nextNumber": 1, "versions": []})");
-    ASSERT_TRUE(withNull);
-    EXPECT_FALSE(withNull->current);
+    EXPECT_EQ(decode(R"({"current": null, "nextNumber": 1, "versions": []})"), RuntimeState{});
 }
 
 TEST(RuntimeState, DecodingIsStrictAboutRequiredKeysTypesAndDates)
@@ -109,9 +99,6 @@ TEST(RuntimeState, AFileThatIsMissingOrCorruptReadsAsTheDefault)
     sample().write(path);
     EXPECT_EQ(RuntimeState::read(path), sample());
 
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(R"({"versions": []})");
-    file.close();
+    test::writeFile(path, R"({"versions": []})");
     EXPECT_EQ(RuntimeState::read(path), RuntimeState{});
 }

@@ -47,30 +47,22 @@ struct Window {
 
 } // namespace
 
-TEST(Snapshot, PicturesAreScaledDownToTheWidthWithHalvesRoundedAwayFromZero)
+TEST(Snapshot, PicturesAreScaledDownToTheWidthAndFlattenedOnTheBackground)
 {
     EXPECT_EQ(decoded(Snapshot::encode(filled(2000, 1000, Qt::red), 1400, std::nullopt)).size(), QSize(1400, 700));
     EXPECT_EQ(decoded(Snapshot::encode(filled(500, 300, Qt::red), 1400, Qt::white)).size(), QSize(500, 300));
+    // Halves are rounded away from zero.
     EXPECT_EQ(decoded(Snapshot::encode(filled(4, 3, Qt::red), 2, std::nullopt)).size(), QSize(2, 2));
     EXPECT_EQ(decoded(Snapshot::encode(filled(4, 5, Qt::red), 2, std::nullopt)).size(), QSize(2, 3));
     EXPECT_EQ(Snapshot::encode(QImage(), 1400, Qt::white), std::nullopt);
-}
 
-TEST(Snapshot, ABackgroundFlattensTransparencyAndWithoutOneItStays)
-{
     const QImage seeThrough = filled(10, 10, QColor(0, 0, 255, 0));
-    const QImage flat = decoded(Snapshot::encode(seeThrough, 1400, QColor(Qt::green)));
-    EXPECT_EQ(flat.pixelColor(5, 5), QColor(Qt::green));
+    EXPECT_EQ(decoded(Snapshot::encode(seeThrough, 1400, QColor(Qt::green))).pixelColor(5, 5), QColor(Qt::green));
     EXPECT_EQ(decoded(Snapshot::encode(seeThrough, 1400, std::nullopt)).pixelColor(5, 5).alpha(), 0);
-}
 
-TEST(Snapshot, AViewWithoutAreaHasNoPicture)
-{
     QWidget view;
     view.resize(0, 40);
-    EXPECT_EQ(Snapshot::png(&view, 1400, Qt::white), std::nullopt);
-    view.resize(120, 40);
-    EXPECT_EQ(decoded(Snapshot::png(&view, 1400, Qt::white)).size(), QSize(120, 40));
+    EXPECT_EQ(Snapshot::png(&view, 1400, Qt::white), std::nullopt) << "a view without area has no picture";
 }
 
 TEST(RuntimeSnapshot, TheKeyWindowsContainerIsTakenOtherwiseTheFirstShown)

@@ -24,14 +24,11 @@ TEST(Toolchain, VersionTextFollowsTheWordVersion)
     EXPECT_EQ(Toolchain::versionText(QString()), QStringLiteral("Swift"));
 }
 
-TEST(Toolchain, FailuresAreExplainedByTheirLastWords)
+// A toolchain manager may warn before it prints the toolchain's location.
+TEST(Toolchain, TheLocationIsTheLastLineWithWords)
 {
-    EXPECT_EQ(Toolchain::explain(QStringLiteral(" \n\t")), QStringLiteral("swiftc failed."));
-    EXPECT_EQ(Toolchain::explain(QStringLiteral("\nerror: bad install\n")), QStringLiteral("error: bad install"));
-
     EXPECT_EQ(Toolchain::lastLine(QStringLiteral("warning: a\nwarning: b\n  /opt/swift  \n\n")),
               QStringLiteral("/opt/swift"));
-    EXPECT_EQ(Toolchain::lastLine(QString()), QString());
 }
 
 TEST(Toolchain, DescriptionNamesTheSwiftToolchain)
@@ -40,9 +37,6 @@ TEST(Toolchain, DescriptionNamesTheSwiftToolchain)
                                 QStringLiteral("Swift 6.3.1"), QStringLiteral("/opt/swift")})
                   .description(),
               QStringLiteral("Swift 6.3.1 at /opt/swift"));
-    EXPECT_EQ(Toolchain::broken(QStringLiteral("it broke")).description(), QStringLiteral("it broke"));
-    EXPECT_EQ(Toolchain(), Toolchain::checking()) << "nothing is known before the search";
-    EXPECT_NE(Toolchain::broken(QStringLiteral("a")), Toolchain::broken(QStringLiteral("b")));
 }
 
 namespace {
@@ -75,7 +69,8 @@ TEST(Toolchain, ACompilerThatFailsIsBrokenWithItsWords)
     writeScript(bin.path() + QStringLiteral("/swiftc"), "exit 1\n");
     EXPECT_EQ(test::await(Toolchain::detect()), Toolchain::broken(QStringLiteral("swiftc failed.")));
 
-    writeScript(bin.path() + QStringLiteral("/swiftc"), "echo 'error: cannot find libstdc++' >&2\nexit 2\n");
+    // Its words explain the failure, without the blank lines around them.
+    writeScript(bin.path() + QStringLiteral("/swiftc"), "echo 'error: cannot find libstdc++  ' >&2\necho >&2\nexit 2\n");
     EXPECT_EQ(test::await(Toolchain::detect()), Toolchain::broken(QStringLiteral("error: cannot find libstdc++")));
 }
 
