@@ -280,21 +280,9 @@ TEST(AgentLoop, AFailureEndsInOneErrorRowAndKeepsTheInput)
     EXPECT_TRUE(harness.agent.history.isEmpty());
 }
 
-TEST(AgentLoop, WithoutAProviderTheRunAsksForOne)
+TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlanAndWithoutOneTheRunAsksForIt)
 {
     Harness harness;
-    harness.available.reset();
-    harness.agent.setHasAPIKey(false);
-    harness.sendAndFinish("hi");
-    EXPECT_TRUE(harness.texts().last().startsWith("error: Sign in with ChatGPT or add an OpenAI API key first ("));
-    EXPECT_TRUE(harness.bodies.empty());
-    EXPECT_EQ(harness.agent.pendingInput.size(), 2);
-}
-
-TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlan)
-{
-    Harness harness;
-    harness.available = Provider::APIKey;
     harness.agent.setHasAPIKey(true);
     harness.agent.setPreferredProvider(Provider::ChatGPT);
     EXPECT_EQ(harness.agent.provider(), Provider::APIKey);
@@ -304,8 +292,13 @@ TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlan)
     EXPECT_EQ(harness.agent.provider(), Provider::APIKey);
     harness.agent.setHasAPIKey(false);
     EXPECT_EQ(harness.agent.provider(), Provider::ChatGPT);
+
     harness.available.reset();
     EXPECT_FALSE(harness.agent.provider());
+    harness.sendAndFinish("hi");
+    EXPECT_TRUE(harness.texts().last().startsWith("error: Sign in with ChatGPT or add an OpenAI API key first ("));
+    EXPECT_TRUE(harness.bodies.empty());
+    EXPECT_EQ(harness.agent.pendingInput.size(), 2);
 }
 
 TEST(AgentLoop, ActivityFollowsTheItemsAsTheyStart)

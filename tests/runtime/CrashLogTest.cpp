@@ -100,7 +100,6 @@ TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrash
     EXPECT_EQ(result(), "none");
 
     const QString text = readText(log(CrashLog::Which::Current));
-    EXPECT_TRUE(text.startsWith(QStringLiteral("Zentoro started "))) << text.toStdString();
     EXPECT_TRUE(text.contains(QStringLiteral("Fatal error: Unexpectedly found nil while unwrapping an Optional "
                                              "value\n\n*** ZENTORO CRASH: SIGILL (illegal instruction) ***\n"
                                              "Backtrace:\n")))
@@ -111,7 +110,6 @@ TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrash
     EXPECT_EQ(run("clean").code, 0);
     EXPECT_EQ(result(), "Fatal error: Unexpectedly found nil while unwrapping an Optional value");
     EXPECT_EQ(readText(log(CrashLog::Which::Crash)), text);
-    EXPECT_EQ(readText(log(CrashLog::Which::Previous)), text);
 
     // Two clean runs on, the previous log rotates away but the crash log stays.
     for (int clean = 0; clean < 2; ++clean) {
@@ -137,21 +135,16 @@ TEST_F(CrashLogRun, ASignalWithoutWordsIsNamedAndTheLastPrintedLineIsInTheLog)
     EXPECT_EQ(result(), "none");
 }
 
-TEST_F(CrashLogRun, LeavingTheConsoleAloneStillRotatesAndStillCatchesTheSignal)
+TEST_F(CrashLogRun, OutputLeftOnTheConsoleStillRotatesTheLogsAndCatchesTheSignal)
 {
     writeFile(log(CrashLog::Which::Current), "an older run\n");
     ASSERT_TRUE(run("fatal", {"-ZentoroNoLogRedirect", "YES"}).signalled);
     EXPECT_FALSE(QFile::exists(log(CrashLog::Which::Current)));
     EXPECT_EQ(readText(log(CrashLog::Which::Previous)), QStringLiteral("an older run\n"));
-    const QString console = readText(this->console());
-    EXPECT_TRUE(console.contains(QStringLiteral("Zentoro started ")));
-    EXPECT_TRUE(console.contains(QStringLiteral("*** ZENTORO CRASH: SIGILL (illegal instruction) ***")));
-}
+    EXPECT_TRUE(readText(console()).contains(QStringLiteral("*** ZENTORO CRASH: SIGILL (illegal instruction) ***")));
 
-TEST_F(CrashLogRun, ALogsFolderThatCannotBeWrittenLeavesTheOutputWhereItWas)
-{
-    const QString missing = root.path() + QStringLiteral("/no/such/Logs");
-    runChild("words", missing, console());
+    // A logs folder that can't be written leaves the output where it was too.
+    runChild("words", root.path() + QStringLiteral("/no/such/Logs"), console());
     EXPECT_TRUE(readText(console()).contains(QStringLiteral("Fatal error: just words")));
 }
 
