@@ -166,6 +166,7 @@ TEST_F(Keyboard, EveryControlIsReachedInOrderAndNamed)
     QTest::keyClick(field, Qt::Key_Return);
     ASSERT_TRUE(spinUntil([&] { return !session->agent.isRunning(); }));
     ASSERT_EQ(session->agent.items().size(), 4);
+    EXPECT_EQ(server.requests()[0].header("Authorization"), "Bearer sk-typed");
     EXPECT_EQ(session->agent.items().last().kind, ChatItem::Kind::Error);
     session->runtime.setBanner(Banner{QStringLiteral("Build failed"), QStringLiteral("App.swift:3: error"), true});
 
