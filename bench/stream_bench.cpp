@@ -31,7 +31,7 @@ namespace {
 
 constexpr int items = 20;
 constexpr qsizetype textPerItem = 325'000;
-constexpr int runs = 7;
+constexpr int runs = 9;
 constexpr double megabyte = 1e6;
 
 struct Stream {

@@ -104,6 +104,11 @@ void ResponseStream::feed(QByteArrayView bytes)
                 continue;
             }
         }
+        // The blank line after each event carries nothing to act on.
+        if (bytes[at] == '\n' && pending_.isEmpty()) {
+            ++at;
+            continue;
+        }
         const qsizetype end = findTerminator(bytes, at, hasCarriageReturn);
         if (end < 0) {
             pending_.append(bytes.sliced(at));
