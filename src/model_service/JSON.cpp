@@ -2,6 +2,7 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -51,7 +52,69 @@ QString shared(QString text)
     return word ? *word : text;
 }
 
+// Keys that are the same shared text are equal without a look at the text.
+int compareKeys(const QString &a, const QString &b)
+{
+    if (a.constData() == b.constData() && a.size() == b.size())
+        return 0;
+    return QString::compare(a, b);
+}
+
+bool keyBefore(const JSON::Object::value_type &member, const QString &key)
+{
+    return compareKeys(member.first, key) < 0;
+}
+
 } // namespace
+
+JSON::Object JSON::Object::fromPairs(std::vector<value_type> members)
+{
+    const auto notAscending = [](const value_type &a, const value_type &b) { return compareKeys(a.first, b.first) >= 0; };
+    if (std::adjacent_find(members.begin(), members.end(), notAscending) != members.end()) {
+        std::stable_sort(members.begin(), members.end(),
+                         [](const value_type &a, const value_type &b) { return compareKeys(a.first, b.first) < 0; });
+        auto kept = members.begin();
+        for (auto member = members.begin(); member != members.end(); ++member) {
+            const auto next = member + 1;
+            if (next != members.end() && compareKeys(next->first, member->first) == 0)
+                continue;
+            if (kept != member)
+                *kept = std::move(*member);
+            ++kept;
+        }
+        members.erase(kept, members.end());
+    }
+    Object object;
+    object.members_ = std::move(members);
+    return object;
+}
+
+JSON::Object::const_iterator JSON::Object::find(const QString &key) const
+{
+    const auto found = std::lower_bound(members_.begin(), members_.end(), key, keyBefore);
+    return found != members_.end() && compareKeys(found->first, key) == 0 ? found : members_.end();
+}
+
+void JSON::Object::set(QString key, JSON value)
+{
+    const auto found = std::lower_bound(members_.begin(), members_.end(), key, keyBefore);
+    if (found != members_.end() && compareKeys(found->first, key) == 0)
+        found->second = std::move(value);
+    else
+        members_.emplace(found, std::move(key), std::move(value));
+}
+
+void JSON::Object::remove(const QString &key)
+{
+    const auto found = find(key);
+    if (found != end())
+        members_.erase(found);
+}
+
+bool operator==(const JSON::Object &a, const JSON::Object &b)
+{
+    return a.members_ == b.members_;
+}
 
 JSON::JSON(const char *utf8)
 {
@@ -74,10 +137,11 @@ JSON JSON::array(std::initializer_list<JSON> elements)
 
 JSON JSON::object(std::initializer_list<std::pair<QString, JSON>> pairs)
 {
-    Object object;
+    std::vector<Object::value_type> members;
+    members.reserve(pairs.size());
     for (const auto &[key, value] : pairs)
-        object.insert_or_assign(shared(key), value);
-    return JSON(std::move(object));
+        members.emplace_back(shared(key), value);
+    return JSON(Object::fromPairs(std::move(members)));
 }
 
 std::optional<bool> JSON::boolValue() const
@@ -99,18 +163,6 @@ std::optional<QString> JSON::stringValue() const
     if (auto value = std::get_if<QString>(&value_))
         return *value;
     return std::nullopt;
-}
-
-const JSON::Array *JSON::arrayValue() const
-{
-    auto value = std::get_if<std::shared_ptr<Array>>(&value_);
-    return value ? value->get() : nullptr;
-}
-
-const JSON::Object *JSON::objectValue() const
-{
-    auto value = std::get_if<std::shared_ptr<Object>>(&value_);
-    return value ? value->get() : nullptr;
 }
 
 const JSON *JSON::find(const QString &key) const
@@ -178,13 +230,13 @@ JSON::Object &JSON::mutableObject()
 
 void JSON::set(const QString &key, JSON value)
 {
-    mutableObject().insert_or_assign(shared(key), std::move(value));
+    mutableObject().set(shared(key), std::move(value));
 }
 
 void JSON::remove(const QString &key)
 {
     if (objectValue() && objectValue()->contains(key))
-        mutableObject().erase(key);
+        mutableObject().remove(key);
 }
 
 void JSON::append(JSON value)
@@ -362,16 +414,18 @@ private:
         fail("Invalid JSON value");
     }
 
+    // Members and elements gather on one stack shared by every level, so each object and
+    // array is allocated once, at its final size.
     JSON parseObject(int depth)
     {
         if (depth >= maximumDepth)
             fail("JSON nested too deeply");
         ++p_;
-        JSON::Object object;
+        const std::size_t first = members_.size();
         skipSpace();
         if (p_ < end_ && *p_ == '}') {
             ++p_;
-            return JSON(std::move(object));
+            return JSON(JSON::Object());
         }
         for (;;) {
             skipSpace();
@@ -383,7 +437,8 @@ private:
                 fail("Expected ':' after a key");
             ++p_;
             skipSpace();
-            object.insert_or_assign(std::move(key), parse(depth + 1));
+            JSON value = parse(depth + 1);
+            members_.emplace_back(std::move(key), std::move(value));
             skipSpace();
             if (p_ < end_ && *p_ == ',') {
                 ++p_;
@@ -391,7 +446,7 @@ private:
             }
             if (p_ < end_ && *p_ == '}') {
                 ++p_;
-                return JSON(std::move(object));
+                return JSON(JSON::Object::fromPairs(takeFrom(members_, first)));
             }
             fail("Expected ',' or '}' in an object");
         }
@@ -402,15 +457,16 @@ private:
         if (depth >= maximumDepth)
             fail("JSON nested too deeply");
         ++p_;
-        JSON::Array array;
+        const std::size_t first = elements_.size();
         skipSpace();
         if (p_ < end_ && *p_ == ']') {
             ++p_;
-            return JSON(std::move(array));
+            return JSON(JSON::Array());
         }
         for (;;) {
             skipSpace();
-            array.push_back(parse(depth + 1));
+            JSON element = parse(depth + 1);
+            elements_.push_back(std::move(element));
             skipSpace();
             if (p_ < end_ && *p_ == ',') {
                 ++p_;
@@ -418,10 +474,18 @@ private:
             }
             if (p_ < end_ && *p_ == ']') {
                 ++p_;
-                return JSON(std::move(array));
+                return JSON(takeFrom(elements_, first));
             }
             fail("Expected ',' or ']' in an array");
         }
+    }
+
+    template <typename T>
+    static std::vector<T> takeFrom(std::vector<T> &stack, std::size_t first)
+    {
+        std::vector<T> taken(std::make_move_iterator(stack.begin() + first), std::make_move_iterator(stack.end()));
+        stack.resize(first);
+        return taken;
     }
 
     JSON parseNumber()
@@ -585,6 +649,8 @@ private:
     const char *p_;
     const char *end_;
     const qsizetype size_ = end_ - p_;
+    std::vector<JSON::Object::value_type> members_;
+    JSON::Array elements_;
 };
 
 } // namespace
