@@ -310,8 +310,10 @@ int main(int argc, char **argv)
                     runs);
         all.push_back(figures);
     }
+    // The items' texts are held as QString, two bytes a character.
     std::printf("client memory, long stream / short: %.2fx (goal: about 1x); the finished items hold %.1f MB of "
-                "text\n",
-                all.back().client.growth / all.front().client.growth, items * textPerItem / megabyte);
+                "text, %.1f MB as strings\n",
+                all.back().client.growth / all.front().client.growth, items * textPerItem / megabyte,
+                2 * items * textPerItem / megabyte);
     return 0;
 }
