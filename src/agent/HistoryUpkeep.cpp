@@ -3,38 +3,148 @@
 #include "agent/Agent.h"
 
 #include <QFile>
+#include <QHash>
 #include <QSet>
 #include <QUrl>
 
+#include <algorithm>
 #include <cstdlib>
+
+#include <sys/stat.h>
 
 namespace zentoro::HistoryUpkeep {
 
 namespace {
 
-// Kinds compared in place: a whole-history request looks at every item's kind, and a copy
-// of each would cost more than the look.
+// Kinds and keys compared in place: a whole-history request looks at every item's kind, and a
+// copy of each would cost more than the look. Their text is the JSON value's shared copy, so
+// the usual item compares by address.
 const JSON functionCall("function_call");
 const JSON functionCallOutput("function_call_output");
 const JSON reasoning("reasoning");
 const JSON inputImage("input_image");
+const JSON typeKey("type");
+const JSON callIDKey("call_id");
+const JSON outputKey("output");
+const JSON imageURLKey("image_url");
 
-const JSON *typeOf(const JSON &item)
+bool sameText(const QString &a, const QString &b)
 {
-    static const QString key = QStringLiteral("type");
-    return item.find(key);
+    return a.size() == b.size() && (a.constData() == b.constData() || a == b);
 }
 
 bool isType(const JSON &item, const JSON &type)
 {
-    const JSON *value = typeOf(item);
-    return value && *value == type;
+    const JSON *value = item.find(*typeKey.stringRef());
+    const QString *text = value ? value->stringRef() : nullptr;
+    return text && sameText(*text, *type.stringRef());
 }
 
-// Calls and outputs without a string `call_id` are filed under the empty one.
-QString callID(const JSON &item)
+enum class Role { Other, Call, Output };
+
+// What the passes over a request need of one item, read in one look at its members.
+struct Look {
+    Role role = Role::Other;
+    // Calls and outputs without a string `call_id` are filed under the empty one.
+    QStringView callID;
+    // An output whose `output` is a non-empty array of parts, where screenshots may be.
+    bool hasParts = false;
+};
+
+const QString *textAt(const JSON &item, const JSON &key)
 {
-    return item.stringAt(QStringLiteral("call_id")).value_or(QString());
+    const JSON *value = item.find(*key.stringRef());
+    return value ? value->stringRef() : nullptr;
+}
+
+Look lookAt(const JSON &item)
+{
+    Look look;
+    const QString *type = textAt(item, typeKey);
+    if (!type)
+        return look;
+    if (sameText(*type, *functionCall.stringRef())) {
+        look.role = Role::Call;
+    } else if (sameText(*type, *functionCallOutput.stringRef())) {
+        look.role = Role::Output;
+        const JSON::Array *parts = item.arrayAt(*outputKey.stringRef());
+        look.hasParts = parts && !parts->empty();
+    } else {
+        return look;
+    }
+    if (const QString *id = textAt(item, callIDKey))
+        look.callID = *id;
+    return look;
+}
+
+// Asks for the members of the item a few places ahead while this one is looked at: the items
+// lie scattered in memory, and waiting for each in turn costs more than the look itself.
+template <typename List>
+void fetchAhead(const List &items, qsizetype index)
+{
+    if (index + 16 < items.size())
+        __builtin_prefetch(items[index + 16].objectValue());
+    if (index + 8 < items.size()) {
+        if (const JSON::Object *ahead = items[index + 8].objectValue(); ahead && !ahead->empty())
+            __builtin_prefetch(&*ahead->begin());
+    }
+}
+
+std::vector<Look> lookAt(const JSON::Array &items)
+{
+    std::vector<Look> looks;
+    looks.reserve(items.size());
+    for (qsizetype index = 0; index < qsizetype(items.size()); ++index) {
+        fetchAhead(items, index);
+        looks.push_back(lookAt(items[index]));
+    }
+    return looks;
+}
+
+// Appends `list` to `items`, and the look at each to `looks`.
+void gather(const QList<JSON> &list, JSON::Array &items, std::vector<Look> &looks)
+{
+    for (qsizetype index = 0; index < list.size(); ++index) {
+        fetchAhead(list, index);
+        items.push_back(list[index]);
+        looks.push_back(lookAt(list[index]));
+    }
+}
+
+// Takes out the calls without an output and the outputs without a call, from `items` and
+// from `looks` alike.
+void dropHalfPairs(JSON::Array &items, std::vector<Look> &looks)
+{
+    // Each call_id is hashed once; what was seen under it is kept by its first place.
+    enum Seen : unsigned char { call = 1, output = 2, both = 3 };
+    QHash<QStringView, qsizetype> places;
+    places.reserve(items.size() / 4);
+    std::vector<unsigned char> seen;
+    std::vector<qsizetype> placeOf(items.size(), -1);
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        const Look &look = looks[index];
+        if (look.role == Role::Other)
+            continue;
+        qsizetype &place = places[look.callID];
+        if (place == 0) {
+            seen.push_back(0);
+            place = qsizetype(seen.size());
+        }
+        seen[place - 1] |= look.role == Role::Call ? call : output;
+        placeOf[index] = place - 1;
+    }
+    std::size_t kept = 0;
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        if (placeOf[index] >= 0 && seen[placeOf[index]] != both)
+            continue;
+        if (kept != index) {
+            items[kept] = std::move(items[index]);
+            looks[kept] = looks[index];
+        }
+        ++kept;
+    }
+    items.resize(kept);
+    looks.resize(kept);
 }
 
 // A stored screenshot: its file, or none for any other part (a data URL, text).
@@ -42,7 +152,8 @@ std::optional<QString> screenshotFile(const JSON &part)
 {
     if (!isType(part, inputImage))
         return std::nullopt;
-    const auto address = part.stringAt(QStringLiteral("image_url"));
+    const JSON *value = part.find(*imageURLKey.stringRef());
+    const QString *address = value ? value->stringRef() : nullptr;
     if (!address)
         return std::nullopt;
     const QUrl url(*address, QUrl::StrictMode);
@@ -57,6 +168,100 @@ std::optional<QByteArray> contents(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
     return file.readAll();
+}
+
+// What tells a file's present contents from any it had before: a rewrite changes its times or
+// size, a replacement its inode.
+struct FileStamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    timespec modified{};
+    timespec changed{};
+
+    bool operator==(const FileStamp &other) const
+    {
+        return device == other.device && inode == other.inode && size == other.size &&
+               modified.tv_sec == other.modified.tv_sec && modified.tv_nsec == other.modified.tv_nsec &&
+               changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
+    }
+};
+
+std::optional<FileStamp> stampOf(const QString &path)
+{
+    struct stat status {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return FileStamp{status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_ctim};
+}
+
+// The data URLs of the last few screenshots read. A long conversation sends the same newest
+// three with every request, and encoding them afresh each time would cost more than all the
+// rest of the request; a file that changed in any way since is read again.
+std::optional<QString> dataURL(const QString &path)
+{
+    struct Entry {
+        QString path;
+        FileStamp stamp;
+        QString url;
+    };
+    static constexpr std::size_t capacity = 3;
+    static std::vector<Entry> recent;
+
+    const std::optional<FileStamp> stamp = stampOf(path);
+    if (!stamp)
+        return std::nullopt;
+    const auto found = std::find_if(recent.begin(), recent.end(),
+                                    [&](const Entry &entry) { return entry.path == path && entry.stamp == *stamp; });
+    if (found != recent.end()) {
+        std::rotate(recent.begin(), found, found + 1);
+        return recent.front().url;
+    }
+    const std::optional<QByteArray> bytes = contents(path);
+    if (!bytes)
+        return std::nullopt;
+    QString url = QStringLiteral("data:image/png;base64,") + QLatin1StringView(bytes->toBase64());
+    std::erase_if(recent, [&](const Entry &entry) { return entry.path == path; });
+    recent.insert(recent.begin(), Entry{path, *stamp, url});
+    if (recent.size() > capacity)
+        recent.pop_back();
+    return url;
+}
+
+const JSON &noticePart()
+{
+    static const JSON part = JSON::object({{"type", "input_text"}, {"text", screenshotNotice()}});
+    return part;
+}
+
+// Attaches the newest `keep` screenshots of the outputs in `items`, as `looks` found them,
+// and puts the notice in place of every other one.
+void attach(JSON::Array &items, const std::vector<Look> &looks, qsizetype keep)
+{
+    for (std::size_t index = items.size(); index-- > 0;) {
+        if (!looks[index].hasParts)
+            continue;
+        JSON &item = items[index];
+        const JSON::Array *stored = item.arrayAt(*outputKey.stringRef());
+        std::optional<JSON::Array> parts;
+        for (std::size_t at = stored->size(); at-- > 0;) {
+            const auto file = screenshotFile((*stored)[at]);
+            if (!file)
+                continue;
+            if (!parts)
+                parts = *stored;
+            JSON &part = (*parts)[at];
+            const auto url = keep >= 1 ? dataURL(*file) : std::nullopt;
+            if (url) {
+                --keep;
+                part.set(*imageURLKey.stringRef(), *url);
+            } else {
+                part = noticePart();
+            }
+        }
+        if (parts)
+            item.set(*outputKey.stringRef(), JSON(std::move(*parts)));
+    }
 }
 
 } // namespace
@@ -85,65 +290,29 @@ std::optional<JSON> forHistory(const JSON &item)
     return kept;
 }
 
-JSON::Array consistent(const JSON::Array &items)
+JSON::Array consistent(JSON::Array items)
 {
-    // One look at each item: a whole-history request holds thousands of them.
-    enum class Role { Other, Call, Output };
-    std::vector<std::pair<Role, QString>> roles;
-    roles.reserve(items.size());
-    QSet<QString> calls;
-    QSet<QString> outputs;
-    for (const JSON &item : items) {
-        const JSON *type = typeOf(item);
-        if (type && *type == functionCall) {
-            roles.emplace_back(Role::Call, callID(item));
-            calls.insert(roles.back().second);
-        } else if (type && *type == functionCallOutput) {
-            roles.emplace_back(Role::Output, callID(item));
-            outputs.insert(roles.back().second);
-        } else {
-            roles.emplace_back(Role::Other, QString());
-        }
-    }
-    JSON::Array kept;
-    kept.reserve(items.size());
-    for (std::size_t index = 0; index < items.size(); ++index) {
-        const auto &[role, id] = roles[index];
-        if ((role == Role::Call && !outputs.contains(id)) || (role == Role::Output && !calls.contains(id)))
-            continue;
-        kept.push_back(items[index]);
-    }
-    return kept;
+    std::vector<Look> looks = lookAt(items);
+    dropHalfPairs(items, looks);
+    return items;
 }
 
 JSON::Array attachingScreenshots(JSON::Array items, qsizetype keep)
 {
-    const QString outputKey = QStringLiteral("output");
-    for (auto item = items.rbegin(); item != items.rend(); ++item) {
-        if (!isType(*item, functionCallOutput))
-            continue;
-        const JSON::Array *stored = item->arrayAt(outputKey);
-        if (!stored || stored->empty())
-            continue;
-        JSON::Array parts = *stored;
-        bool changed = false;
-        for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
-            const auto file = screenshotFile(*part);
-            if (!file)
-                continue;
-            changed = true;
-            const auto bytes = keep >= 1 ? contents(*file) : std::nullopt;
-            if (bytes) {
-                --keep;
-                part->set(QStringLiteral("image_url"),
-                          QStringLiteral("data:image/png;base64,") + QString::fromLatin1(bytes->toBase64()));
-            } else {
-                *part = JSON::object({{"type", "input_text"}, {"text", screenshotNotice()}});
-            }
-        }
-        if (changed)
-            item->set(outputKey, JSON(std::move(parts)));
-    }
+    attach(items, lookAt(items), keep);
+    return items;
+}
+
+JSON::Array sendable(const QList<JSON> &history, const QList<JSON> &pendingInput, qsizetype keep)
+{
+    JSON::Array items;
+    std::vector<Look> looks;
+    items.reserve(history.size() + pendingInput.size());
+    looks.reserve(items.capacity());
+    gather(history, items, looks);
+    gather(pendingInput, items, looks);
+    dropHalfPairs(items, looks);
+    attach(items, looks, keep);
     return items;
 }
 

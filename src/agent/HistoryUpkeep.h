@@ -20,12 +20,16 @@ std::optional<JSON> forHistory(const JSON &item);
 
 // `items` without the calls that have no output and the outputs that have no call, so a
 // whole-history request never sends half a pair.
-JSON::Array consistent(const JSON::Array &items);
+JSON::Array consistent(JSON::Array items);
 
 // Turns the newest `keep` screenshot references in the outputs into image data read from
 // disk, newest first, and every older or unreadable one into the notice. The stored
 // references stay as they are: the data lives only in the returned request.
 JSON::Array attachingScreenshots(JSON::Array items, qsizetype keep);
+
+// The input of a whole-history request: `history` and then `pendingInput`, made consistent,
+// with the newest `keep` screenshots attached. One look at each item, for thousands of them.
+JSON::Array sendable(const QList<JSON> &history, const QList<JSON> &pendingInput, qsizetype keep);
 
 // Drops about the first half of `history`, cutting as near the middle as its structure
 // allows: never between a call and its output (the calls of outputs still in

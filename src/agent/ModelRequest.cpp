@@ -19,7 +19,6 @@ constexpr qsizetype wholeScreenshotKeep = 3;
 constexpr qsizetype chainedScreenshotKeep = std::numeric_limits<qsizetype>::max();
 
 using HistoryUpkeep::attachingScreenshots;
-using HistoryUpkeep::consistent;
 using Instructions::instructions;
 
 QString missingKeyMessage()
@@ -119,9 +118,7 @@ JSON body(Provider provider, const QList<JSON> &history, const QList<JSON> &pend
     if (chained) {
         input = attachingScreenshots(toArray(pendingInput), chainedScreenshotKeep);
     } else {
-        input = toArray(history);
-        input.insert(input.end(), pendingInput.begin(), pendingInput.end());
-        input = attachingScreenshots(consistent(std::move(input)), wholeScreenshotKeep);
+        input = HistoryUpkeep::sendable(history, pendingInput, wholeScreenshotKeep);
     }
 
     JSON body = JSON::object({

@@ -121,6 +121,26 @@ TEST(HistoryUpkeep, TheNewestThreePicturesAreSentAndTheRestSayWhy)
               (QStringList{"notice", "notice", "notice", "notice", "data:image/png;base64", "notice"}));
 }
 
+TEST(HistoryUpkeep, APictureRewrittenInPlaceIsReadAfresh)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath("shot.png");
+    const auto writeShot = [&](const QByteArray &bytes) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(bytes);
+    };
+    const JSON::Array items{screenshotOutput("s", QUrl::fromLocalFile(path).toString())};
+    const auto sentURL = [&] { return (*attachingScreenshots(items, 3)[0].arrayAt("output"))[1].stringAt("image_url"); };
+
+    writeShot("first");
+    EXPECT_EQ(sentURL(), "data:image/png;base64," + QByteArray("first").toBase64());
+    writeShot("second picture");
+    EXPECT_EQ(sentURL(), "data:image/png;base64," + QByteArray("second picture").toBase64());
+    QFile::remove(path);
+    EXPECT_EQ(sentURL(), std::nullopt);
+}
+
 TEST(HistoryUpkeep, TheCutFallsNearestTheMiddleWhereTheStructureAllows)
 {
     QList<JSON> history;

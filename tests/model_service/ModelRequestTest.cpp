@@ -1,11 +1,14 @@
 #include "agent/ModelRequest.h"
 
+#include "core/AtomicFile.h"
 #include "core/Defaults.h"
 #include "model_service/AgentConfig.h"
 #include "runtime/Workspace.h"
 #include "support/Await.h"
 
 #include <QFile>
+#include <QTemporaryDir>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -157,4 +160,63 @@ TEST_F(ModelRequestTest, TheBearerIsTheEffectiveKeyOrAFailureForTheUser)
     qputenv("OPENAI_API_KEY", "sk-env");
     EXPECT_EQ(test::await(credential(Provider::APIKey)), "sk-env");
     qunsetenv("OPENAI_API_KEY");
+}
+
+TEST_F(ModelRequestTest, AWholeRequestSendsWholePairsAndTheNewestThreePicturesExactly)
+{
+    QTemporaryDir folder;
+    const auto shot = [&](const QString &name, const QByteArray &bytes) {
+        const QString path = folder.filePath(name + ".png");
+        EXPECT_FALSE(AtomicFile::write(path, bytes).has_value());
+        return path;
+    };
+    const QStringList paths{shot("a", "one"), shot("c", "two"), shot("d", "three"), shot("e", "four")};
+    const auto call = [](const char *id) {
+        return JSON::object({{"type", "function_call"}, {"call_id", id}, {"name", "screenshot"}, {"arguments", "{}"}});
+    };
+    const auto output = [](const char *id, const QString &path) {
+        return JSON::object({{"type", "function_call_output"},
+                             {"call_id", id},
+                             {"output", JSON::array({JSON::object({{"type", "input_text"}, {"text", "The app:"}}),
+                                                     JSON::object({{"type", "input_image"},
+                                                                   {"image_url", QUrl::fromLocalFile(path).toString()},
+                                                                   {"detail", "auto"}})})}});
+    };
+    const QList<JSON> conversationHistory{
+        JSON::object({{"role", "user"}, {"content", "fix it"}}), call("a"), output("a", paths[0]), call("b"),
+        JSON::object({{"type", "reasoning"}, {"encrypted_content", "opaque"}}), call("c"), output("c", paths[1]),
+        call("d"), output("d", paths[2]), call("e")};
+    const QList<JSON> queued{output("e", paths[3]), output("z", paths[0])};
+
+    const auto sent = [&] {
+        return ModelRequest::body(Provider::ChatGPT, conversationHistory, queued, std::nullopt, conversation)
+            .find("input")
+            ->encode();
+    };
+    const QString notice = R"j({"text":"(This screenshot is no longer attached. Take a new one to see the app.)","type":"input_text"})j";
+    const auto picture = [](const QByteArray &bytes) {
+        return QStringLiteral(R"j({"detail":"auto","image_url":"data:image/png;base64,%1","type":"input_image"})j")
+            .arg(QString::fromLatin1(bytes.toBase64()));
+    };
+    const auto expected = [&](const QString &a, const QString &c, const QString &d, const QString &e) {
+        const auto pair = [](const char *id, const QString &part) {
+            return QStringLiteral(R"j({"arguments":"{}","call_id":"%1","name":"screenshot","type":"function_call"},)j"
+                                  R"j({"call_id":"%1","output":[{"text":"The app:","type":"input_text"},%2],)j"
+                                  R"j("type":"function_call_output"})j")
+                .arg(QLatin1StringView(id), part);
+        };
+        // The call to b never got its output and z's output has no call: both stay out.
+        return (R"j([{"content":"fix it","role":"user"},)j" + pair("a", a) +
+                R"j(,{"encrypted_content":"opaque","type":"reasoning"},)j" + pair("c", c) + "," + pair("d", d) + "," +
+                pair("e", e) + "]")
+            .toUtf8();
+    };
+    EXPECT_EQ(sent(), expected(notice, picture("two"), picture("three"), picture("four")));
+    EXPECT_EQ(sent(), expected(notice, picture("two"), picture("three"), picture("four")));
+
+    // A newer screenshot under the same name is sent as it is now; a picture whose file is
+    // gone says so and lets the one before it move up.
+    ASSERT_FALSE(AtomicFile::write(paths[3], "FOUR").has_value());
+    ASSERT_TRUE(QFile::remove(paths[2]));
+    EXPECT_EQ(sent(), expected(picture("one"), picture("two"), notice, picture("FOUR")));
 }
