@@ -47,7 +47,8 @@ struct Look {
     Role role = Role::Other;
     // Calls and outputs without a string `call_id` are filed under the empty one.
     QStringView callID;
-    // An output whose `output` is a non-empty array of parts, where screenshots may be.
+    // An output whose `output` is an array of parts, where screenshots may be. Its length
+    // waits for the few that `attach` visits: reading it here would cost a fetch per output.
     bool hasParts = false;
 };
 
@@ -67,8 +68,8 @@ Look lookAt(const JSON &item)
         look.role = Role::Call;
     } else if (sameText(*type, *functionCallOutput.stringRef())) {
         look.role = Role::Output;
-        const JSON::Array *parts = item.arrayAt(*outputKey.stringRef());
-        look.hasParts = parts && !parts->empty();
+        const JSON *parts = item.find(*outputKey.stringRef());
+        look.hasParts = parts && parts->kind() == JSON::Kind::Array;
     } else {
         return look;
     }
