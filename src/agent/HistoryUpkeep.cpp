@@ -148,6 +148,31 @@ void dropHalfPairs(JSON::Array &items, std::vector<Look> &looks)
     looks.resize(kept);
 }
 
+std::optional<QString> fileOfURL(const QString &address)
+{
+    const QUrl url(address, QUrl::StrictMode);
+    if (!url.isValid() || url.scheme() != u"file")
+        return std::nullopt;
+    return url.toLocalFile();
+}
+
+// The file a short address names, remembered: a long conversation holds hundreds of screenshot
+// references and every whole request looks at each of them, which parsing afresh would make
+// the costliest part of the request. Data URLs are long and never name a file.
+std::optional<QString> fileOf(const QString &address)
+{
+    static constexpr qsizetype longestRemembered = 1024;
+    static constexpr qsizetype remembered = 4096;
+    static QHash<QString, std::optional<QString>> known;
+    if (address.size() > longestRemembered)
+        return fileOfURL(address);
+    if (const auto found = known.constFind(address); found != known.cend())
+        return *found;
+    if (known.size() >= remembered)
+        known.clear();
+    return *known.insert(address, fileOfURL(address));
+}
+
 // A stored screenshot: its file, or none for any other part (a data URL, text).
 std::optional<QString> screenshotFile(const JSON &part)
 {
@@ -155,12 +180,7 @@ std::optional<QString> screenshotFile(const JSON &part)
         return std::nullopt;
     const JSON *value = part.find(*imageURLKey.stringRef());
     const QString *address = value ? value->stringRef() : nullptr;
-    if (!address)
-        return std::nullopt;
-    const QUrl url(*address, QUrl::StrictMode);
-    if (!url.isValid() || url.scheme() != u"file")
-        return std::nullopt;
-    return url.toLocalFile();
+    return address ? fileOf(*address) : std::nullopt;
 }
 
 std::optional<QByteArray> contents(const QString &path)
