@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include <sys/stat.h>
-
 namespace zentoro::HistoryUpkeep {
 
 namespace {
@@ -191,62 +189,14 @@ std::optional<QByteArray> contents(const QString &path)
     return file.readAll();
 }
 
-// What tells a file's present contents from any it had before: a rewrite changes its times or
-// size, a replacement its inode.
-struct FileStamp {
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec modified{};
-    timespec changed{};
-
-    bool operator==(const FileStamp &other) const
-    {
-        return device == other.device && inode == other.inode && size == other.size &&
-               modified.tv_sec == other.modified.tv_sec && modified.tv_nsec == other.modified.tv_nsec &&
-               changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
-    }
-};
-
-std::optional<FileStamp> stampOf(const QString &path)
-{
-    struct stat status {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
-        return std::nullopt;
-    return FileStamp{status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_ctim};
-}
-
-// The data URLs of the last few screenshots read. A long conversation sends the same newest
-// three with every request, and encoding them afresh each time would cost more than all the
-// rest of the request; a file that changed in any way since is read again.
+// The picture's bytes as a data URL, made afresh for each request: image data never outlives
+// the request that carries it.
 std::optional<QString> dataURL(const QString &path)
 {
-    struct Entry {
-        QString path;
-        FileStamp stamp;
-        QString url;
-    };
-    static constexpr std::size_t capacity = 3;
-    static std::vector<Entry> recent;
-
-    const std::optional<FileStamp> stamp = stampOf(path);
-    if (!stamp)
-        return std::nullopt;
-    const auto found = std::find_if(recent.begin(), recent.end(),
-                                    [&](const Entry &entry) { return entry.path == path && entry.stamp == *stamp; });
-    if (found != recent.end()) {
-        std::rotate(recent.begin(), found, found + 1);
-        return recent.front().url;
-    }
     const std::optional<QByteArray> bytes = contents(path);
     if (!bytes)
         return std::nullopt;
-    QString url = QStringLiteral("data:image/png;base64,") + QLatin1StringView(bytes->toBase64());
-    std::erase_if(recent, [&](const Entry &entry) { return entry.path == path; });
-    recent.insert(recent.begin(), Entry{path, *stamp, url});
-    if (recent.size() > capacity)
-        recent.pop_back();
-    return url;
+    return QStringLiteral("data:image/png;base64,") + QLatin1StringView(bytes->toBase64());
 }
 
 const JSON &noticePart()
