@@ -15,6 +15,7 @@ struct KitEntryPoints {
     decltype(&zentoro_view_release) release = nullptr;
     decltype(&zentoro_view_set_size) setSize = nullptr;
     decltype(&zentoro_view_set_appearance) setAppearance = nullptr;
+    decltype(&zentoro_view_update) update = nullptr;
     decltype(&zentoro_view_render) render = nullptr;
     decltype(&zentoro_view_pointer) pointer = nullptr;
     decltype(&zentoro_view_scroll) scroll = nullptr;

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPaintEvent>
 #include <QPainter>
 
 namespace zentoro {
@@ -68,7 +69,14 @@ struct KitHostView::Callbacks {
         view(c)->placeTextField(identifier, QRectF(rect.x, rect.y, rect.width, rect.height), QString::fromUtf8(text),
                                 QString::fromUtf8(prompt), KitPainting::font(font), flags);
     }
-    static void requestRedraw(void *c) { view(c)->update(); }
+    static void requestRedraw(void *c)
+    {
+        KitHostView *v = view(c);
+        if (v->damageAsked_)
+            return;
+        v->damageAsked_ = true;
+        QMetaObject::invokeMethod(v, &KitHostView::repaintDamage, Qt::QueuedConnection);
+    }
 };
 
 KitHostView::KitHostView(void *library, void *rootView, QWidget *parent)
@@ -133,17 +141,42 @@ void KitHostView::sendAppearance()
 
 void KitHostView::afterCall() { KitMainQueue::service(); }
 
-void KitHostView::paintEvent(QPaintEvent *)
+// Repaints only what the kit says changed: on a state change that is often a small part of
+// a large view, and the rest of the window keeps its pixels.
+void KitHostView::repaintDamage()
 {
-    QPainter painter(this);
-    painter.fillRect(rect(), palette().color(QPalette::Window));
+    damageAsked_ = false;
     if (!kit_)
         return;
+    ZentoroRect damaged{};
+    const int damage = kit_->update(root_, &damaged);
+    if (damage == ZENTORO_DAMAGE_WHOLE)
+        update();
+    else if (damage == ZENTORO_DAMAGE_RECT)
+        update(QRectF(damaged.x, damaged.y, damaged.width, damaged.height).toAlignedRect());
+    afterCall();
+}
+
+void KitHostView::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    const QRect area = event->rect();
+    painter.fillRect(area, palette().color(QPalette::Window));
+    if (!kit_)
+        return;
+    // Changes since the last update may reach beyond what this paint covers.
+    ZentoroRect damaged{};
+    const int damage = kit_->update(root_, &damaged);
+    if (damage == ZENTORO_DAMAGE_WHOLE && area != rect())
+        update();
+    else if (damage == ZENTORO_DAMAGE_RECT && !area.contains(QRectF(damaged.x, damaged.y, damaged.width, damaged.height).toAlignedRect()))
+        update(QRectF(damaged.x, damaged.y, damaged.width, damaged.height).toAlignedRect());
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::TextAntialiasing);
     painter_ = &painter;
     placed_.clear();
-    kit_->render(root_);
+    const ZentoroRect clip{double(area.x()), double(area.y()), double(area.width()), double(area.height())};
+    kit_->render(root_, &clip);
     painter_ = nullptr;
     for (auto it = fields_.begin(); it != fields_.end();) {
         if (placed_.contains(it.key())) {

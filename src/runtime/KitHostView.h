@@ -51,6 +51,7 @@ private:
     void placeTextField(qint64 identifier, const QRectF &rect, const QString &text, const QString &prompt,
                         const QFont &font, int flags);
     void afterCall();
+    void repaintDamage();
 
     std::shared_ptr<const KitEntryPoints> kit_;
     void *root_ = nullptr;
@@ -60,6 +61,7 @@ private:
     QHash<qint64, QLineEdit *> fields_;
     QSet<qint64> placed_;
     int clickCount_ = 1;
+    bool damageAsked_ = false;
 };
 
 } // namespace zentoro

@@ -25,6 +25,7 @@ std::shared_ptr<const KitEntryPoints> KitEntryPoints::find(void *library, QStrin
     look(kit->release, "zentoro_view_release");
     look(kit->setSize, "zentoro_view_set_size");
     look(kit->setAppearance, "zentoro_view_set_appearance");
+    look(kit->update, "zentoro_view_update");
     look(kit->render, "zentoro_view_render");
     look(kit->pointer, "zentoro_view_pointer");
     look(kit->scroll, "zentoro_view_scroll");

@@ -147,8 +147,34 @@ final class Hosted {
     }
 
     func render() {
+        render(clip: nil)
+    }
+    /// Draws only what meets `clip`, as a host repainting part of its window does.
+    func render(clip: CGRect?) {
         double.texts = []; double.fills = []; double.strokes = []; double.symbols = []; double.fields = []
-        _zentoroViewRender(view)
+        // As the window does, take what changed before painting.
+        _ = update()
+        if let clip {
+            var c = clip.c
+            _zentoroViewRender(view, &c)
+        } else {
+            _zentoroViewRender(view, nil)
+        }
+    }
+    /// Brings the view up to date; what it says changed on screen (nil: the whole view).
+    func update() -> CGRect? {
+        var damaged = ZentoroRect()
+        switch Int(_zentoroViewUpdate(view, &damaged)) {
+        case Int(ZENTORO_DAMAGE_NONE): return .null
+        case Int(ZENTORO_DAMAGE_RECT): return CGRect(x: damaged.x, y: damaged.y, width: damaged.width, height: damaged.height)
+        default: return nil
+        }
+    }
+    var graph: ViewGraph { Unmanaged<RootView>.fromOpaque(view).takeUnretainedValue().graph }
+    func press(_ string: String) {
+        guard let rect = text(string)?.rect else { Issue.record("no text \(string) among \(strings)"); return }
+        _ = _zentoroViewPointer(view, 0, rect.midX, rect.midY, 0, 1)
+        _ = _zentoroViewPointer(view, 2, rect.midX, rect.midY, 0, 1)
     }
     func resize(_ width: Double, _ height: Double) {
         _zentoroViewSetSize(view, width, height)

@@ -79,6 +79,7 @@ final class ButtonElement: InteractiveElement {
         super.init(child, path: path, graph: graph)
     }
     override var catchesWholeFrame: Bool { true }
+    override var bleed: CGFloat? { 0 }
     override func press(at point: CGPoint) -> Bool { enabled }
     override func tap(at point: CGPoint, count: Int) -> Bool {
         guard enabled else { return true }

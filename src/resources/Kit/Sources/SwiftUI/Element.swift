@@ -1,11 +1,22 @@
 import Foundation
 
 /// A resolved piece of the view tree: it answers size proposals, takes its place, draws, and
-/// says which interactive element lies under a point. A new tree of elements is made for every
-/// update; what must last lives in the graph's storage.
+/// says which interactive element lies under a point. Every update resolves a new tree, but a
+/// text whose inputs are the same as in the previous tree, and a stack or frame around exactly
+/// the same children, is taken over with its remembered sizes and place; what must last
+/// beyond that lives in the graph's storage.
 @MainActor
 class Element {
-    var frame = CGRect.zero
+    var frame = CGRect.zero { didSet { boundsCache = nil } }
+    /// The update in which this element was taken over from the previous tree.
+    var reusedPass = -1
+    /// The update in which it was taken over and kept its place, so it draws as before.
+    var unchangedPass = -1
+    /// The container this element was last placed in: where a container of the next tree
+    /// made of the same children finds the one it can take over.
+    weak var owner: Element?
+    /// The update being laid out; elements taken over in it keep their place when offered the same.
+    static var layoutPass = 0
     var layoutPriority: Double = 0
     /// The last few proposals and their answers: an element is asked a handful of different
     /// proposals in an update, so a short list searched in order beats hashing.
@@ -31,18 +42,73 @@ class Element {
     func measure(_ proposal: ProposedViewSize) -> CGSize { .zero }
 
     func place(in rect: CGRect) {
+        if keepsPlace(rect) { return }
         frame = rect
         for child in children { child.place(in: rect) }
     }
 
+    /// True when this element was taken over in this update and offered the rectangle it
+    /// already has: its whole subtree stays where it is.
+    final func keepsPlace(_ rect: CGRect) -> Bool {
+        guard reusedPass == Element.layoutPass else { return false }
+        if rect == frame {
+            unchangedPass = Element.layoutPass
+            return true
+        }
+        return false
+    }
+
+    /// Draws the children, leaving out those that draw nothing inside the clip.
     func draw(_ renderer: Renderer) {
-        for child in children { child.draw(renderer) }
+        for child in children {
+            if let bounds = child.drawnBounds, !bounds.intersects(renderer.clip) { continue }
+            child.draw(renderer)
+        }
+    }
+
+    /// How far this element's own drawing reaches beyond its frame; nil when it is not bounded
+    /// by its frame or drawing it does more than paint (placing a text field).
+    var bleed: CGFloat? { nil }
+    /// Whether drawing this element is exactly drawing its children, unchanged.
+    var drawsOnlyChildren: Bool { bleed == 0 }
+    private var boundsCache: CGRect??
+    /// Where this element and everything in it draws; nil when that is not known.
+    final var drawnBounds: CGRect? {
+        if let known = boundsCache { return known }
+        var result: CGRect? = nil
+        if let bleed {
+            var bounds = frame.insetBy(dx: -bleed, dy: -bleed)
+            for child in children {
+                guard let inner = child.drawnBounds else { bounds = .null; break }
+                bounds = bounds.union(inner)
+            }
+            if !bounds.isNull { result = bounds }
+        }
+        boundsCache = .some(result)
+        return result
+    }
+
+    /// The element of the previous tree that was made of exactly `children` and that `same`
+    /// accepts (same settings), taken over for this update; nil when there is none.
+    static func reusable<E: Element>(_ children: [Element], pass: Int, _ same: (E) -> Bool) -> E? {
+        guard let first = children.first, let previous = first.owner as? E, previous.reusedPass != pass,
+              children.allSatisfy({ $0.reusedPass == pass }) else { return nil }
+        let old = previous.children
+        guard old.count == children.count, zip(old, children).allSatisfy({ $0 === $1 }), same(previous) else { return nil }
+        previous.reusedPass = pass
+        return previous
+    }
+
+    /// Makes this element the owner of its children.
+    final func adoptChildren() {
+        for child in children { child.owner = self }
     }
 
     /// What lies under `point`: nil when nothing is drawn there, otherwise the interactive
     /// elements that contain the point, innermost first (empty over plain content, which still
     /// keeps the point from reaching what lies below).
     func hits(_ point: CGPoint) -> [InteractiveElement]? {
+        if let bounds = drawnBounds, !bounds.contains(point) { return nil }
         for child in children.reversed() {
             if let hit = child.hits(point) { return hit }
         }
@@ -68,12 +134,16 @@ class Element {
 @MainActor
 class WrapperElement: Element {
     let child: Element
+    /// Kept rather than made on each call: layout, drawing and hit testing ask for it often.
+    private let childList: [Element]
     init(_ child: Element) {
         self.child = child
+        childList = [child]
         super.init()
         layoutPriority = child.layoutPriority
+        child.owner = self
     }
-    override var children: [Element] { [child] }
+    override var children: [Element] { childList }
     override func measure(_ proposal: ProposedViewSize) -> CGSize { child.size(proposal) }
     override func outline() -> Path? { child.outline() }
 }
@@ -82,8 +152,16 @@ class WrapperElement: Element {
 final class ZStackElement: Element {
     let items: [Element]
     let alignment: Alignment
-    init(children: [Element], alignment: Alignment) { items = children; self.alignment = alignment }
+    init(children: [Element], alignment: Alignment) {
+        items = children; self.alignment = alignment
+        super.init()
+        adoptChildren()
+    }
+    static func make(children: [Element], alignment: Alignment, pass: Int) -> ZStackElement {
+        reusable(children, pass: pass) { $0.alignment == alignment } ?? ZStackElement(children: children, alignment: alignment)
+    }
     override var children: [Element] { items }
+    override var bleed: CGFloat? { 0 }
     override func measure(_ proposal: ProposedViewSize) -> CGSize {
         var result = CGSize.zero
         for item in items {
@@ -94,6 +172,7 @@ final class ZStackElement: Element {
         return result
     }
     override func place(in rect: CGRect) {
+        if keepsPlace(rect) { return }
         frame = rect
         for item in items {
             item.place(in: alignment.place(item.size(ProposedViewSize(rect.size)), in: rect))
@@ -111,8 +190,15 @@ final class StackElement: Element {
 
     init(axis: Axis, crossFraction: CGFloat, spacing: CGFloat?, children: [Element]) {
         self.axis = axis; self.crossFraction = crossFraction; self.spacing = spacing; items = children
+        super.init()
+        adoptChildren()
+    }
+    static func make(axis: Axis, crossFraction: CGFloat, spacing: CGFloat?, children: [Element], pass: Int) -> StackElement {
+        reusable(children, pass: pass) { $0.axis == axis && $0.crossFraction == crossFraction && $0.spacing == spacing }
+            ?? StackElement(axis: axis, crossFraction: crossFraction, spacing: spacing, children: children)
     }
     override var children: [Element] { items }
+    override var bleed: CGFloat? { 0 }
 
     static let defaultSpacing: CGFloat = 8
 
@@ -168,6 +254,7 @@ final class StackElement: Element {
     }
 
     override func place(in rect: CGRect) {
+        if keepsPlace(rect) { return }
         frame = rect
         let sizes = allocate(ProposedViewSize(rect.size))
         var position = axis == .horizontal ? rect.minX : rect.minY
@@ -188,6 +275,7 @@ final class SpacerElement: Element {
     let axis: Axis?
     init(minLength: CGFloat, axis: Axis?) { self.minLength = minLength; self.axis = axis }
     override var isSpacer: Bool { true }
+    override var bleed: CGFloat? { 0 }
     override func measure(_ proposal: ProposedViewSize) -> CGSize {
         switch axis {
         case .horizontal: return CGSize(width: max(minLength, proposal.width ?? minLength), height: 0)
@@ -200,6 +288,10 @@ final class SpacerElement: Element {
 final class PaddingElement: WrapperElement {
     let insets: EdgeInsets
     init(_ child: Element, insets: EdgeInsets) { self.insets = insets; super.init(child) }
+    static func make(_ child: Element, insets: EdgeInsets, pass: Int) -> PaddingElement {
+        reusable([child], pass: pass) { $0.insets == insets } ?? PaddingElement(child, insets: insets)
+    }
+    override var bleed: CGFloat? { 0 }
     override func measure(_ proposal: ProposedViewSize) -> CGSize {
         let inner = ProposedViewSize(width: proposal.width.map { max(0, $0 - insets.horizontal) },
                                      height: proposal.height.map { max(0, $0 - insets.vertical) })
@@ -207,6 +299,7 @@ final class PaddingElement: WrapperElement {
         return CGSize(width: s.width + insets.horizontal, height: s.height + insets.vertical)
     }
     override func place(in rect: CGRect) {
+        if keepsPlace(rect) { return }
         frame = rect
         child.place(in: CGRect(x: rect.minX + insets.leading, y: rect.minY + insets.top,
                                width: max(0, rect.width - insets.horizontal), height: max(0, rect.height - insets.vertical)))
@@ -221,12 +314,18 @@ final class FixedFrameElement: WrapperElement {
         self.width = width; self.height = height; self.alignment = alignment
         super.init(child)
     }
+    static func make(_ child: Element, width: CGFloat?, height: CGFloat?, alignment: Alignment, pass: Int) -> FixedFrameElement {
+        reusable([child], pass: pass) { $0.width == width && $0.height == height && $0.alignment == alignment }
+            ?? FixedFrameElement(child, width: width, height: height, alignment: alignment)
+    }
+    override var bleed: CGFloat? { 0 }
     override func measure(_ proposal: ProposedViewSize) -> CGSize {
         if let width, let height { return CGSize(width: width, height: height) }
         let s = child.size(ProposedViewSize(width: width ?? proposal.width, height: height ?? proposal.height))
         return CGSize(width: width ?? s.width, height: height ?? s.height)
     }
     override func place(in rect: CGRect) {
+        if keepsPlace(rect) { return }
         frame = rect
         let s = child.size(ProposedViewSize(width: width ?? rect.width, height: height ?? rect.height))
         child.place(in: alignment.place(s, in: rect))
@@ -245,6 +344,16 @@ final class FlexibleFrameElement: WrapperElement {
         self.alignment = alignment
         super.init(child)
     }
+    static func make(_ child: Element, minWidth: CGFloat?, idealWidth: CGFloat?, maxWidth: CGFloat?,
+                     minHeight: CGFloat?, idealHeight: CGFloat?, maxHeight: CGFloat?, alignment: Alignment,
+                     pass: Int) -> FlexibleFrameElement {
+        reusable([child], pass: pass) {
+            $0.minWidth == minWidth && $0.idealWidth == idealWidth && $0.maxWidth == maxWidth && $0.minHeight == minHeight
+                && $0.idealHeight == idealHeight && $0.maxHeight == maxHeight && $0.alignment == alignment
+        } ?? FlexibleFrameElement(child, minWidth: minWidth, idealWidth: idealWidth, maxWidth: maxWidth,
+                                  minHeight: minHeight, idealHeight: idealHeight, maxHeight: maxHeight, alignment: alignment)
+    }
+    override var bleed: CGFloat? { 0 }
 
     private static func childProposal(_ offered: CGFloat?, _ low: CGFloat?, _ ideal: CGFloat?, _ high: CGFloat?) -> CGFloat? {
         guard let value = offered ?? ideal else { return nil }
@@ -271,6 +380,7 @@ final class FlexibleFrameElement: WrapperElement {
         return CGSize(width: width, height: height)
     }
     override func place(in rect: CGRect) {
+        if keepsPlace(rect) { return }
         frame = rect
         let inner = ProposedViewSize(
             width: Self.childProposal(rect.width, minWidth, idealWidth, maxWidth),
@@ -302,6 +412,7 @@ final class LayoutPriorityElement: WrapperElement {
         super.init(child)
         layoutPriority = priority
     }
+    override var bleed: CGFloat? { 0 }
     override func place(in rect: CGRect) { frame = rect; child.place(in: rect) }
 }
 
@@ -312,9 +423,13 @@ final class LayeredElement: WrapperElement {
     let above: Bool
     init(_ child: Element, layer: Element, alignment: Alignment, above: Bool) {
         self.layer = layer; self.alignment = alignment; self.above = above
+        layers = above ? [child, layer] : [layer, child]
         super.init(child)
+        layer.owner = self
     }
-    override var children: [Element] { above ? [child, layer] : [layer, child] }
+    private let layers: [Element]
+    override var bleed: CGFloat? { 0 }
+    override var children: [Element] { layers }
     override func place(in rect: CGRect) {
         frame = rect
         child.place(in: rect)
@@ -326,6 +441,7 @@ final class LayeredElement: WrapperElement {
 final class OffsetElement: WrapperElement {
     let offset: CGSize
     init(_ child: Element, offset: CGSize) { self.offset = offset; super.init(child) }
+    override var bleed: CGFloat? { 0 }
     override func place(in rect: CGRect) {
         frame = rect
         child.place(in: rect.offsetBy(dx: offset.width, dy: offset.height))
@@ -357,6 +473,8 @@ final class TransformElement: WrapperElement {
 final class OpacityElement: WrapperElement {
     let opacity: Double
     init(_ child: Element, opacity: Double) { self.opacity = opacity; super.init(child) }
+    override var bleed: CGFloat? { 0 }
+    override var drawsOnlyChildren: Bool { false }
     override func place(in rect: CGRect) { frame = rect; child.place(in: rect) }
     override func draw(_ renderer: Renderer) {
         guard opacity > 0 else { return }
@@ -371,6 +489,8 @@ final class OpacityElement: WrapperElement {
 final class ClipElement: WrapperElement {
     let shape: (CGRect) -> Path
     init(_ child: Element, shape: @escaping (CGRect) -> Path) { self.shape = shape; super.init(child) }
+    override var bleed: CGFloat? { 0 }
+    override var drawsOnlyChildren: Bool { false }
     override func place(in rect: CGRect) { frame = rect; child.place(in: rect) }
     override func draw(_ renderer: Renderer) {
         renderer.save()
@@ -401,9 +521,43 @@ final class ShadowElement: WrapperElement {
 
 /// Space that only takes part in hit testing: `.contentShape(Rectangle())`.
 final class ContentShapeElement: WrapperElement {
+    override var bleed: CGFloat? { 0 }
     override func place(in rect: CGRect) { frame = rect; child.place(in: rect) }
     override func contains(_ point: CGPoint) -> Bool { frame.contains(point) }
     override func hits(_ point: CGPoint) -> [InteractiveElement]? {
         child.hits(point) ?? (frame.contains(point) ? [] : nil)
+    }
+}
+
+/// The part of the window that must be painted again after an update.
+enum Damage: Equatable {
+    case rect(CGRect)
+    case whole
+
+    /// What differs on screen between the tree drawn before and the new one, added to `earlier`.
+    /// Subtrees taken over in place draw as before; what appeared or went away draws within its
+    /// bounds; anything with unknown bounds, or taken over but moved, needs the whole window.
+    @MainActor
+    static func between(_ old: Element, _ new: Element, pass: Int, adding earlier: Damage?) -> Damage {
+        var area: CGRect? = nil
+        if case .rect(let r) = earlier { area = r }
+        func add(_ element: Element) -> Bool {
+            guard let bounds = element.drawnBounds else { return false }
+            area = area.map { $0.union(bounds) } ?? bounds
+            return true
+        }
+        func visitNew(_ element: Element) -> Bool {
+            if element.unchangedPass == pass { return true }
+            if element.reusedPass == pass { return false }
+            if element.drawsOnlyChildren { return element.children.allSatisfy(visitNew) }
+            return add(element)
+        }
+        func visitOld(_ element: Element) -> Bool {
+            if element.reusedPass == pass { return element.unchangedPass == pass }
+            if element.drawsOnlyChildren { return element.children.allSatisfy(visitOld) }
+            return add(element)
+        }
+        guard visitNew(new), visitOld(old) else { return .whole }
+        return area.map { .rect($0) } ?? earlier ?? .rect(.null)
     }
 }

@@ -115,7 +115,12 @@ final class ViewGraph {
 
     private(set) var rootElement: Element?
     private var storage: [ViewPath: NodeStorage] = [:]
-    private var pass = 0
+    private(set) var pass = 0
+    /// Texts of the previous tree by place, which the new tree may take over, and this tree's.
+    private var previousTexts: [ViewPath: TextElement] = [:]
+    private var texts: [ViewPath: TextElement] = [:]
+    /// What must be painted again since the host last asked: nil when nothing.
+    private var damage: Damage?
     private var dirty = true
     private var laidOutSize = CGSize(width: -1, height: -1)
     private var pendingActions: [() -> Void] = []
@@ -131,6 +136,26 @@ final class ViewGraph {
 
     init<Root: View>(_ root: Root) {
         rootResolver = { resolveView(root, $0) }
+    }
+
+    /// The previous tree's text at `path`, unless this update took it over already.
+    func reusableText(at path: ViewPath) -> TextElement? {
+        guard let previous = previousTexts[path], previous.reusedPass != pass else { return nil }
+        return previous
+    }
+    func keepText(_ element: TextElement, at path: ViewPath) { texts[path] = element }
+
+    /// Measurements may have changed (fonts, palette): the next tree takes nothing over.
+    func forgetPreviousTree() {
+        previousTexts = [:]
+        texts = [:]
+        damage = .whole
+    }
+
+    /// What changed on screen since the last call, and forgets it.
+    func takeDamage() -> Damage? {
+        defer { damage = nil }
+        return damage
     }
 
     /// State changed: the next update resolves the tree again.
@@ -158,6 +183,11 @@ final class ViewGraph {
             rounds += 1
             dirty = false
             pass += 1
+            Element.layoutPass = pass
+            swap(&previousTexts, &texts)
+            texts.removeAll(keepingCapacity: true)
+            let previousRoot = rootElement, previousOverlays = overlays
+            let resized = laidOutSize != size
             resolving = true
             textFields = [:]
             keyHandlers = []
@@ -178,6 +208,11 @@ final class ViewGraph {
             resolving = false
             rootElement = root
             laidOutSize = size
+            if resized || previousRoot == nil || !previousOverlays.isEmpty || !overlays.isEmpty {
+                damage = .whole
+            } else if damage != .whole {
+                damage = Damage.between(previousRoot!, root, pass: pass, adding: damage)
+            }
             collectGarbage()
             let actions = pendingActions
             pendingActions = []
@@ -214,6 +249,8 @@ final class ViewGraph {
     func tearDown() {
         for node in storage.values { node.end() }
         storage = [:]
+        previousTexts = [:]
+        texts = [:]
         rootElement = nil
         overlays = []
         textFields = [:]

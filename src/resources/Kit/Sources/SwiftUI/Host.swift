@@ -29,6 +29,8 @@ final class HostBridge {
     let host: UnsafePointer<ZentoroHost>
     init(_ host: UnsafePointer<ZentoroHost>) { self.host = host }
     private var context: UnsafeMutableRawPointer? { host.pointee.context }
+    /// The part of the window being painted: what lies wholly outside it need not be drawn.
+    var clip = CGRect.infinite
 
     func requestRedraw() { host.pointee.requestRedraw(context) }
 
@@ -234,15 +236,35 @@ public func _zentoroViewSetAppearance(_ view: UnsafeMutableRawPointer?, _ dark: 
         // The host sends its appearance again when its palette, style or fonts change, and
         // text measured before may no longer fit.
         graph.host?.forgetMeasurements()
+        graph.forgetPreviousTree()
         graph.colorScheme = scheme
         graph.accent = rgba
         graph.invalidate()
     }
 }
 
+@_cdecl("zentoro_view_update")
+public func _zentoroViewUpdate(_ view: UnsafeMutableRawPointer?, _ damaged: UnsafeMutableRawPointer?) -> Int32 {
+    MainActor.assumeIsolated {
+        guard let graph = root(view) else { return 0 }
+        graph.update()
+        switch graph.takeDamage() {
+        case nil: return Int32(ZENTORO_DAMAGE_NONE)
+        case .whole: return Int32(ZENTORO_DAMAGE_WHOLE)
+        case .rect(let r):
+            if r.isNull { return Int32(ZENTORO_DAMAGE_NONE) }
+            damaged?.assumingMemoryBound(to: ZentoroRect.self).pointee = r.c
+            return Int32(ZENTORO_DAMAGE_RECT)
+        }
+    }
+}
+
 @_cdecl("zentoro_view_render")
-public func _zentoroViewRender(_ view: UnsafeMutableRawPointer?) {
-    MainActor.assumeIsolated { root(view)?.render() }
+public func _zentoroViewRender(_ view: UnsafeMutableRawPointer?, _ clipPointer: UnsafeRawPointer?) {
+    MainActor.assumeIsolated {
+        guard let clip = clipPointer?.assumingMemoryBound(to: ZentoroRect.self).pointee else { root(view)?.render(); return }
+        root(view)?.render(clip: CGRect(x: clip.x, y: clip.y, width: clip.width, height: clip.height))
+    }
 }
 
 @_cdecl("zentoro_view_pointer")

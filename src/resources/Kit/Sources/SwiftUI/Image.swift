@@ -51,6 +51,7 @@ final class SymbolElement: Element {
         guard resizable else { return CGSize(width: pointSize, height: pointSize) }
         return proposal.replacingUnspecifiedDimensions(by: CGSize(width: pointSize, height: pointSize))
     }
+    override var bleed: CGFloat? { 2 }
     override func draw(_ renderer: Renderer) {
         renderer.drawSymbol(name, in: frame, paint: environment.foregroundRGBA(in: frame))
     }

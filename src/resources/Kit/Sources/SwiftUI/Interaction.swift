@@ -59,9 +59,11 @@ class InteractiveElement: WrapperElement {
 }
 
 extension ViewGraph {
-    func render() {
+    /// Draws what lies in `clip` (the part of the window being painted).
+    func render(clip: CGRect = .infinite) {
         guard let host else { return }
         update()
+        host.clip = clip
         rootElement?.draw(host)
         for overlay in overlays { overlay.draw(host) }
     }

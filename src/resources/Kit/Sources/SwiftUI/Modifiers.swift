@@ -100,11 +100,13 @@ func single(_ elements: [Element], context: ResolveContext) -> Element {
     return StackElement(axis: .vertical, crossFraction: 0.5, spacing: nil, children: elements)
 }
 
-final class EmptyElement: Element {}
+final class EmptyElement: Element {
+    override var bleed: CGFloat? { 0 }
+}
 
 extension View {
     public func padding(_ insets: EdgeInsets) -> some View {
-        modifier(ElementModifier { element, context in PaddingElement(element, insets: insets) })
+        modifier(ElementModifier { element, context in PaddingElement.make(element, insets: insets, pass: context.graph.pass) })
     }
     public func padding(_ edges: Edge.Set = .all, _ length: CGFloat? = nil) -> some View {
         padding(EdgeInsets(edges, length ?? 16))
@@ -112,14 +114,16 @@ extension View {
     public func padding(_ length: CGFloat) -> some View { padding(.all, length) }
 
     public func frame(width: CGFloat? = nil, height: CGFloat? = nil, alignment: Alignment = .center) -> some View {
-        modifier(ElementModifier { element, context in FixedFrameElement(element, width: width, height: height, alignment: alignment) })
+        modifier(ElementModifier { element, context in
+            FixedFrameElement.make(element, width: width, height: height, alignment: alignment, pass: context.graph.pass)
+        })
     }
     public func frame(minWidth: CGFloat? = nil, idealWidth: CGFloat? = nil, maxWidth: CGFloat? = nil,
                       minHeight: CGFloat? = nil, idealHeight: CGFloat? = nil, maxHeight: CGFloat? = nil,
                       alignment: Alignment = .center) -> some View {
-        modifier(ElementModifier { element, _ in
-            FlexibleFrameElement(element, minWidth: minWidth, idealWidth: idealWidth, maxWidth: maxWidth,
-                                 minHeight: minHeight, idealHeight: idealHeight, maxHeight: maxHeight, alignment: alignment)
+        modifier(ElementModifier { element, context in
+            FlexibleFrameElement.make(element, minWidth: minWidth, idealWidth: idealWidth, maxWidth: maxWidth, minHeight: minHeight,
+                                      idealHeight: idealHeight, maxHeight: maxHeight, alignment: alignment, pass: context.graph.pass)
         })
     }
     public func fixedSize() -> some View { fixedSize(horizontal: true, vertical: true) }

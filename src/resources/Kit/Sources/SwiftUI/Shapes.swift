@@ -51,6 +51,8 @@ final class ShapeElement: Element {
         return path
     }
     override func measure(_ proposal: ProposedViewSize) -> CGSize { view.sizing(proposal) }
+    /// A stroke is centred on the outline; shapes may also draw past a frame that is smaller than they are.
+    override var bleed: CGFloat? { (view.stroke.map { $0.1.lineWidth / 2 } ?? 0) + 2 }
     override func draw(_ renderer: Renderer) {
         let path = path(in: frame)
         func paint(_ style: AnyShapeStyle?) -> Paint {

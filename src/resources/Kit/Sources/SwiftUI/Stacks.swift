@@ -9,7 +9,8 @@ public struct VStack<Content: View>: View, PrimitiveView {
     func resolve(_ context: ResolveContext) -> [Element] {
         var inner = context
         inner.stackAxis = .vertical
-        return [StackElement(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner))]
+        return [StackElement.make(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
+                                  pass: context.graph.pass)]
     }
 }
 
@@ -22,7 +23,8 @@ public struct HStack<Content: View>: View, PrimitiveView {
     func resolve(_ context: ResolveContext) -> [Element] {
         var inner = context
         inner.stackAxis = .horizontal
-        return [StackElement(axis: .horizontal, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner))]
+        return [StackElement.make(axis: .horizontal, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
+                                  pass: context.graph.pass)]
     }
 }
 
@@ -35,7 +37,7 @@ public struct ZStack<Content: View>: View, PrimitiveView {
     func resolve(_ context: ResolveContext) -> [Element] {
         var inner = context
         inner.stackAxis = nil
-        return [ZStackElement(children: resolveView(content, inner), alignment: alignment)]
+        return [ZStackElement.make(children: resolveView(content, inner), alignment: alignment, pass: context.graph.pass)]
     }
 }
 
@@ -55,7 +57,8 @@ public struct LazyVStack<Content: View>: View, PrimitiveView {
             return [LazyStackElement(count: rows.rowCount, spacing: spacing ?? StackElement.defaultSpacing,
                                      crossFraction: alignment.fraction, graph: context.graph) { rows.resolveRow($0, inner) }]
         }
-        return [StackElement(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner))]
+        return [StackElement.make(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
+                                  pass: context.graph.pass)]
     }
 }
 

@@ -235,8 +235,17 @@ extension Text: View, PrimitiveView {
             return TextRun(string: run.string, font: font, color: run.color?.rgba(in: environment) ?? fallbackColor,
                            underline: run.underline || traits.underline, strikethrough: run.strikethrough || traits.strikethrough)
         }
-        return [TextElement(runs: resolved, alignment: environment.multilineTextAlignment, lineLimit: environment.lineLimit,
-                            host: context.graph.host)]
+        let alignment = environment.multilineTextAlignment, lineLimit = environment.lineLimit
+        let graph = context.graph
+        if let previous = graph.reusableText(at: context.path), previous.runs == resolved, previous.alignment == alignment,
+           previous.lineLimit == lineLimit, previous.host === graph.host {
+            previous.reusedPass = graph.pass
+            graph.keepText(previous, at: context.path)
+            return [previous]
+        }
+        let made = TextElement(runs: resolved, alignment: alignment, lineLimit: lineLimit, host: graph.host)
+        graph.keepText(made, at: context.path)
+        return [made]
     }
 }
 
@@ -265,6 +274,8 @@ final class TextElement: Element {
         renderer.drawText(runs, alignment: alignment, lineLimit: lineLimit, in: frame)
     }
     override func contains(_ point: CGPoint) -> Bool { frame.contains(point) }
+    /// Glyphs may reach a little past the measured box (italics, antialiasing).
+    override var bleed: CGFloat? { 2 }
 }
 
 extension View {

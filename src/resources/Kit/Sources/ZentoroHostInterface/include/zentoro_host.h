@@ -19,7 +19,7 @@ extern "C" {
 
 /* Raised whenever a field, a function or a meaning below changes. The host refuses a kit
  * whose `zentoro_kit_interface_version()` differs from the value it was built with. */
-#define ZENTORO_HOST_INTERFACE_VERSION 1
+#define ZENTORO_HOST_INTERFACE_VERSION 2
 
 typedef struct { double x, y; } ZentoroPoint;
 typedef struct { double x, y, width, height; } ZentoroRect;
@@ -141,7 +141,7 @@ typedef struct ZentoroHost {
     void (*placeTextField)(void *context, int64_t identifier, ZentoroRect rect, const char *text,
                            const char *prompt, ZentoroFont font, int32_t flags);
 
-    /* The kit's state changed: render again soon. */
+    /* The kit's state changed: call `zentoro_view_update` soon to learn what to paint again. */
     void (*requestRedraw)(void *context);
 } ZentoroHost;
 
@@ -155,7 +155,16 @@ void zentoro_view_set_size(void *view, double width, double height);
 /* `dark` selects the dark palette; `accent` is the system's highlight colour. The host sends it again
  * when its fonts change: the kit then measures every text afresh. */
 void zentoro_view_set_appearance(void *view, int32_t dark, const ZentoroColor *accent);
-void zentoro_view_render(void *view);
+enum {
+    ZENTORO_DAMAGE_NONE = 0,
+    ZENTORO_DAMAGE_RECT = 1, /* only `*damaged` changed */
+    ZENTORO_DAMAGE_WHOLE = 2
+};
+/* Brings state and layout up to date and says what changed on screen since the last call. */
+int32_t zentoro_view_update(void *view, ZentoroRect *damaged);
+/* Updates if needed, then draws what meets `clip`, the part of the view being painted (all of
+ * it when null). */
+void zentoro_view_render(void *view, const ZentoroRect *clip);
 
 enum {
     ZENTORO_POINTER_DOWN = 0,
