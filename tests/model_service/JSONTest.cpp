@@ -48,6 +48,8 @@ TEST(JSON, ObjectFromPairsKeepsTheLastOfARepeatedKey)
     const JSON object = JSON::object({{"a", 1}, {"b", "x"}, {"a", 2}});
     EXPECT_EQ(object.objectValue()->size(), 2u);
     EXPECT_EQ(object.numberAt("a"), 2.0);
+    // Decoded text takes the same rule, in nested objects too.
+    EXPECT_EQ(JSON::decode(R"({"b":1,"a":2,"a":{"d":1,"c":2,"d":3}})").encode(), R"({"a":{"c":2,"d":3},"b":1})");
 }
 
 TEST(JSON, CopiesAreIndependentValues)
