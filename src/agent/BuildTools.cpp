@@ -3,6 +3,7 @@
 #include "agent/Agent.h"
 #include "agent/LogTail.h"
 #include "core/AtomicFile.h"
+#include "core/DataURL.h"
 #include "runtime/CrashLog.h"
 #include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
@@ -95,7 +96,7 @@ ToolResult screenshotResult(const QByteArray &png, const QString &folder)
     const bool stored = !AtomicFile::write(path, png).has_value();
     // The conversation keeps a reference; the picture itself goes out only with a request.
     const QString imageURL = stored ? QUrl::fromLocalFile(path).toString()
-                                    : QStringLiteral("data:image/png;base64,") + QString::fromLatin1(png.toBase64());
+                                    : DataURL::make(QLatin1StringView("image/png"), png);
     JSON output = JSON::array({
         JSON::object({{QStringLiteral("type"), JSON(QStringLiteral("input_text"))},
                       {QStringLiteral("text"), JSON(QStringLiteral("Screenshot of the app as it looks now:"))}}),
