@@ -1,6 +1,9 @@
 #include "agent/HistoryUpkeep.h"
 
 #include "agent/Agent.h"
+#include "agent/HistoryIndex.h"
+#include "agent/ItemKinds.h"
+#include "core/DataURL.h"
 
 #include <QFile>
 #include <QHash>
@@ -9,144 +12,15 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <numeric>
 
 namespace zentoro::HistoryUpkeep {
 
+using namespace ItemKinds;
+
 namespace {
 
-// Kinds and keys compared in place: a whole-history request looks at every item's kind, and a
-// copy of each would cost more than the look. Their text is the JSON value's shared copy, so
-// the usual item compares by address.
-const JSON functionCall("function_call");
-const JSON functionCallOutput("function_call_output");
-const JSON reasoning("reasoning");
-const JSON inputImage("input_image");
-const JSON typeKey("type");
-const JSON callIDKey("call_id");
-const JSON outputKey("output");
-const JSON imageURLKey("image_url");
-
-bool sameText(const QString &a, const QString &b)
-{
-    return a.size() == b.size() && (a.constData() == b.constData() || a == b);
-}
-
-bool isType(const JSON &item, const JSON &type)
-{
-    const JSON *value = item.find(*typeKey.stringRef());
-    const QString *text = value ? value->stringRef() : nullptr;
-    return text && sameText(*text, *type.stringRef());
-}
-
-enum class Role { Other, Call, Output };
-
-// What the passes over a request need of one item, read in one look at its members.
-struct Look {
-    Role role = Role::Other;
-    // Calls and outputs without a string `call_id` are filed under the empty one.
-    QStringView callID;
-    // An output whose `output` is an array of parts, where screenshots may be. Its length
-    // waits for the few that `attach` visits: reading it here would cost a fetch per output.
-    bool hasParts = false;
-};
-
-const QString *textAt(const JSON &item, const JSON &key)
-{
-    const JSON *value = item.find(*key.stringRef());
-    return value ? value->stringRef() : nullptr;
-}
-
-Look lookAt(const JSON &item)
-{
-    Look look;
-    const QString *type = textAt(item, typeKey);
-    if (!type)
-        return look;
-    if (sameText(*type, *functionCall.stringRef())) {
-        look.role = Role::Call;
-    } else if (sameText(*type, *functionCallOutput.stringRef())) {
-        look.role = Role::Output;
-        const JSON *parts = item.find(*outputKey.stringRef());
-        look.hasParts = parts && parts->kind() == JSON::Kind::Array;
-    } else {
-        return look;
-    }
-    if (const QString *id = textAt(item, callIDKey))
-        look.callID = *id;
-    return look;
-}
-
-// Asks for the members of the item a few places ahead while this one is looked at: the items
-// lie scattered in memory, and waiting for each in turn costs more than the look itself.
-template <typename List>
-void fetchAhead(const List &items, qsizetype index)
-{
-    if (index + 16 < items.size())
-        __builtin_prefetch(items[index + 16].objectValue());
-    if (index + 8 < items.size()) {
-        if (const JSON::Object *ahead = items[index + 8].objectValue(); ahead && !ahead->empty())
-            __builtin_prefetch(&*ahead->begin());
-    }
-}
-
-std::vector<Look> lookAt(const JSON::Array &items)
-{
-    std::vector<Look> looks;
-    looks.reserve(items.size());
-    for (qsizetype index = 0; index < qsizetype(items.size()); ++index) {
-        fetchAhead(items, index);
-        looks.push_back(lookAt(items[index]));
-    }
-    return looks;
-}
-
-// Appends `list` to `items`, and the look at each to `looks`.
-void gather(const QList<JSON> &list, JSON::Array &items, std::vector<Look> &looks)
-{
-    for (qsizetype index = 0; index < list.size(); ++index) {
-        fetchAhead(list, index);
-        items.push_back(list[index]);
-        looks.push_back(lookAt(list[index]));
-    }
-}
-
-// Takes out the calls without an output and the outputs without a call, from `items` and
-// from `looks` alike.
-void dropHalfPairs(JSON::Array &items, std::vector<Look> &looks)
-{
-    // Each call_id is hashed once; what was seen under it is kept by its first place.
-    enum Seen : unsigned char { call = 1, output = 2, both = 3 };
-    QHash<QStringView, qsizetype> places;
-    places.reserve(items.size() / 4);
-    std::vector<unsigned char> seen;
-    std::vector<qsizetype> placeOf(items.size(), -1);
-    for (std::size_t index = 0; index < items.size(); ++index) {
-        const Look &look = looks[index];
-        if (look.role == Role::Other)
-            continue;
-        qsizetype &place = places[look.callID];
-        if (place == 0) {
-            seen.push_back(0);
-            place = qsizetype(seen.size());
-        }
-        seen[place - 1] |= look.role == Role::Call ? call : output;
-        placeOf[index] = place - 1;
-    }
-    std::size_t kept = 0;
-    for (std::size_t index = 0; index < items.size(); ++index) {
-        if (placeOf[index] >= 0 && seen[placeOf[index]] != both)
-            continue;
-        if (kept != index) {
-            items[kept] = std::move(items[index]);
-            looks[kept] = looks[index];
-        }
-        ++kept;
-    }
-    items.resize(kept);
-    looks.resize(kept);
-}
-
-std::optional<QString> fileOfURL(const QString &address)
+std::optional<QString> fileOf(const QString &address)
 {
     const QUrl url(address, QUrl::StrictMode);
     if (!url.isValid() || url.scheme() != u"file")
@@ -154,49 +28,27 @@ std::optional<QString> fileOfURL(const QString &address)
     return url.toLocalFile();
 }
 
-// The file a short address names, remembered: a long conversation holds hundreds of screenshot
-// references and every whole request looks at each of them, which parsing afresh would make
-// the costliest part of the request. Data URLs are long and never name a file.
-std::optional<QString> fileOf(const QString &address)
-{
-    static constexpr qsizetype longestRemembered = 1024;
-    static constexpr qsizetype remembered = 4096;
-    static QHash<QString, std::optional<QString>> known;
-    if (address.size() > longestRemembered)
-        return fileOfURL(address);
-    if (const auto found = known.constFind(address); found != known.cend())
-        return *found;
-    if (known.size() >= remembered)
-        known.clear();
-    return *known.insert(address, fileOfURL(address));
-}
-
 // A stored screenshot: its file, or none for any other part (a data URL, text).
 std::optional<QString> screenshotFile(const JSON &part)
 {
     if (!isType(part, inputImage))
         return std::nullopt;
-    const JSON *value = part.find(*imageURLKey.stringRef());
-    const QString *address = value ? value->stringRef() : nullptr;
+    const QString *address = textAt(part, imageURLKey);
     return address ? fileOf(*address) : std::nullopt;
 }
 
-std::optional<QByteArray> contents(const QString &path)
+// The picture's bytes as a data URL, made afresh for each request: image data never outlives
+// the request that carries it. The file is mapped rather than read: screenshots are replaced
+// whole, never rewritten in place, and the encoding is the only copy made.
+std::optional<QString> dataURL(const QString &path)
 {
+    const QLatin1StringView png("image/png");
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    return file.readAll();
-}
-
-// The picture's bytes as a data URL, made afresh for each request: image data never outlives
-// the request that carries it.
-std::optional<QString> dataURL(const QString &path)
-{
-    const std::optional<QByteArray> bytes = contents(path);
-    if (!bytes)
-        return std::nullopt;
-    return QStringLiteral("data:image/png;base64,") + QLatin1StringView(bytes->toBase64());
+    if (const uchar *mapped = file.size() > 0 ? file.map(0, file.size()) : nullptr)
+        return DataURL::make(png, QByteArrayView(mapped, file.size()));
+    return DataURL::make(png, file.readAll());
 }
 
 const JSON &noticePart()
@@ -205,34 +57,70 @@ const JSON &noticePart()
     return part;
 }
 
-// Attaches the newest `keep` screenshots of the outputs in `items`, as `looks` found them,
-// and puts the notice in place of every other one.
-void attach(JSON::Array &items, const std::vector<Look> &looks, qsizetype keep)
+// The parts of an output as they are sent: the newest `keep` screenshots attached, and the
+// notice in place of every other one. None when no part is a screenshot.
+std::optional<JSON::Array> sentParts(const JSON::Array &stored, qsizetype &keep)
 {
-    for (std::size_t index = items.size(); index-- > 0;) {
-        if (!looks[index].hasParts)
+    std::optional<JSON::Array> parts;
+    for (std::size_t at = stored.size(); at-- > 0;) {
+        const auto file = screenshotFile(stored[at]);
+        if (!file)
             continue;
-        JSON &item = items[index];
-        const JSON::Array *stored = item.arrayAt(*outputKey.stringRef());
-        std::optional<JSON::Array> parts;
-        for (std::size_t at = stored->size(); at-- > 0;) {
-            const auto file = screenshotFile((*stored)[at]);
-            if (!file)
-                continue;
-            if (!parts)
-                parts = *stored;
-            JSON &part = (*parts)[at];
-            const auto url = keep >= 1 ? dataURL(*file) : std::nullopt;
-            if (url) {
-                --keep;
-                part.set(*imageURLKey.stringRef(), *url);
-            } else {
-                part = noticePart();
-            }
+        if (!parts)
+            parts = stored;
+        JSON &part = (*parts)[at];
+        const auto url = keep >= 1 ? dataURL(*file) : std::nullopt;
+        if (url) {
+            --keep;
+            part.set(*imageURLKey.stringRef(), *url);
+        } else {
+            part = noticePart();
         }
-        if (parts)
+    }
+    return parts;
+}
+
+// An output as it is sent once no more pictures go out, remembered: all but the newest few of
+// a long conversation's screenshots go out this way, and every request would otherwise copy
+// and rewrite each of them again. The remembered item is held, so its address can't come back
+// as another item's.
+JSON withNotices(const JSON &item, const JSON::Array &stored)
+{
+    static constexpr qsizetype remembered = 4096;
+    static QHash<const JSON::Object *, std::pair<JSON, JSON>> known;
+    if (const auto found = known.constFind(item.objectValue()); found != known.cend())
+        return found->second;
+    qsizetype none = 0;
+    JSON sent = item;
+    if (std::optional<JSON::Array> parts = sentParts(stored, none))
+        sent.set(*outputKey.stringRef(), JSON(std::move(*parts)));
+    if (known.size() >= remembered)
+        known.clear();
+    known.insert(item.objectValue(), {item, sent});
+    return sent;
+}
+
+// Attaches the newest `keep` screenshots of the outputs at `places` in `items`, and puts the
+// notice in place of every other one.
+void attach(JSON::Array &items, const std::vector<qsizetype> &places, qsizetype keep)
+{
+    for (auto place = places.rbegin(); place != places.rend(); ++place) {
+        JSON &item = items[*place];
+        const JSON::Array *stored = isType(item, functionCallOutput) ? item.arrayAt(*outputKey.stringRef()) : nullptr;
+        if (!stored)
+            continue;
+        if (keep < 1)
+            item = withNotices(item, *stored);
+        else if (std::optional<JSON::Array> parts = sentParts(*stored, keep))
             item.set(*outputKey.stringRef(), JSON(std::move(*parts)));
     }
+}
+
+std::vector<qsizetype> everyPlace(const JSON::Array &items)
+{
+    std::vector<qsizetype> places(items.size());
+    std::iota(places.begin(), places.end(), 0);
+    return places;
 }
 
 } // namespace
@@ -263,27 +151,23 @@ std::optional<JSON> forHistory(const JSON &item)
 
 JSON::Array consistent(JSON::Array items)
 {
-    std::vector<Look> looks = lookAt(items);
-    dropHalfPairs(items, looks);
-    return items;
+    std::vector<qsizetype> withParts;
+    return HistoryIndex().consistent(items, {}, withParts);
 }
 
 JSON::Array attachingScreenshots(JSON::Array items, qsizetype keep)
 {
-    attach(items, lookAt(items), keep);
+    attach(items, everyPlace(items), keep);
     return items;
 }
 
 JSON::Array sendable(const QList<JSON> &history, const QList<JSON> &pendingInput, qsizetype keep)
 {
-    JSON::Array items;
-    std::vector<Look> looks;
-    items.reserve(history.size() + pendingInput.size());
-    looks.reserve(items.capacity());
-    gather(history, items, looks);
-    gather(pendingInput, items, looks);
-    dropHalfPairs(items, looks);
-    attach(items, looks, keep);
+    // Whole-history requests come one after another for one conversation at a time.
+    static HistoryIndex index;
+    std::vector<qsizetype> withParts;
+    JSON::Array items = index.consistent(history, pendingInput, withParts);
+    attach(items, withParts, keep);
     return items;
 }
 

@@ -28,7 +28,8 @@ JSON::Array consistent(JSON::Array items);
 JSON::Array attachingScreenshots(JSON::Array items, qsizetype keep);
 
 // The input of a whole-history request: `history` and then `pendingInput`, made consistent,
-// with the newest `keep` screenshots attached. One look at each item, for thousands of them.
+// with the newest `keep` screenshots attached. What it learns of `history` is kept for the
+// next request, which then looks only at the items added since.
 JSON::Array sendable(const QList<JSON> &history, const QList<JSON> &pendingInput, qsizetype keep);
 
 // Drops about the first half of `history`, cutting as near the middle as its structure

@@ -2,6 +2,7 @@
 #include "agent/HistoryUpkeep.h"
 
 #include <QFile>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -139,6 +140,57 @@ TEST(HistoryUpkeep, APictureRewrittenInPlaceIsReadAfresh)
     EXPECT_EQ(sentURL(), "data:image/png;base64," + QByteArray("second picture").toBase64());
     QFile::remove(path);
     EXPECT_EQ(sentURL(), std::nullopt);
+}
+
+// Whole requests remember what they learnt of the history; whatever happens to it between
+// two requests, each must send what a fresh look would.
+TEST(HistoryUpkeep, AWholeRequestFollowsEveryChangeToTheHistory)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath("shot.png");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("PNG");
+    file.close();
+    const QString url = QUrl::fromLocalFile(path).toString();
+
+    QRandomGenerator random(11);
+    const auto id = [&] { return QStringLiteral("c%1").arg(random.bounded(12)); };
+    const auto anyItem = [&]() -> JSON {
+        switch (random.bounded(6)) {
+        case 0: return call(id());
+        case 1: return output(id());
+        case 2: return screenshotOutput(id(), url);
+        case 3: return reasoning();
+        case 4: return JSON(7);
+        default: return text("more");
+        }
+    };
+    QList<JSON> history;
+    for (int step = 0; step < 400; ++step) {
+        switch (random.bounded(10)) {
+        case 0:
+            if (!history.isEmpty())
+                history.removeAt(random.bounded(history.size()));
+            break;
+        case 1: history.remove(0, std::min<qsizetype>(history.size(), random.bounded(4))); break;
+        case 2:
+            if (!history.isEmpty())
+                history[random.bounded(history.size())].set("call_id", id());
+            break;
+        case 3:
+            if (!history.isEmpty())
+                history[random.bounded(history.size())] = anyItem();
+            break;
+        default: history.append(anyItem());
+        }
+        QList<JSON> pending;
+        for (int count = random.bounded(3); count > 0; --count)
+            pending.append(anyItem());
+        JSON::Array everything(history.begin(), history.end());
+        everything.insert(everything.end(), pending.begin(), pending.end());
+        ASSERT_EQ(sendable(history, pending, 3), attachingScreenshots(consistent(everything), 3)) << "step " << step;
+    }
 }
 
 TEST(HistoryUpkeep, TheCutFallsNearestTheMiddleWhereTheStructureAllows)
