@@ -4,7 +4,6 @@
 #include "ui/Spring.h"
 
 #include <QImage>
-#include <QPainter>
 
 #include <gtest/gtest.h>
 
@@ -13,24 +12,43 @@
 using namespace zentoro;
 using namespace zentoro::Brand;
 
+namespace {
+
+// Pixels drawn more than half opaque.
+int painted(const QImage &image)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            count += image.pixelColor(x, y).alpha() > 128 ? 1 : 0;
+    return count;
+}
+
+// The highest value a spring reaches in `steps` steps of `dt`.
+double peakOf(Spring &spring, int steps, double dt)
+{
+    double peak = spring.value;
+    for (int i = 0; i < steps; ++i) {
+        spring.advance(dt);
+        peak = std::max(peak, spring.value);
+    }
+    return peak;
+}
+
+} // namespace
+
 TEST(StretchedText, PullingWidensEveryLetterButTheFirstUpToTheEndOfTheAxis)
 {
-    EXPECT_DOUBLE_EQ(StretchedText::letterWidth(0, 7, 1), 60);
-    EXPECT_DOUBLE_EQ(StretchedText::letterWidth(6, 7, 0), 100);
-    EXPECT_DOUBLE_EQ(StretchedText::letterWidth(6, 7, 1), 150);
     // Most of the growth comes at the end: the middle letter is below the straight line.
+    EXPECT_DOUBLE_EQ(StretchedText::letterWidth(6, 7, 1), 150);
     EXPECT_LT(StretchedText::letterWidth(3, 7, 0), 80);
-
-    const QString name = QStringLiteral("Kitchen");
-    EXPECT_GT(StretchedText::outline(name, 40, 1).boundingRect().width(),
-              StretchedText::outline(name, 40, 0).boundingRect().width() * 1.1);
-    EXPECT_EQ(StretchedText::outline(QStringLiteral("K"), 40, 0).boundingRect(),
-              StretchedText::outline(QStringLiteral("K"), 40, 1).boundingRect());
-    // An overshooting spring beyond 1 still stops at the end of the axis: in two letters the
-    // last one is there already at 1.
-    const QString two = QStringLiteral("Ki");
-    EXPECT_EQ(StretchedText::outline(two, 40, 1.3).boundingRect(), StretchedText::outline(two, 40, 1).boundingRect());
-    EXPECT_NE(StretchedText::outline(two, 40, 0.5).boundingRect(), StretchedText::outline(two, 40, 1).boundingRect());
+    const auto width = [](const QString &text, double pull) {
+        return StretchedText::outline(text, 40, pull).boundingRect().width();
+    };
+    EXPECT_GT(width("Kitchen", 1), width("Kitchen", 0) * 1.1);
+    EXPECT_EQ(width("K", 0), width("K", 1));
+    // An overshooting spring beyond 1 still stops at the end of the axis.
+    EXPECT_EQ(width("Ki", 1.3), width("Ki", 1));
 
     // Letters are characters as people count them.
     EXPECT_EQ(StretchedText::letters(QStringLiteral("Cafe\u0301 \U0001F600")),
@@ -40,17 +58,13 @@ TEST(StretchedText, PullingWidensEveryLetterButTheFirstUpToTheEndOfTheAxis)
 TEST(BrandFont, TheBundledTypefaceIsReadAndItsAxesAreClamped)
 {
     ASSERT_TRUE(BrandFont::registered());
-    EXPECT_EQ(BrandFont::anybody(40, 20, 850).width, 50);
     EXPECT_EQ(BrandFont::anybody(40, 190, 850).width, 150);
-    EXPECT_EQ(BrandFont::anybody(40, 77, 850).width, 77);
-
-    // The width axis really changes the drawn letters: wider settings draw wider words.
+    // The width axis really changes the drawn letters.
     const BrandFont::Font narrow = BrandFont::anybody(40, 50, 850);
     const BrandFont::Font wide = BrandFont::anybody(40, 150, 850);
-    const QString word = QStringLiteral("Zentoro");
-    EXPECT_GT(wide.advance(word), narrow.advance(word) * 1.4);
-    EXPECT_GT(wide.outline(word).boundingRect().width(), narrow.outline(word).boundingRect().width() * 1.4);
-    // Letters stand on the baseline: the outline lies mostly above y = 0.
+    EXPECT_GT(wide.advance("Zentoro"), narrow.advance("Zentoro") * 1.4);
+    EXPECT_GT(wide.outline("Zentoro").boundingRect().width(), narrow.outline("Zentoro").boundingRect().width() * 1.4);
+    // Letters stand on the baseline.
     const QRectF bounds = narrow.outline(QStringLiteral("H")).boundingRect();
     EXPECT_LT(bounds.top(), -20);
     EXPECT_NEAR(bounds.bottom(), 0, 1);
@@ -59,63 +73,31 @@ TEST(BrandFont, TheBundledTypefaceIsReadAndItsAxesAreClamped)
 TEST(Spring, OvershootsSettlesAndFollowsTheSamePathInStepsOfAnySize)
 {
     Spring pull{pullResponse, pullDamping, 0, 0, 1};
-    double peak = 0;
-    double settledAt = -1;
-    for (int frame = 1; frame <= 120; ++frame) {
-        pull.advance(1.0 / 60);
-        peak = std::max(peak, pull.value);
-        if (settledAt < 0 && pull.isSettled())
-            settledAt = frame / 60.0;
-    }
-    EXPECT_GT(peak, 1.01);
-    EXPECT_GT(settledAt, 0.8);
-    EXPECT_LT(settledAt, 2.0);
+    EXPECT_GT(peakOf(pull, 48, 1.0 / 60), 1.01);
+    EXPECT_FALSE(pull.isSettled()) << "settled within 0.8 s";
+    peakOf(pull, 72, 1.0 / 60);
+    EXPECT_TRUE(pull.isSettled()) << "not settled after 2 s";
     EXPECT_NEAR(pull.value, 1, 1e-3);
 
     Spring fine{0.5, 0.42, 0, 0, 1};
     Spring coarse = fine;
-    for (int i = 0; i < 30; ++i)
-        fine.advance(0.01);
+    peakOf(fine, 30, 0.01);
     coarse.advance(0.3);
     EXPECT_NEAR(fine.value, coarse.value, 1e-9);
     EXPECT_NEAR(fine.velocity, coarse.velocity, 1e-9);
 
-    // Leaving mid-way: the word keeps moving out for a moment before it returns.
-    Spring leaving{0.5, 0.42, 0, 0, 1};
-    leaving.advance(0.1);
-    const double at = leaving.value;
-    leaving.target = 0;
-    leaving.advance(0.01);
-    EXPECT_GT(leaving.value, at);
-
     Spring critical{0.5, 1.0, 0, 0, 1};
-    double highest = 0;
-    for (int i = 0; i < 200; ++i) {
-        critical.advance(0.01);
-        highest = std::max(highest, critical.value);
-    }
-    EXPECT_LE(highest, 1.0 + 1e-9);
+    EXPECT_LE(peakOf(critical, 200, 0.01), 1.0 + 1e-9);
 }
 
 TEST(StretchGlyph, FitsItsImageAndIsAThinOutline)
 {
     const QSizeF size(stretchGlyphSize);
-    const QPainterPath path = stretchGlyphPath(size);
-    const QRectF bounds = path.boundingRect();
-    EXPECT_GE(bounds.left(), 0);
-    EXPECT_GE(bounds.top(), 0);
-    EXPECT_LE(bounds.right(), size.width());
-    EXPECT_LE(bounds.bottom(), size.height());
+    EXPECT_TRUE(QRectF(QPointF(), size).contains(stretchGlyphPath(size).boundingRect()));
 
-    // Drawn in a colour, the glyph is a thin outline: coloured pixels, mostly empty inside.
-    const QPixmap pixmap = stretchGlyph(Qt::red).pixmap(stretchGlyphSize);
-    const QImage image = pixmap.toImage();
-    int painted = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            painted += qAlpha(image.pixel(x, y)) > 128 ? 1 : 0;
-    EXPECT_GT(painted, 20);
-    EXPECT_LT(painted, image.width() * image.height() / 2);
+    const QImage image = stretchGlyph(Qt::red).pixmap(stretchGlyphSize).toImage();
+    EXPECT_GT(painted(image), 20);
+    EXPECT_LT(painted(image), image.width() * image.height() / 2);
     EXPECT_EQ(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 0);
 }
 
@@ -124,9 +106,7 @@ TEST(StretchWordmark, PullsOnHoverShrinksWhenShortOfRoomAndIsOneHeading)
     StretchWordmark wordmark(QStringLiteral("Kitchen Timer"), 40);
     EXPECT_EQ(wordmark.accessibleName(), QStringLiteral("Kitchen Timer"));
     const QSize natural = wordmark.sizeHint();
-    EXPECT_GT(natural.width(), 100);
     EXPECT_NEAR(wordmark.minimumSizeHint().width(), natural.width() * minimumScale, 3);
-
     wordmark.resize(natural);
     EXPECT_DOUBLE_EQ(wordmark.drawnScale(), 1);
     wordmark.resize(natural.width() / 2, natural.height());
@@ -136,7 +116,6 @@ TEST(StretchWordmark, PullsOnHoverShrinksWhenShortOfRoomAndIsOneHeading)
 
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
     QApplication::sendEvent(&wordmark, &enter);
-    EXPECT_TRUE(wordmark.isPulled());
     QElapsedTimer clock;
     clock.start();
     double highest = 0;
@@ -161,19 +140,16 @@ TEST(Icons, EveryNameTheProgramUsesHasItsOwnDrawingAndOthersAreNeutral)
         "gearshape", "chevron.right", "chevron.down", "person.2", "key"};
     QSet<QByteArray> drawings;
     for (const QString &name : used) {
-        EXPECT_TRUE(Icons::knows(name)) << name.toStdString();
         QFile file(Icons::resourceFor(name));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+        ASSERT_TRUE(Icons::knows(name) && file.open(QIODevice::ReadOnly)) << name.toStdString();
         drawings.insert(file.readAll());
+        // Drawn in the colour asked for, and nothing else.
         const QImage image = Icons::pixmap(name, 24, Qt::blue, 1).toImage();
-        int painted = 0;
+        EXPECT_GT(painted(image), 15) << name.toStdString();
         for (int y = 0; y < 24; ++y)
             for (int x = 0; x < 24; ++x)
-                if (const QColor c = image.pixelColor(x, y); c.alpha() > 100) {
-                    ++painted;
-                    EXPECT_TRUE(c.red() == 0 && c.green() == 0 && c.blue() > 200) << name.toStdString();
-                }
-        EXPECT_GT(painted, 15) << name.toStdString();
+                if (const QColor c = image.pixelColor(x, y); c.alpha() > 100)
+                    ASSERT_TRUE(c.red() == 0 && c.green() == 0 && c.blue() > 200) << name.toStdString();
     }
     EXPECT_EQ(drawings.size(), used.size());
 

@@ -34,13 +34,11 @@ TEST(HandOver, ASecondProcessBringsTheRunningCopyForward)
     int raised = 0;
     QObject::connect(&listener, &HandOver::Listener::raiseRequested, [&] { ++raised; });
 
+    qputenv("ZENTORO_TEST_SECOND_COPY", workspace.root.toUtf8());
     QProcess second;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("ZENTORO_TEST_SECOND_COPY"), workspace.root);
-    second.setProcessEnvironment(environment);
     second.setProcessChannelMode(QProcess::MergedChannels);
-    second.start(QCoreApplication::applicationFilePath(),
-                 {QStringLiteral("--gtest_filter=HandOverSecondProcess.*")});
+    second.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--gtest_filter=HandOverSecondProcess.*")});
+    qunsetenv("ZENTORO_TEST_SECOND_COPY");
     ASSERT_TRUE(second.waitForStarted());
     ASSERT_TRUE(test::spinUntil([&] { return second.state() == QProcess::NotRunning; }, std::chrono::seconds(20)));
     EXPECT_EQ(second.exitCode(), 0) << second.readAll().toStdString();

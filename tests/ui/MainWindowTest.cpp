@@ -2,8 +2,6 @@
 #include "PanelHarness.h"
 
 #include "model_service/AgentConfig.h"
-#include "runtime/PluginContainerView.h"
-#include "ui/AgentPanel.h"
 #include "ui/BannerView.h"
 #include "ui/Commands.h"
 #include "ui/MainWindow.h"
@@ -11,7 +9,6 @@
 #include "ui/SetupView.h"
 #include "ui/WorkingRow.h"
 
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
@@ -133,8 +130,9 @@ TEST_F(Window, TheBannerHandsTheTroubleToTheAgentWhenItCanWork)
     EXPECT_TRUE(banner->fixButton()->isHidden());
 }
 
-// Pasting and saving by keys alone is the keyboard test's; here, what a key may be.
-TEST_F(Window, AKeyOnTheSetupScreenIsTrimmedAndNamedByWhereItCameFrom)
+// Pasting and saving by keys alone is the keyboard test's; here, what a key may be, and where
+// a key that can't be saved is told.
+TEST_F(Window, AKeyOnTheSetupScreenIsTrimmedSavedAndNamedByWhereItCameFrom)
 {
     harness.agent.setHasAPIKey(false);
     launch();
@@ -144,31 +142,25 @@ TEST_F(Window, AKeyOnTheSetupScreenIsTrimmedAndNamedByWhereItCameFrom)
     access->save();
     EXPECT_FALSE(AgentConfig::savedKey());
 
+    // A folder where the key file goes makes the write fail.
+    QDir().mkpath(AgentConfig::keyPath());
     access->keyField()->setText(QStringLiteral("  sk-pasted\t"));
+    access->save();
+    EXPECT_FALSE(access->error().isEmpty());
+    EXPECT_EQ(access->keyField()->text(), QStringLiteral("  sk-pasted\t"));
+    QDir(AgentConfig::keyPath()).removeRecursively();
+
     access->save();
     EXPECT_EQ(AgentConfig::savedKey(), QStringLiteral("sk-pasted"));
     EXPECT_TRUE(harness.agent.hasAPIKey());
     EXPECT_FALSE(access->keyField()->isVisible());
+    EXPECT_TRUE(access->error().isEmpty());
     EXPECT_NE(access->detail(), QStringLiteral("From the OPENAI_API_KEY environment variable."));
 
     AgentConfig::saveAPIKey(std::nullopt);
     qputenv("OPENAI_API_KEY", "sk-env");
     window.reset();
     EXPECT_EQ(open().setupView()->accessRow()->detail(), "From the OPENAI_API_KEY environment variable.");
-}
-
-TEST_F(Window, AKeyThatCantBeSavedIsToldBesideTheField)
-{
-    harness.agent.setHasAPIKey(false);
-    launch();
-    // A folder where the key file goes makes the write fail.
-    QDir().mkpath(AgentConfig::keyPath());
-    AgentAccessRow *access = open().setupView()->accessRow();
-    access->keyField()->setText(QStringLiteral("sk-pasted"));
-    access->save();
-    QDir(AgentConfig::keyPath()).removeRecursively();
-    EXPECT_FALSE(access->error().isEmpty());
-    EXPECT_EQ(access->keyField()->text(), QStringLiteral("sk-pasted"));
 }
 
 } // namespace

@@ -1,15 +1,16 @@
 #pragma once
 
 #include "agent/Agent.h"
-#include "ui/AgentPanel.h"
-#include "ui/LazyColumn.h"
 #include "model_service/Failures.h"
+#include "runtime/Workspace.h"
 #include "support/Await.h"
 #include "support/FakeAgent.h"
-
-#include "runtime/Workspace.h"
+#include "ui/AgentPanel.h"
+#include "ui/LazyColumn.h"
+#include "ui/TranscriptRows.h"
 
 #include <QDir>
+#include <QLabel>
 #include <QNetworkReply>
 
 #include <gtest/gtest.h>
@@ -17,6 +18,20 @@
 #include <optional>
 
 namespace zentoro::test {
+
+// The texts of a row's labels, its own first when it is one, a line each.
+inline QString labelTexts(QWidget *row)
+{
+    if (!row)
+        return {};
+    QList<QLabel *> labels = row->findChildren<QLabel *>();
+    if (auto *label = qobject_cast<QLabel *>(row))
+        labels.prepend(label);
+    QStringList texts;
+    for (const QLabel *label : labels)
+        texts << label->text();
+    return texts.join(u'\n');
+}
 
 // An Agent whose model answers when the test lets it, or fails, and whose tools are fakes:
 // the panel sees the states of a real run.
@@ -86,6 +101,7 @@ struct ShownPanel {
     }
 
     QWidget *row(qsizetype index) { return panel.transcript()->rowWidget(index); }
+    ToolRow *toolRow(qsizetype index) { return qobject_cast<ToolRow *>(row(index)); }
 
     // The texts of the transcript's rows, as "kind: text".
     QStringList rows() const { return rowTexts(harness.agent); }

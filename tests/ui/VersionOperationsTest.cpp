@@ -1,20 +1,17 @@
 #include "CopyOnDisk.h"
 
-#include "support/Alert.h"
-
 #include "runtime/Relaunch.h"
+#include "support/Alert.h"
 #include "ui/VersionMenu.h"
 
 #include <QMenu>
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace zentoro;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -51,32 +48,27 @@ TEST_F(VersionOperations, GoingBackRestoresThatVersionsSourcesAndRunsIt)
 
 TEST_F(VersionOperations, GoingBackToADamagedVersionKeepsTheRunningOneAndSaysSo)
 {
-    for (const bool sourcesLost : {true, false}) {
-        SCOPED_TRACE(sourcesLost ? "sources lost" : "library lost");
-        state = RuntimeState{};
-        shownEvents.clear();
-        makeVersion(1);
-        makeVersion(2);
-        state.current = 2;
-        if (sourcesLost)
-            QDir(workspace.version(1) + "/Sources").removeRecursively();
-        else
-            QFile::remove(workspace.dylib(1));
-        Runtime &runtime = launch();
-        const QByteArray before = appRoot();
-        const int generation = runtime.generation();
+    Runtime &runtime = launchWith(3, 3);
+    QDir(workspace.version(1) + "/Sources").removeRecursively();
+    QFile::remove(workspace.dylib(2));
+    const int generation = runtime.generation();
+    const QByteArray before = appRoot();
 
-        runtime.revert(1);
-        ASSERT_TRUE(runtime.banner());
-        EXPECT_EQ(runtime.banner()->title, sourcesLost ? "Couldn't restore version 1's sources" : "Couldn't load version 1");
-        EXPECT_FALSE(runtime.banner()->offerFix);
-        EXPECT_EQ(runtime.loadedVersion(), 2);
-        // Sources that could be restored stay restored, to be built again.
-        EXPECT_EQ(appRoot(), sourcesLost ? before : sourceText(1).toUtf8());
-        if (sourcesLost)
-            EXPECT_EQ(runtime.generation(), generation);
-        EXPECT_TRUE(shownEvents.isEmpty());
-    }
+    runtime.revert(1);
+    ASSERT_TRUE(runtime.banner());
+    EXPECT_EQ(runtime.banner()->title, "Couldn't restore version 1's sources");
+    EXPECT_FALSE(runtime.banner()->offerFix);
+    EXPECT_EQ(runtime.generation(), generation);
+    EXPECT_EQ(appRoot(), before);
+
+    // Sources that could be restored stay restored, to be built again.
+    runtime.revert(2);
+    ASSERT_TRUE(runtime.banner());
+    EXPECT_EQ(runtime.banner()->title, "Couldn't load version 2");
+    EXPECT_FALSE(runtime.banner()->offerFix);
+    EXPECT_EQ(runtime.loadedVersion(), 3);
+    EXPECT_EQ(appRoot(), sourceText(2).toUtf8());
+    EXPECT_TRUE(shownEvents.isEmpty());
 }
 
 TEST_F(VersionOperations, AFailedRebuildOffersTheFixAndTellsTheAgent)
@@ -120,6 +112,18 @@ TEST_F(VersionOperations, ResetIsConfirmedThenPutsTheStarterAppBack)
 
 TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
 {
+    // The menu's titles, with its first action.
+    QMenu menu;
+    const auto titles = [&](Runtime &runtime) {
+        VersionMenu::fill(&menu, runtime, nullptr);
+        QStringList texts;
+        for (QAction *action : menu.actions())
+            texts.append(action->text());
+        return texts;
+    };
+    EXPECT_EQ(titles(launch()), (QStringList{"No versions yet", "", "Show Source Folder", "Reset to Original App…"}));
+    EXPECT_FALSE(menu.actions()[0]->isEnabled());
+
     makeVersion(1);
     makeVersion(2, true);
     makeVersion(3);
@@ -127,19 +131,11 @@ TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
     state.versions[2].summary = QString(61, u'b');
     state.current = 1;
     Runtime &runtime = launch();
-
-    QMenu menu;
-    VersionMenu::fill(&menu, runtime, nullptr);
-    QStringList titles;
-    for (QAction *action : menu.actions())
-        titles.append(action->text());
     const QString time = QLocale().toString(state.versions[0].date.toLocalTime().time(), QLocale::ShortFormat);
-    ASSERT_EQ(titles.size(), 6) << titles.join(u'|').toStdString();
-    EXPECT_EQ(titles[0], QStringLiteral("3. %1… (%2)").arg(QString(57, u'b'), time));
-    EXPECT_EQ(titles[1], QStringLiteral("2. Version 2 (%1)").arg(time));
-    EXPECT_EQ(titles[2], QStringLiteral("1. %1 (%2)").arg(QString(60, u'a'), time));
-    EXPECT_EQ(titles[4], QStringLiteral("Show Source Folder"));
-    EXPECT_EQ(titles[5], QStringLiteral("Reset to Original App…"));
+    EXPECT_EQ(titles(runtime), (QStringList{QStringLiteral("3. %1… (%2)").arg(QString(57, u'b'), time),
+                                            QStringLiteral("2. Version 2 (%1)").arg(time),
+                                            QStringLiteral("1. %1 (%2)").arg(QString(60, u'a'), time), "",
+                                            "Show Source Folder", "Reset to Original App…"}));
     // The loaded version and the crashed one are marked; the others are not.
     EXPECT_TRUE(menu.actions()[0]->icon().isNull());
     EXPECT_FALSE(menu.actions()[1]->icon().isNull());
@@ -150,80 +146,38 @@ TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
     EXPECT_EQ(appRoot(), sourceText(3).toUtf8());
 }
 
-TEST_F(VersionOperations, AnEmptyHistorySaysSo)
+// The relaunch script, run for real against a stand-in program that writes down how it was
+// started: it waits for the old process, starts the program in a session of its own, and hands
+// on the key through the environment, never through the script's words.
+TEST(RelaunchScript, WaitsForTheOldProcessThenStartsTheProgramInANewSessionWithTheKey)
 {
-    Runtime &runtime = launch();
-    QMenu menu;
-    VersionMenu::fill(&menu, runtime, nullptr);
-    ASSERT_FALSE(menu.actions().isEmpty());
-    EXPECT_EQ(menu.actions()[0]->text(), QStringLiteral("No versions yet"));
-    EXPECT_FALSE(menu.actions()[0]->isEnabled());
-    EXPECT_EQ(VersionMenu::label(runtime), QStringLiteral("No Version"));
-}
-
-// The relaunch script, run for real against a stand-in program that writes down how it was started.
-class RelaunchScript : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(folder_.isValid());
-        program_ = folder_.filePath(QStringLiteral("Kitchen Timer"));
-        report_ = folder_.filePath(QStringLiteral("report"));
-        QFile file(program_);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\n{ echo \"$0|$*|${OPENAI_API_KEY-unset}\"; cut -d' ' -f6 /proc/$$/stat; } > \"" +
-                   report_.toUtf8() + ".tmp\" && mv \"" + report_.toUtf8() + ".tmp\" \"" + report_.toUtf8() + "\"\n");
-        file.close();
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
-
-    void TearDown() override { qunsetenv("OPENAI_API_KEY"); }
-
-    // Runs the script for `waitedFor`, checks it waits while that lives, and gives the report lines.
-    QStringList runWaitingFor(QProcess &waitedFor, bool safeMode)
-    {
-        pid_t shell = 0;
-        EXPECT_EQ(Relaunch::start(Relaunch::script(waitedFor.processId(), safeMode), program_, &shell), std::nullopt);
-        QThread::msleep(400);
-        EXPECT_FALSE(QFile::exists(report_)) << "the program started while the old process lived";
-        waitedFor.kill();
-        waitedFor.waitForFinished();
-        EXPECT_TRUE(test::spinUntil([&] { return QFile::exists(report_); }));
-        int status = 0;
-        ::waitpid(shell, &status, 0);
-        QFile file(report_);
-        file.open(QIODevice::ReadOnly);
-        return QString::fromUtf8(file.readAll()).trimmed().split(u'\n');
-    }
-
-    QTemporaryDir folder_;
-    QString program_;
-    QString report_;
-};
-
-// The key reaches the new process through its environment, never through the script's words.
-TEST_F(RelaunchScript, HasNoKeyInItsText)
-{
-    qputenv("OPENAI_API_KEY", "sk-secret");
-    EXPECT_FALSE(Relaunch::script(4242, false).contains(QStringLiteral("sk-secret")));
-}
-
-TEST_F(RelaunchScript, WaitsForTheOldProcessThenStartsTheProgramInANewSessionWithTheKey)
-{
+    QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("Kitchen Timer"));
+    const QByteArray report = folder.filePath(QStringLiteral("report")).toUtf8();
+    test::writeFile(program, "#!/bin/sh\n{ echo \"$0|$*|${OPENAI_API_KEY-unset}\"; cut -d' ' -f6 /proc/$$/stat; } > \""
+                                 + report + ".tmp\" && mv \"" + report + ".tmp\" \"" + report + "\"\n");
+    QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
     for (const char *key : {"sk-from-env", static_cast<const char *>(nullptr)}) {
         SCOPED_TRACE(key ? key : "no key");
-        QFile::remove(report_);
-        if (key)
-            qputenv("OPENAI_API_KEY", key);
-        else
-            qunsetenv("OPENAI_API_KEY");
+        QFile::remove(report);
+        key ? qputenv("OPENAI_API_KEY", key) : qunsetenv("OPENAI_API_KEY");
         QProcess old;
         old.start("/bin/sleep", {"30"});
         ASSERT_TRUE(old.waitForStarted());
-        const QStringList report = runWaitingFor(old, key != nullptr);
-        ASSERT_EQ(report.size(), 2);
-        EXPECT_EQ(report[0], program_ + (key ? "|-ZentoroSafeMode YES|sk-from-env" : "||unset"));
-        EXPECT_NE(report[1].toLongLong(), qint64(::getsid(0)));
+        const QString script = Relaunch::script(old.processId(), key != nullptr);
+        EXPECT_FALSE(script.contains("sk-from-env"));
+        pid_t shell = 0;
+        ASSERT_EQ(Relaunch::start(script, program, &shell), std::nullopt);
+        QThread::msleep(400);
+        EXPECT_FALSE(QFile::exists(report)) << "the program started while the old process lived";
+        old.kill();
+        old.waitForFinished();
+        ASSERT_TRUE(test::spinUntil([&] { return QFile::exists(report); }));
+        ::waitpid(shell, nullptr, 0);
+        const QStringList lines = test::readText(report).trimmed().split(u'\n');
+        ASSERT_EQ(lines.size(), 2);
+        EXPECT_EQ(lines[0], program + (key ? "|-ZentoroSafeMode YES|sk-from-env" : "||unset"));
+        EXPECT_NE(lines[1].toLongLong(), qint64(::getsid(0)));
     }
 }
 
