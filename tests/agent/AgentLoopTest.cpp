@@ -1,91 +1,12 @@
-#include "agent/Agent.h"
-
-#include "support/Await.h"
-#include "support/FakeAgent.h"
-
-#include <gtest/gtest.h>
-
-#include <deque>
+#include "RunHarness.h"
 
 using namespace zentoro;
 using namespace zentoro::test;
 using namespace std::chrono_literals;
 
-namespace {
-
-// Drives an Agent through fakes of everything a run calls.
-struct Harness {
-    std::deque<std::function<JSON()>> script;
-    std::vector<JSON> bodies;
-    std::vector<std::pair<QString, JSON>> performed;
-    std::function<void(const QString &name)> duringPerform;
-    std::optional<Provider> available = Provider::APIKey;
-    int saves = 0;
-    int relaunches = 0;
-    Agent agent;
-
-    Harness() : agent(operations()) {}
-
-    AgentOperations operations()
-    {
-        AgentOperations ops = test::fakeOperations();
-        ops.hasAPIKey = [this] { return available == Provider::APIKey; };
-        ops.canUsePlan = [this] { return available == Provider::ChatGPT; };
-        ops.request = [this](Provider provider) {
-            return JSON::object({{"provider", providerText(provider)},
-                                 {"input", JSON(JSON::Array(agent.pendingInput.begin(), agent.pendingInput.end()))}});
-        };
-        ops.respond = [this](const TaskHandle &task, const QString &, const JSON &body,
-                             const std::function<void(const JSON &)> &onItemStarted) -> QCoro::Task<JSON> {
-            bodies.push_back(body);
-            co_await sleep(task, 1ms);
-            if (script.empty())
-                co_return response({textMessage("done")});
-            auto next = std::move(script.front());
-            script.pop_front();
-            const JSON answer = next();
-            if (const JSON::Array *items = answer.arrayAt("output")) {
-                for (const JSON &item : *items)
-                    onItemStarted(item);
-            }
-            co_return answer;
-        };
-        ops.perform = [this](const QString &name, const JSON &arguments) -> QCoro::Task<ToolResult> {
-            performed.emplace_back(name, arguments);
-            if (duringPerform)
-                duringPerform(name);
-            co_await sleep(TaskHandle(), 1ms);
-            co_return ToolResult{JSON("ran " + name), ChatItem::make(ChatItem::Kind::Tool, "row " + name)};
-        };
-        ops.save = [this] { ++saves; };
-        ops.relaunch = [this](bool) { ++relaunches; };
-        return ops;
-    }
-
-    void sendAndFinish(const QString &text)
-    {
-        agent.send(text);
-        ASSERT_TRUE(spinUntil([&] { return !agent.isRunning(); }));
-    }
-
-    QStringList texts() const { return rowTexts(agent); }
-
-    QStringList pendingOutputs() const
-    {
-        QStringList result;
-        for (const JSON &item : agent.pendingInput) {
-            if (item.stringAt("type") == u"function_call_output")
-                result.append(*item.stringAt("call_id") + " " + item.stringAt("output").value_or("?"));
-        }
-        return result;
-    }
-};
-
-} // namespace
-
 TEST(AgentLoop, BlankMessagesAndMessagesDuringARunChangeNothing)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.send(" \n\t \n");
     EXPECT_TRUE(harness.agent.items().isEmpty());
     EXPECT_FALSE(harness.agent.isRunning());
@@ -97,18 +18,18 @@ TEST(AgentLoop, BlankMessagesAndMessagesDuringARunChangeNothing)
     EXPECT_EQ(harness.agent.pendingInput.size(), pending);
     ASSERT_TRUE(spinUntil([&] { return !harness.agent.isRunning(); }));
     EXPECT_EQ(harness.texts(), (QStringList{"user: first", "assistant: done"}));
-    EXPECT_EQ(harness.bodies.size(), 1u);
+    EXPECT_EQ(harness.inputs.size(), 1u);
 }
 
 TEST(AgentLoop, SendQueuesNotesStateNoteAndTextAndRecordsTheExchange)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.notes = QStringList{"Version 2 crashed", "The user went back to version 1"};
     harness.sendAndFinish("  make it blue \n");
 
-    ASSERT_EQ(harness.bodies.size(), 1u);
-    const JSON::Array input = *harness.bodies[0].arrayAt("input");
-    ASSERT_EQ(input.size(), 3u);
+    ASSERT_EQ(harness.inputs.size(), 1u);
+    const QList<JSON> input = harness.inputs[0];
+    ASSERT_EQ(input.size(), 3);
     EXPECT_EQ(input[0], Agent::message("developer", "Meanwhile, in Zentoro:\n- Version 2 crashed\n- The user went back to version 1"));
     EXPECT_EQ(input[1], Agent::message("developer", "state note"));
     EXPECT_EQ(input[2], Agent::message("user", "make it blue"));
@@ -127,7 +48,7 @@ TEST(AgentLoop, SendQueuesNotesStateNoteAndTextAndRecordsTheExchange)
 
 TEST(AgentLoop, AssistantRowComesFirstAndCallsRunInOrderOneAfterAnother)
 {
-    Harness harness;
+    RunHarness harness;
     harness.script.push_back([] {
         return response({functionCall("c1", "read_file"), functionCall("c2", "list_files"), textMessage("Looking.")});
     });
@@ -141,39 +62,15 @@ TEST(AgentLoop, AssistantRowComesFirstAndCallsRunInOrderOneAfterAnother)
     EXPECT_EQ(harness.texts(), (QStringList{"user: look", "assistant: Looking.", "tool: row read_file",
                                             "tool: row list_files", "assistant: done"}));
     EXPECT_EQ(seenBeforeSecond, (QStringList{"user: look", "assistant: Looking.", "tool: row read_file"}));
-    ASSERT_EQ(harness.bodies.size(), 2u);
     // The second request carries both outputs, in call order.
-    const JSON::Array input = *harness.bodies[1].arrayAt("input");
-    ASSERT_EQ(input.size(), 2u);
-    EXPECT_EQ(input[0], Agent::output("c1", "ran read_file"));
-    EXPECT_EQ(input[1], Agent::output("c2", "ran list_files"));
+    ASSERT_EQ(harness.inputs.size(), 2u);
+    EXPECT_EQ(harness.inputs[1], (QList<JSON>{Agent::output("c1", "ran read_file"), Agent::output("c2", "ran list_files")}));
     EXPECT_TRUE(harness.agent.unansweredCalls.isEmpty());
-}
-
-TEST(AgentLoop, AStopDuringTheFirstOfThreeCallsAnswersTheOthersWithoutRows)
-{
-    Harness harness;
-    harness.script.push_back([] {
-        return response({functionCall("c1", "write_file"), functionCall("c2", "build"), functionCall("c3", "screenshot")});
-    });
-    QStringList unansweredDuringFirst;
-    harness.duringPerform = [&](const QString &) {
-        unansweredDuringFirst = harness.agent.unansweredCalls;
-        harness.agent.task().cancel();
-    };
-    harness.sendAndFinish("go");
-
-    EXPECT_EQ(unansweredDuringFirst, (QStringList{"c1", "c2", "c3"}));
-    EXPECT_EQ(harness.texts(), (QStringList{"user: go", "tool: row write_file", "event: Stopped"}));
-    EXPECT_EQ(harness.pendingOutputs(), (QStringList{"c1 ran write_file", "c2 The user stopped you before this ran.",
-                                                     "c3 The user stopped you before this ran."}));
-    EXPECT_TRUE(harness.agent.unansweredCalls.isEmpty());
-    EXPECT_EQ(harness.bodies.size(), 1u);
 }
 
 TEST(AgentLoop, RestartWaitsBehindTheOtherCallsAndRelaunches)
 {
-    Harness harness;
+    RunHarness harness;
     harness.script.push_back([] {
         return response({functionCall("r1", "restart_app"), functionCall("b1", "build"), functionCall("r2", "restart_app")});
     });
@@ -187,26 +84,39 @@ TEST(AgentLoop, RestartWaitsBehindTheOtherCallsAndRelaunches)
     EXPECT_EQ(harness.agent.unansweredCalls, (QStringList{"r1", "r2"}));
     EXPECT_TRUE(harness.texts().last().startsWith("tool: Restarting "));
     EXPECT_EQ(harness.pendingOutputs(), QStringList{"b1 ran build"});
-    EXPECT_EQ(harness.bodies.size(), 1u);
+    EXPECT_EQ(harness.inputs.size(), 1u);
 }
 
-TEST(AgentLoop, AStopBeforeTheRestartTellsTheModelAndKeepsTheProcess)
+// A stop in the first call answers the later ones without rows, and calls off the restart
+// that waited behind them.
+TEST(AgentLoop, AStopDuringACallAnswersTheRestWithoutRowsAndKeepsTheProcess)
 {
-    Harness harness;
-    harness.script.push_back([] { return response({functionCall("r1", "restart_app"), functionCall("b1", "build")}); });
-    harness.duringPerform = [&](const QString &) { harness.agent.task().cancel(); };
-    harness.sendAndFinish("restart it");
+    RunHarness harness;
+    harness.script.push_back([] {
+        return response({functionCall("r1", "restart_app"), functionCall("c1", "write_file"), functionCall("c2", "build"),
+                         functionCall("c3", "screenshot")});
+    });
+    QStringList unansweredDuringFirst;
+    harness.duringPerform = [&](const QString &) {
+        unansweredDuringFirst = harness.agent.unansweredCalls;
+        harness.agent.task().cancel();
+    };
+    harness.sendAndFinish("go");
 
+    EXPECT_EQ(unansweredDuringFirst, (QStringList{"r1", "c1", "c2", "c3"}));
+    EXPECT_EQ(harness.texts(), (QStringList{"user: go", "tool: row write_file", "event: Stopped"}));
+    EXPECT_EQ(harness.pendingOutputs(),
+              (QStringList{"c1 ran write_file", "c2 The user stopped you before this ran.",
+                           "c3 The user stopped you before this ran.", "r1 The user stopped you before the restart."}));
+    EXPECT_TRUE(harness.agent.unansweredCalls.isEmpty());
     EXPECT_EQ(harness.relaunches, 0);
     EXPECT_FALSE(harness.agent.restartCallID);
-    EXPECT_EQ(harness.pendingOutputs(), (QStringList{"b1 ran build", "r1 The user stopped you before the restart."}));
-    EXPECT_TRUE(harness.agent.unansweredCalls.isEmpty());
-    EXPECT_EQ(harness.texts().last(), "event: Stopped");
+    EXPECT_EQ(harness.inputs.size(), 1u);
 }
 
 TEST(AgentLoop, ACutShortResponseShowsWhyAndStillRunsItsCalls)
 {
-    Harness harness;
+    RunHarness harness;
     harness.script.push_back([] {
         JSON answer = response({functionCall("c1", "list_files")});
         answer.set("status", "incomplete");
@@ -227,7 +137,7 @@ TEST(AgentLoop, ACutShortResponseShowsWhyAndStillRunsItsCalls)
 
 TEST(AgentLoop, ArgumentsThatArentJSONRunTheToolWithAnEmptyObject)
 {
-    Harness harness;
+    RunHarness harness;
     harness.script.push_back([] {
         return response({functionCall("c1", "read_file", "{\"path\": "), functionCall("c2", "read_file", "[1]"),
                          JSON::object({{"type", "function_call"}, {"call_id", "c3"}, {"name", "read_file"}})});
@@ -238,42 +148,30 @@ TEST(AgentLoop, ArgumentsThatArentJSONRunTheToolWithAnEmptyObject)
         EXPECT_EQ(arguments, JSON::object());
 }
 
-// Only the API-key path keeps the response's identity for the next request.
-TEST(AgentLoop, ThePlanPathForgetsTheResponseIdentity)
-{
-    Harness plan;
-    plan.available = Provider::ChatGPT;
-    plan.agent.previousResponseID = "resp_old";
-    plan.sendAndFinish("hi");
-    EXPECT_EQ(plan.bodies[0].stringAt("provider"), "chatgpt");
-    EXPECT_FALSE(plan.agent.previousResponseID);
-}
-
 TEST(AgentLoop, EightyStepsEndTheRunWithTheLastOutputsQueued)
 {
-    Harness harness;
+    RunHarness harness;
     for (int step = 0; step < 100; ++step) {
         harness.script.push_back([step] {
             return response({functionCall(QStringLiteral("c%1").arg(step), "list_files")});
         });
     }
     harness.sendAndFinish("loop forever");
-    EXPECT_EQ(harness.bodies.size(), 80u);
+    EXPECT_EQ(harness.inputs.size(), 80u);
     EXPECT_EQ(harness.texts().last(), "error: Stopped after 80 steps. Say \"continue\" to keep going.");
     EXPECT_EQ(harness.pendingOutputs(), QStringList{"c79 ran list_files"});
 
     // The next message carries them to the model, ahead of the new words.
     harness.script.clear();
     harness.sendAndFinish("continue");
-    const JSON::Array input = *harness.bodies.back().arrayAt("input");
-    EXPECT_EQ(input[0], Agent::output("c79", "ran list_files"));
-    EXPECT_EQ(input.back(), Agent::message("user", "continue"));
+    EXPECT_EQ(harness.inputs.back().first(), Agent::output("c79", "ran list_files"));
+    EXPECT_EQ(harness.inputs.back().last(), Agent::message("user", "continue"));
 }
 
 TEST(AgentLoop, AFailureEndsInOneErrorRowAndKeepsTheInput)
 {
-    Harness harness;
-    harness.script.push_back([]() -> JSON { throw OpenAI::Failure(429, "rate_limit", std::nullopt, "Slow down."); });
+    RunHarness harness;
+    harness.fail({OpenAI::Failure(429, "rate_limit", std::nullopt, "Slow down.")});
     harness.sendAndFinish("hi");
     EXPECT_EQ(harness.texts().last(), "error: OpenAI error 429: Slow down.");
     EXPECT_EQ(harness.agent.pendingInput.size(), 2);
@@ -282,7 +180,7 @@ TEST(AgentLoop, AFailureEndsInOneErrorRowAndKeepsTheInput)
 
 TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlanAndWithoutOneTheRunAsksForIt)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.setHasAPIKey(true);
     harness.agent.setPreferredProvider(Provider::ChatGPT);
     EXPECT_EQ(harness.agent.provider(), Provider::APIKey);
@@ -292,18 +190,23 @@ TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlanAndWithoutOneTheRunAsksForIt)
     EXPECT_EQ(harness.agent.provider(), Provider::APIKey);
     harness.agent.setHasAPIKey(false);
     EXPECT_EQ(harness.agent.provider(), Provider::ChatGPT);
+    // Only the API-key path keeps the response's identity for the next request.
+    harness.agent.previousResponseID = "resp_old";
+    harness.sendAndFinish("hi");
+    EXPECT_EQ(harness.providers, std::vector<Provider>{Provider::ChatGPT});
+    EXPECT_FALSE(harness.agent.previousResponseID);
 
     harness.available.reset();
     EXPECT_FALSE(harness.agent.provider());
-    harness.sendAndFinish("hi");
+    harness.sendAndFinish("hi again");
     EXPECT_TRUE(harness.texts().last().startsWith("error: Sign in with ChatGPT or add an OpenAI API key first ("));
-    EXPECT_TRUE(harness.bodies.empty());
+    EXPECT_EQ(harness.inputs.size(), 1u);
     EXPECT_EQ(harness.agent.pendingInput.size(), 2);
 }
 
 TEST(AgentLoop, ActivityFollowsTheItemsAsTheyStart)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.started(functionCall("c", "read_file"));
     EXPECT_FALSE(harness.agent.activity());
     harness.agent.started(functionCall("c", "edit_file"));
@@ -316,7 +219,7 @@ TEST(AgentLoop, ActivityFollowsTheItemsAsTheyStart)
 
 TEST(AgentLoop, AStopWhileWaitingForTheModelShowsStoppedAndRunsWhatWaitsForTheEnd)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.operations().respond = respondOnlyToAStop;
     harness.agent.send("hi");
     bool ran = false;

@@ -34,10 +34,7 @@ protected:
     {
         return test::await(Tools::perform(agent, workspace, BuildTools::runtimeTools(), name, arguments));
     }
-    ToolResult readLog(const QString &which)
-    {
-        return call(QStringLiteral("read_log"), JSON::object({{QStringLiteral("which"), JSON(which)}}));
-    }
+    ToolResult readLog(const QString &which) { return call("read_log", JSON::object({{"which", which}})); }
     void writeLog(CrashLog::Which which, const QByteArray &bytes)
     {
         QFile file(CrashLog::url(which, workspace.logs()));
@@ -51,42 +48,36 @@ BuildOutcome succeeded(int version, double seconds, QString warnings)
     return BuildOutcome{BuildOutcome::Success{version, seconds, std::move(warnings)}};
 }
 
-BuildOutcome failed(QString text)
+ToolResult failed(QString text)
 {
-    return BuildOutcome{BuildOutcome::Failure{std::move(text)}};
+    return BuildTools::buildResult(BuildOutcome{BuildOutcome::Failure{std::move(text)}});
 }
 
 } // namespace
 
-TEST(BuildResult, ASuccessTellsTheVersionAndAnyWarnings)
+TEST(BuildResult, ASuccessTellsTheVersionAndWarningsAndAFailureCountsTheErrors)
 {
     const ToolResult quiet = BuildTools::buildResult(succeeded(3, 12.25, QString()));
-    EXPECT_EQ(quiet.output, JSON(QStringLiteral("Build succeeded. Version 3 is now running in the window.")));
-    EXPECT_EQ(quiet.item.text, QStringLiteral("Built version 3 in 12.2s"));
+    EXPECT_EQ(quiet.output, JSON("Build succeeded. Version 3 is now running in the window."));
+    EXPECT_EQ(quiet.item.text, "Built version 3 in 12.2s");
     EXPECT_EQ(quiet.item.detail, std::nullopt);
-    EXPECT_FALSE(quiet.item.failed);
-
     const QString warning = QStringLiteral("AppRoot.swift:3:9: warning: unused variable");
     const ToolResult warned = BuildTools::buildResult(succeeded(4, 0.96, warning));
-    EXPECT_EQ(warned.output, JSON(QStringLiteral("Build succeeded. Version 4 is now running in the window.\n"
-                                                 "Compiler warnings:\n") + warning));
-    EXPECT_EQ(warned.item.text, QStringLiteral("Built version 4 in 1.0s"));
+    EXPECT_EQ(warned.output, JSON("Build succeeded. Version 4 is now running in the window.\nCompiler warnings:\n" + warning));
+    EXPECT_EQ(warned.item.text, "Built version 4 in 1.0s");
     EXPECT_EQ(warned.item.detail, warning);
-}
+    EXPECT_FALSE(warned.item.failed);
 
-TEST(BuildResult, AFailureCountsTheErrorsAndKeepsTheWholeOutput)
-{
+    // The whole compiler output goes to the model and the row, however long.
     const QString two = QStringLiteral("a.swift:1:1: error: x\na.swift:2:1: warning: y\nb.swift:9:4: error: z\n") +
                         QString(7000, u'.');
-    const ToolResult result = BuildTools::buildResult(failed(two));
-    EXPECT_EQ(result.output, JSON(QStringLiteral("Build failed. The running app is unchanged.\n") + two));
-    EXPECT_EQ(result.item.text, QStringLiteral("Build failed (2 errors)"));
+    const ToolResult result = failed(two);
+    EXPECT_EQ(result.output, JSON("Build failed. The running app is unchanged.\n" + two));
+    EXPECT_EQ(result.item.text, "Build failed (2 errors)");
     EXPECT_EQ(result.item.detail, two);
     EXPECT_TRUE(result.item.failed);
-    EXPECT_EQ(BuildTools::buildResult(failed(QStringLiteral("a.swift:1:1: error: x"))).item.text,
-              QStringLiteral("Build failed (1 error)"));
-    EXPECT_EQ(BuildTools::buildResult(failed(QStringLiteral("A build is already running."))).item.text,
-              QStringLiteral("Build failed"));
+    EXPECT_EQ(failed("a.swift:1:1: error: x").item.text, "Build failed (1 error)");
+    EXPECT_EQ(failed("A build is already running.").item.text, "Build failed");
 }
 
 TEST_F(BuildToolsTest, ReadLogShowsTheEndOfTheNamedLog)
@@ -97,31 +88,31 @@ TEST_F(BuildToolsTest, ReadLogShowsTheEndOfTheNamedLog)
     writeLog(CrashLog::Which::Current, lines);
     writeLog(CrashLog::Which::Previous, "the run before\n");
 
-    const ToolResult current = readLog(QStringLiteral("latest"));
-    const QString text = current.output.stringValue().value_or(QString());
-    EXPECT_TRUE(text.startsWith(QStringLiteral("line 301\n")));
-    EXPECT_EQ(current.item.text, QStringLiteral("Read the log"));
-    EXPECT_EQ(current.item.detail, text);
+    const ToolResult current = readLog("latest");
+    EXPECT_TRUE(current.output.stringValue()->startsWith("line 301\n"));
+    EXPECT_EQ(current.item.text, "Read the log");
+    EXPECT_EQ(current.item.detail, current.output.stringValue());
 
-    EXPECT_EQ(readLog(QStringLiteral("previous")).output, JSON(QStringLiteral("the run before\n")));
-    const ToolResult crash = readLog(QStringLiteral("crash"));
-    EXPECT_EQ(crash.output, JSON(QStringLiteral("(no such log)")));
-    EXPECT_EQ(crash.item.text, QStringLiteral("Read the crash log"));
+    EXPECT_EQ(readLog("previous").output, JSON("the run before\n"));
+    const ToolResult crash = readLog("crash");
+    EXPECT_EQ(crash.output, JSON("(no such log)"));
+    EXPECT_EQ(crash.item.text, "Read the crash log");
 }
 
 TEST_F(BuildToolsTest, AScreenshotWithNothingShowingIsAnError)
 {
-    const ToolResult result = call(QStringLiteral("screenshot"));
-    EXPECT_EQ(agent.activity(), QStringLiteral("Looking at the app…"));
-    EXPECT_EQ(result.output, JSON(QStringLiteral("Error: Nothing to capture: no version is showing in a window.")));
-    EXPECT_EQ(result.item.text, QStringLiteral("Couldn't take a screenshot"));
+    const ToolResult result = call("screenshot");
+    EXPECT_EQ(agent.activity(), "Looking at the app…");
+    EXPECT_EQ(result.output, JSON("Error: Nothing to capture: no version is showing in a window."));
+    EXPECT_EQ(result.item.text, "Couldn't take a screenshot");
     EXPECT_TRUE(result.item.failed);
 }
 
-TEST_F(BuildToolsTest, AScreenshotIsStoredAndHandedOverByReference)
+// The conversation keeps a reference to a stored picture; one that can't be stored travels inline.
+TEST_F(BuildToolsTest, AScreenshotIsHandedOverByReferenceOrElseInline)
 {
     const QByteArray png("\x89PNG picture bytes");
-    const QString folder = workspace.build() + QStringLiteral("/Screenshots");
+    const QString folder = workspace.build() + "/Screenshots";
     const ToolResult result = BuildTools::screenshotResult(png, folder);
     ASSERT_TRUE(result.item.imagePath);
     EXPECT_EQ(QFileInfo(*result.item.imagePath).path(), folder);
@@ -131,17 +122,14 @@ TEST_F(BuildToolsTest, AScreenshotIsStoredAndHandedOverByReference)
     const QString url = QUrl::fromLocalFile(*result.item.imagePath).toString();
     const JSON caption = JSON::object({{"type", "input_text"}, {"text", "Screenshot of the app as it looks now:"}});
     EXPECT_EQ(result.output, JSON::array({caption, JSON::object({{"type", "input_image"}, {"image_url", url}})}));
-}
 
-TEST_F(BuildToolsTest, AScreenshotThatCannotBeStoredTravelsInline)
-{
     // A file where the folder should be: nothing can be written under it.
+    QDir(workspace.build()).removeRecursively();
     QFile blocker(workspace.build());
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
     blocker.close();
-    const ToolResult result = BuildTools::screenshotResult(QByteArray("png"), workspace.build() + QStringLiteral("/Screenshots"));
-    EXPECT_EQ(result.item.imagePath, std::nullopt);
-    const JSON::Array *parts = result.output.arrayValue();
-    ASSERT_NE(parts, nullptr);
-    EXPECT_EQ((*parts)[1].stringAt(QStringLiteral("image_url")), QStringLiteral("data:image/png;base64,cG5n"));
+    const ToolResult inlined = BuildTools::screenshotResult("png", folder);
+    EXPECT_EQ(inlined.item.imagePath, std::nullopt);
+    EXPECT_EQ(inlined.output, JSON::array({caption, JSON::object({{"type", "input_image"},
+                                                                  {"image_url", "data:image/png;base64,cG5n"}})}));
 }

@@ -1,19 +1,12 @@
-#include "agent/Agent.h"
-#include "agent/HistoryUpkeep.h"
-#include "agent/Recovery.h"
+#include "RunHarness.h"
+
 #include "model_service/AgentConfig.h"
 #include "runtime/Workspace.h"
 
-#include "support/Await.h"
-#include "support/FakeAgent.h"
-
 #include <QElapsedTimer>
 
-#include <gtest/gtest.h>
-
-#include <deque>
-
 using namespace zentoro;
+using namespace zentoro::test;
 using namespace std::chrono_literals;
 
 namespace {
@@ -23,78 +16,6 @@ OpenAI::Failure failure(int status, std::optional<QString> code, std::optional<Q
 {
     return OpenAI::Failure(status, std::move(code), std::move(param), std::move(message));
 }
-
-// A run whose model fails as scripted, with the real recovery and error rows, and a fake
-// credential source that records when a fresh token was asked for.
-struct Harness {
-    std::deque<std::optional<OpenAI::Failure>> failures;
-    Provider provider = Provider::APIKey;
-    PlanService plan{QUrl(QStringLiteral("https://chatgpt.example/settings/usage")), 20ms};
-    std::vector<bool> refreshes;
-    std::vector<std::optional<QString>> chains; // previousResponseID as each request was built
-    std::vector<QList<JSON>> inputs;            // pendingInput as each request was built
-    std::vector<std::optional<QString>> activities;
-    Agent agent;
-
-    // Starts blank whatever conversation an earlier test left to restore.
-    explicit Harness(Provider provider = Provider::APIKey) : provider(provider), agent(operations())
-    {
-        agent.load(Agent::Saved{});
-    }
-
-    AgentOperations operations()
-    {
-        AgentOperations ops = test::fakeOperations();
-        ops.hasAPIKey = [this] { return provider == Provider::APIKey; };
-        ops.canUsePlan = [this] { return provider == Provider::ChatGPT; };
-        ops.bearer = [this](const TaskHandle &, Provider, bool refresh) -> QCoro::Task<QString> {
-            refreshes.push_back(refresh);
-            co_return QString::fromUtf8("token");
-        };
-        ops.request = [this](Provider) {
-            chains.push_back(agent.previousResponseID);
-            inputs.push_back(agent.pendingInput);
-            return JSON::object();
-        };
-        ops.respond = [this](const TaskHandle &task, const QString &, const JSON &,
-                             const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
-            co_await sleep(task, 1ms);
-            if (!failures.empty()) {
-                auto next = failures.front();
-                failures.pop_front();
-                if (next)
-                    throw *next;
-            }
-            const JSON fixed =
-                test::response({test::textMessage(QString::fromUtf8("Fixed it."))}, QString::fromUtf8("resp_next"));
-            co_return fixed;
-        };
-        ops.forHistory = HistoryUpkeep::forHistory;
-        ops.recover = [this](const TaskHandle &task, const OpenAI::Failure &failure, Provider provider,
-                             Recovery *recovery) -> QCoro::Task<bool> {
-            const bool again = co_await FailureRecovery::recover(agent, task, failure, provider, *recovery, plan);
-            activities.push_back(agent.activity());
-            co_return again;
-        };
-        ops.errorItem = [this](std::exception_ptr error, Provider provider) {
-            return FailureRecovery::errorItem(error, provider, plan);
-        };
-        return ops;
-    }
-
-    void fail(std::initializer_list<std::optional<OpenAI::Failure>> script)
-    {
-        failures.insert(failures.end(), script);
-    }
-
-    void sendAndFinish(const QString &text)
-    {
-        agent.send(text);
-        ASSERT_TRUE(test::spinUntil([&] { return !agent.isRunning(); }));
-    }
-
-    ChatItem last() const { return agent.items().last(); }
-};
 
 QList<JSON> texts(int count)
 {
@@ -108,17 +29,17 @@ QList<JSON> texts(int count)
 
 TEST(Recovery, ALostChainIsDroppedOnceAndTheNextRequestGoesOutWhole)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.previousResponseID = "resp_old";
     harness.agent.history = texts(2);
     harness.fail({failure(400, std::nullopt, "previous_response_id", "Not found.")});
     harness.sendAndFinish("go on");
     EXPECT_EQ(harness.chains, (std::vector<std::optional<QString>>{"resp_old", std::nullopt}));
     EXPECT_EQ(harness.inputs[1], harness.inputs[0]); // history holds it all: no notice
-    EXPECT_EQ(harness.last().text, "Fixed it.");
+    EXPECT_EQ(harness.last().text, "done");
 
     // Once per run: a second loss in the same run is an error row.
-    Harness twice;
+    RunHarness twice;
     twice.agent.previousResponseID = "resp_old";
     twice.agent.history = texts(2);
     twice.fail({failure(400, std::nullopt, std::nullopt, "Previous response with id 'x' not found."),
@@ -134,7 +55,7 @@ TEST(Recovery, ALostChainIsDroppedOnceAndTheNextRequestGoesOutWhole)
 
 TEST(Recovery, ALostChainWithNothingKeptHereDropsTheOrphanedOutputsAndSaysSo)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.previousResponseID = "resp_old";
     harness.agent.pendingInput = {Agent::output("c1", "built")};
     harness.fail({failure(400, std::nullopt, "previous_response_id")});
@@ -150,7 +71,7 @@ TEST(Recovery, ALostChainWithNothingKeptHereDropsTheOrphanedOutputsAndSaysSo)
 
 TEST(Recovery, TooLongIsTrimmedFourTimesAtMost)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.history = texts(200);
     const auto tooLong = failure(400, "context_length_exceeded");
     harness.fail({tooLong, tooLong, tooLong, tooLong, tooLong});
@@ -164,7 +85,7 @@ TEST(Recovery, TooLongIsTrimmedFourTimesAtMost)
         EXPECT_EQ(input, harness.inputs[0]);
     EXPECT_EQ(harness.agent.pendingInput, harness.inputs[0]);
 
-    Harness untrimmable;
+    RunHarness untrimmable;
     untrimmable.fail({tooLong});
     untrimmable.sendAndFinish("more");
     EXPECT_EQ(untrimmable.inputs.size(), 1u);
@@ -173,7 +94,7 @@ TEST(Recovery, TooLongIsTrimmedFourTimesAtMost)
 
 TEST(Recovery, RefusedReasoningIsTakenOutOfHistoryOnce)
 {
-    Harness harness;
+    RunHarness harness;
     harness.agent.history = {Agent::message("user", "a"), JSON::object({{"type", "reasoning"}, {"encrypted_content", "x"}})};
     const auto refused = failure(400, "invalid_encrypted_content", std::nullopt, "Encrypted content could not be verified.");
     harness.fail({refused, refused});
@@ -186,28 +107,26 @@ TEST(Recovery, RefusedReasoningIsTakenOutOfHistoryOnce)
 
 TEST(Recovery, OnThePlanA401AsksForOneFreshToken)
 {
-    Harness harness(Provider::ChatGPT);
-    harness.fail({failure(401, std::nullopt), failure(401, std::nullopt)});
-    harness.sendAndFinish("hello");
-    EXPECT_EQ(harness.refreshes, (std::vector<bool>{false, true}));
-    EXPECT_EQ(harness.last().kind, ChatItem::Kind::Error);
-
-    Harness once(Provider::ChatGPT);
-    once.fail({failure(401, std::nullopt)});
-    once.sendAndFinish("hello");
-    EXPECT_EQ(once.refreshes, (std::vector<bool>{false, true}));
-    EXPECT_EQ(once.last().text, "Fixed it.");
-
-    Harness withKey;
-    withKey.fail({failure(401, std::nullopt)});
-    withKey.sendAndFinish("hello");
-    EXPECT_EQ(withKey.refreshes, (std::vector<bool>{false}));
-    EXPECT_EQ(withKey.last().kind, ChatItem::Kind::Error);
+    struct Case {
+        Provider provider;
+        int unauthorized;
+        std::vector<bool> refreshes;
+        bool fixed;
+    };
+    for (const Case &c : {Case{Provider::ChatGPT, 2, {false, true}, false}, Case{Provider::ChatGPT, 1, {false, true}, true},
+                          Case{Provider::APIKey, 1, {false}, false}}) {
+        RunHarness harness(c.provider);
+        for (int i = 0; i < c.unauthorized; ++i)
+            harness.fail({failure(401, std::nullopt)});
+        harness.sendAndFinish("hello");
+        EXPECT_EQ(harness.refreshes, c.refreshes) << c.unauthorized;
+        EXPECT_EQ(harness.last().text == "done", c.fixed) << c.unauthorized;
+    }
 }
 
 TEST(Recovery, ABusyPlanIsWaitedForTwiceLongerEachTime)
 {
-    Harness harness(Provider::ChatGPT);
+    RunHarness harness(Provider::ChatGPT);
     harness.fail({failure(503, std::nullopt), failure(0, "subscription_sharing_user_unavailable"),
                   failure(429, "subscription_sharing_usage_unavailable")});
     QElapsedTimer timer;
@@ -215,12 +134,11 @@ TEST(Recovery, ABusyPlanIsWaitedForTwiceLongerEachTime)
     harness.sendAndFinish("hello");
     EXPECT_GE(timer.elapsed(), 60); // 20 ms, then 40 ms
     EXPECT_EQ(harness.inputs.size(), 3u);
-    EXPECT_EQ(harness.activities[0], "Waiting for ChatGPT…");
     EXPECT_EQ(harness.last().kind, ChatItem::Kind::Error);
     EXPECT_EQ(harness.last().link, (ChatLink{"Manage Usage", harness.plan.usageURL}));
 
     // The API key path doesn't wait.
-    Harness withKey;
+    RunHarness withKey;
     withKey.fail({failure(503, std::nullopt)});
     withKey.sendAndFinish("hello");
     EXPECT_EQ(withKey.inputs.size(), 1u);
@@ -228,13 +146,13 @@ TEST(Recovery, ABusyPlanIsWaitedForTwiceLongerEachTime)
 
 TEST(Recovery, AStopDuringAWaitEndsWithStoppedNotAnError)
 {
-    Harness harness(Provider::ChatGPT);
+    RunHarness harness(Provider::ChatGPT);
     harness.plan.busyWait = 20s;
     harness.fail({failure(503, std::nullopt)});
     harness.agent.send("hello");
-    ASSERT_TRUE(test::spinUntil([&] { return harness.agent.activity() == "Waiting for ChatGPT…"; }));
+    ASSERT_TRUE(spinUntil([&] { return harness.agent.activity() == "Waiting for ChatGPT…"; }));
     harness.agent.task().cancel();
-    ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }, 2s));
+    ASSERT_TRUE(spinUntil([&] { return !harness.agent.isRunning(); }, 2s));
     EXPECT_EQ(harness.last().text, "Stopped");
     EXPECT_FALSE(harness.agent.canRetry());
     EXPECT_FALSE(harness.agent.pendingInput.isEmpty());
@@ -276,7 +194,7 @@ TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)
 
 TEST(Recovery, TryAgainSendsTheSameInputWithNoNewRow)
 {
-    Harness harness;
+    RunHarness harness;
     harness.fail({failure(500, std::nullopt)});
     harness.sendAndFinish("hello");
     ASSERT_TRUE(harness.agent.canRetry());
@@ -285,11 +203,11 @@ TEST(Recovery, TryAgainSendsTheSameInputWithNoNewRow)
     harness.agent.retry();
     EXPECT_FALSE(harness.agent.canRetry());
     harness.agent.retry(); // refused while the run goes on
-    ASSERT_TRUE(test::spinUntil([&] { return !harness.agent.isRunning(); }));
+    ASSERT_TRUE(spinUntil([&] { return !harness.agent.isRunning(); }));
     ASSERT_EQ(harness.inputs.size(), 2u);
     EXPECT_EQ(harness.inputs[1], harness.inputs[0]);
     EXPECT_EQ(harness.agent.items().size(), rows + 1);
-    EXPECT_EQ(harness.last().text, "Fixed it.");
+    EXPECT_EQ(harness.last().text, "done");
 }
 
 TEST(Recovery, PlanServiceFollowsTheConfiguredOrigin)
