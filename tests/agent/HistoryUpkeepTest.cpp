@@ -90,13 +90,15 @@ TEST(HistoryUpkeep, ConsistentDropsHalfPairsAndKeepsEverythingElse)
 TEST(HistoryUpkeep, TheNewestThreePicturesAreSentAndTheRestSayWhy)
 {
     QTemporaryDir folder;
+    const auto writeShot = [&](int i, const QByteArray &bytes) {
+        QFile file(folder.filePath(QStringLiteral("shot%1.png").arg(i)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(bytes);
+    };
     QStringList urls;
     for (int i = 0; i < 5; ++i) {
-        const QString path = folder.filePath(QStringLiteral("shot%1.png").arg(i));
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("PNG" + QByteArray::number(i));
-        urls.append(QUrl::fromLocalFile(path).toString());
+        writeShot(i, "PNG" + QByteArray::number(i));
+        urls.append(QUrl::fromLocalFile(folder.filePath(QStringLiteral("shot%1.png").arg(i))).toString());
     }
     const QString inline_ = "data:image/png;base64,AAAA";
     // Picture 3's file has been cleaned away: picture 1 moves up into the three.
@@ -120,25 +122,12 @@ TEST(HistoryUpkeep, TheNewestThreePicturesAreSentAndTheRestSayWhy)
                            "data:image/png;base64", "data:image/png;base64"}));
     EXPECT_EQ(pictures(attachingScreenshots(items, 0)),
               (QStringList{"notice", "notice", "notice", "notice", "data:image/png;base64", "notice"}));
-}
 
-TEST(HistoryUpkeep, APictureRewrittenInPlaceIsReadAfresh)
-{
-    QTemporaryDir folder;
-    const QString path = folder.filePath("shot.png");
-    const auto writeShot = [&](const QByteArray &bytes) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes);
-    };
-    const JSON::Array items{screenshotOutput("s", QUrl::fromLocalFile(path).toString())};
-    const auto sentURL = [&] { return (*attachingScreenshots(items, 3)[0].arrayAt("output"))[1].stringAt("image_url"); };
-
-    writeShot("first");
-    EXPECT_EQ(sentURL(), "data:image/png;base64," + QByteArray("first").toBase64());
-    writeShot("second picture");
+    // A picture rewritten in place is read afresh; one removed since is left out.
+    const auto sentURL = [&] { return (*attachingScreenshots(items, 3)[6].arrayAt("output"))[1].stringAt("image_url"); };
+    writeShot(4, "second picture");
     EXPECT_EQ(sentURL(), "data:image/png;base64," + QByteArray("second picture").toBase64());
-    QFile::remove(path);
+    QFile::remove(folder.filePath("shot4.png"));
     EXPECT_EQ(sentURL(), std::nullopt);
 }
 
