@@ -36,40 +36,29 @@ protected:
 
 } // namespace
 
-TEST_F(AgentConfigTest, TheSavedKeyWinsOverTheEnvironment)
+TEST_F(AgentConfigTest, TheSavedKeyWinsOverTheEnvironmentAndBlankOrNonTextKeysCountAsNone)
 {
+    qputenv("OPENAI_API_KEY", " \t\n");
+    EXPECT_FALSE(AgentConfig::environmentKey());
     qputenv("OPENAI_API_KEY", "  sk-env\n");
-    EXPECT_EQ(AgentConfig::environmentKey(), "sk-env");
     EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
 
     AgentConfig::saveAPIKey(QStringLiteral(" sk-saved \n"));
     EXPECT_EQ(AgentConfig::savedKey(), "sk-saved");
     EXPECT_EQ(AgentConfig::effectiveKey(), "sk-saved");
-
     AgentConfig::saveAPIKey(std::nullopt);
-    EXPECT_FALSE(AgentConfig::savedKey());
-    EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
-}
-
-TEST_F(AgentConfigTest, BlankKeysAndKeyFilesThatArentTextCountAsNone)
-{
-    qputenv("OPENAI_API_KEY", " \t\n");
-    EXPECT_FALSE(AgentConfig::environmentKey());
-
-    qputenv("OPENAI_API_KEY", "sk-env");
-    writeKeyFile(" \n\n");
-    EXPECT_FALSE(AgentConfig::savedKey());
     EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
 
-    writeKeyFile("sk-\xff\xfe");
-    EXPECT_FALSE(AgentConfig::savedKey()) << "not text";
+    for (const QByteArray &none : {QByteArray(" \n\n"), QByteArray("sk-\xff\xfe")}) {
+        writeKeyFile(none);
+        EXPECT_FALSE(AgentConfig::savedKey()) << none.toStdString();
+        EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
+    }
     writeKeyFile("sk-file\n");
     EXPECT_EQ(AgentConfig::savedKey(), "sk-file");
-
     // Blank text removes the saved key.
     AgentConfig::saveAPIKey(QStringLiteral("   "));
     EXPECT_FALSE(QFile::exists(AgentConfig::keyPath()));
-    EXPECT_EQ(AgentConfig::effectiveKey(), "sk-env");
 }
 
 TEST_F(AgentConfigTest, TheKeyFileIsTheOwnersAloneWhateverTheUmask)

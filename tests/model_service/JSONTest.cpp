@@ -7,27 +7,22 @@
 
 using zentoro::JSON;
 
-TEST(JSON, IntegralNumbersBelowTheLimitEncodeAsIntegers)
+TEST(JSON, NumbersEncodeAsIntegersBelowTheLimitAndNaNOrInfinityFailTheWholeDocument)
 {
-    EXPECT_EQ(JSON::number(2.0).encode(), "2");
-    EXPECT_EQ(JSON::number(2.5).encode(), "2.5");
-    EXPECT_EQ(JSON::number(-0.0).encode(), "0");
-    EXPECT_EQ(JSON::number(999999999999999.0).encode(), "999999999999999");
-    EXPECT_EQ(JSON::number(-999999999999999.0).encode(), "-999999999999999");
-    EXPECT_EQ(JSON::number(1e15).encode(), "1e+15");
-    EXPECT_EQ(JSON::number(-1e15).encode(), "-1e+15");
-    EXPECT_EQ(JSON::number(1e300).encode(), "1e+300");
+    const std::pair<double, const char *> cases[]{{2.0, "2"}, {2.5, "2.5"}, {-0.0, "0"},
+                                                  {999999999999999.0, "999999999999999"},
+                                                  {-999999999999999.0, "-999999999999999"}, {1e15, "1e+15"},
+                                                  {-1e15, "-1e+15"}, {1e300, "1e+300"}};
+    for (const auto &[number, text] : cases)
+        EXPECT_EQ(JSON::number(number).encode(), text);
     EXPECT_EQ(JSON(42).encode(), "42");
-}
 
-TEST(JSON, NaNAndInfinityFailTheWholeDocument)
-{
     const JSON nan = JSON::object({{"a", JSON::array({1, JSON::number(std::nan(""))})}});
     EXPECT_THROW(nan.encode(), JSON::Error);
     EXPECT_THROW(JSON::number(std::numeric_limits<double>::infinity()).encode(), JSON::Error);
 }
 
-TEST(JSON, DecodingKeepsCasesApart)
+TEST(JSON, DecodingAndReadingKeepCasesApart)
 {
     EXPECT_EQ(JSON::decode("1"), JSON::decode("1.0"));
     EXPECT_EQ(JSON::decode("1").kind(), JSON::Kind::Number);
@@ -37,10 +32,14 @@ TEST(JSON, DecodingKeepsCasesApart)
     EXPECT_NE(JSON::decode("0"), JSON(false));
     EXPECT_NE(JSON::decode("null"), JSON::decode("0"));
 
-    const JSON object = JSON::decode(R"({"present": null})");
+    const JSON object = JSON::decode(R"({"present": null, "n": 1, "s": "x"})");
     ASSERT_NE(object.find("present"), nullptr);
     EXPECT_TRUE(object.find("present")->isNull());
     EXPECT_EQ(object.find("absent"), nullptr);
+    EXPECT_FALSE(object.stringAt("n"));
+    EXPECT_FALSE(object.numberAt("s"));
+    EXPECT_EQ(object.arrayAt("s"), nullptr);
+    EXPECT_EQ(JSON("text").find("n"), nullptr);
 }
 
 TEST(JSON, ObjectFromPairsKeepsTheLastOfARepeatedKey)
@@ -54,15 +53,13 @@ TEST(JSON, ObjectFromPairsKeepsTheLastOfARepeatedKey)
 
 TEST(JSON, CopiesAreIndependentValues)
 {
-    JSON original = JSON::object({{"list", JSON::array({1, 2})}});
+    const JSON original = JSON::object({{"list", JSON::array({1, 2})}});
     JSON copy = original;
     JSON list = *copy.find("list");
     list.append(3);
     copy.set("list", list);
-    copy.set("new", true);
     EXPECT_EQ(original, JSON::object({{"list", JSON::array({1, 2})}}));
     EXPECT_EQ(copy.arrayAt("list")->size(), 3u);
-    EXPECT_NE(original, copy);
 }
 
 TEST(JSON, StringsRoundTripEscapesAndUnicode)
@@ -92,13 +89,4 @@ TEST(JSON, DocumentsRoundTripWithSortedKeys)
     const JSON value = JSON::decode(text);
     EXPECT_EQ(value.encode(), R"({"a":{"y":[],"z":{}},"b":[1,2.5,-3,true,false,null,"s"],"c":1e-07})");
     EXPECT_EQ(JSON::decode(value.encode()), value);
-}
-
-TEST(JSON, ReadingByCaseTreatsOtherCasesAsAbsent)
-{
-    const JSON value = JSON::object({{"n", 1}, {"s", "x"}});
-    EXPECT_FALSE(value.stringAt("n"));
-    EXPECT_FALSE(value.numberAt("s"));
-    EXPECT_EQ(value.arrayAt("s"), nullptr);
-    EXPECT_EQ(JSON("text").find("n"), nullptr);
 }

@@ -36,101 +36,77 @@ JSON::Array arrayOf(const QList<JSON> &list)
     return JSON::Array(list.begin(), list.end());
 }
 
-QStringList keys(const JSON &object)
+// What every request carries, with `input` and the path's own keys.
+JSON expected(const JSON &body, const QList<JSON> &input, std::initializer_list<std::pair<QString, JSON>> own)
 {
-    QStringList names;
-    for (const auto &entry : *object.objectValue())
-        names.append(entry.first);
-    return names;
+    JSON whole = JSON::object({{"include", JSON::array({"reasoning.encrypted_content"})},
+                               {"input", JSON(arrayOf(input))},
+                               {"instructions", body.stringAt("instructions").value_or("")},
+                               {"model", "gpt-6.1-sol"},
+                               {"prompt_cache_key", "6F1C2A9E-0B7D-4C55-9A1E-3D2F8B7C6A10"},
+                               {"stream", true},
+                               {"tools", ModelRequest::tools()}});
+    for (const auto &[key, value] : own)
+        whole.set(key, value);
+    return whole;
 }
 
-const JSON *tool(const QString &name)
+const JSON &parameters(const QString &name)
 {
     for (const JSON &function : *ModelRequest::functions().arrayValue()) {
         if (function.stringAt("name") == name)
-            return &function;
+            return *function.find("parameters");
     }
-    return nullptr;
+    throw std::runtime_error("no such function");
 }
 
 } // namespace
 
-TEST_F(ModelRequestTest, TheAPIKeyPathChainsToThePreviousResponseWhenThereIsOne)
+TEST_F(ModelRequestTest, TheAPIKeyPathChainsToThePreviousResponseAndThePlanPathSendsEverythingUnstored)
 {
-    const JSON body = ModelRequest::body(Provider::APIKey, history, pending, QStringLiteral("resp_1"), conversation);
-    EXPECT_EQ(keys(body), (QStringList{"include", "input", "instructions", "model", "previous_response_id",
-                                       "prompt_cache_key", "stream", "tools", "truncation"}));
-    EXPECT_EQ(*body.find("input"), JSON(arrayOf(pending)));
-    EXPECT_EQ(body.stringAt("previous_response_id"), "resp_1");
-    EXPECT_EQ(body.stringAt("truncation"), "auto");
-    EXPECT_EQ(body.stringAt("model"), "gpt-6.1-sol");
-    EXPECT_EQ(body.boolAt("stream"), true);
-    EXPECT_EQ(*body.find("include"), JSON::array({"reasoning.encrypted_content"}));
-    EXPECT_EQ(body.stringAt("prompt_cache_key"), "6F1C2A9E-0B7D-4C55-9A1E-3D2F8B7C6A10");
-    EXPECT_EQ(*body.find("tools"), ModelRequest::tools());
-
-    // Without a previous response, everything goes.
-    const JSON whole = ModelRequest::body(Provider::APIKey, history, pending, std::nullopt, conversation);
-    EXPECT_EQ(*whole.find("input"), JSON(arrayOf(history + pending)));
-    EXPECT_FALSE(whole.find("previous_response_id"));
-    EXPECT_FALSE(whole.find("store"));
-}
-
-TEST_F(ModelRequestTest, ThePlanPathSendsEverythingAndStoresNothing)
-{
-    // A response id left from the API-key path doesn't chain a plan request.
-    const JSON body = ModelRequest::body(Provider::ChatGPT, history, pending, QStringLiteral("resp_1"), conversation);
-    EXPECT_EQ(keys(body), (QStringList{"include", "input", "instructions", "model", "prompt_cache_key", "store",
-                                       "stream", "tools"}));
-    EXPECT_EQ(*body.find("input"), JSON(arrayOf(history + pending)));
-    EXPECT_EQ(body.boolAt("store"), false);
-}
-
-TEST_F(ModelRequestTest, ReasoningEffortIsSentOnlyWhenSet)
-{
+    // No reasoning key while the effort is unset.
     Defaults::setValue("reasoningEffort", "");
-    EXPECT_FALSE(ModelRequest::body(Provider::APIKey, {}, pending, std::nullopt, conversation).find("reasoning"));
+    const JSON chained = ModelRequest::body(Provider::APIKey, history, pending, QStringLiteral("resp_1"), conversation);
+    EXPECT_EQ(chained, expected(chained, pending, {{"previous_response_id", "resp_1"}, {"truncation", "auto"}}));
+    const JSON whole = ModelRequest::body(Provider::APIKey, history, pending, std::nullopt, conversation);
+    EXPECT_EQ(whole, expected(whole, history + pending, {{"truncation", "auto"}}));
+    // A response id left from the API-key path doesn't chain a plan request.
+    const JSON plan = ModelRequest::body(Provider::ChatGPT, history, pending, QStringLiteral("resp_1"), conversation);
+    EXPECT_EQ(plan, expected(plan, history + pending, {{"store", false}}));
+    EXPECT_FALSE(plan.stringAt("instructions").value_or("").isEmpty());
+
     Defaults::setValue("reasoningEffort", "high");
-    EXPECT_EQ(*ModelRequest::body(Provider::ChatGPT, {}, pending, std::nullopt, conversation).find("reasoning"),
-              JSON::object({{"effort", "high"}}));
     Defaults::setValue("model", "gpt-test");
-    EXPECT_EQ(ModelRequest::body(Provider::ChatGPT, {}, pending, std::nullopt, conversation).stringAt("model"),
-              "gpt-test");
+    const JSON tuned = ModelRequest::body(Provider::ChatGPT, {}, pending, std::nullopt, conversation);
+    EXPECT_EQ(tuned, expected(tuned, pending,
+                              {{"store", false}, {"model", "gpt-test"}, {"reasoning", JSON::object({{"effort", "high"}})}}));
 }
 
-TEST_F(ModelRequestTest, TheCatalogIsOneNamespaceOfNineStrictFunctions)
+TEST_F(ModelRequestTest, TheCatalogIsOneNamespaceOfNineStrictFunctionsRequiringEveryProperty)
 {
     const JSON::Array &catalog = *ModelRequest::tools().arrayValue();
     ASSERT_EQ(catalog.size(), 1u);
     EXPECT_EQ(catalog[0].stringAt("type"), "namespace");
     EXPECT_EQ(catalog[0].stringAt("name"), "zentoro");
     EXPECT_EQ(*catalog[0].find("tools"), ModelRequest::functions());
-
     QStringList names;
     for (const JSON &function : *ModelRequest::functions().arrayValue()) {
-        names.append(*function.stringAt("name"));
+        names.append(function.stringAt("name").value_or(""));
         EXPECT_EQ(function.boolAt("strict"), true);
         EXPECT_EQ(function.stringAt("type"), "function");
-        const JSON *parameters = function.find("parameters");
-        ASSERT_TRUE(parameters);
-        EXPECT_EQ(parameters->boolAt("additionalProperties"), false);
-        EXPECT_EQ(parameters->arrayAt("required")->size(), parameters->objectAt("properties")->size());
+        const JSON &parameters = *function.find("parameters");
+        EXPECT_EQ(parameters.boolAt("additionalProperties"), false);
+        EXPECT_EQ(parameters.arrayAt("required")->size(), parameters.objectAt("properties")->size());
     }
     EXPECT_EQ(names, (QStringList{"list_files", "read_file", "write_file", "edit_file", "delete_file", "build",
                                   "screenshot", "read_log", "restart_app"}));
-}
-
-TEST_F(ModelRequestTest, FunctionsRequireEveryPropertyInSortedOrder)
-{
-    EXPECT_EQ(*tool("edit_file")->find("parameters")->find("required"), JSON::array({"new_text", "old_text", "path"}));
-    EXPECT_EQ(*tool("write_file")->find("parameters")->find("required"), JSON::array({"content", "path"}));
-    // Without properties there is still an empty list.
-    EXPECT_EQ(*tool("build")->find("parameters"),
-              JSON::object({{"type", "object"},
-                            {"properties", JSON::object()},
-                            {"required", JSON::array()},
-                            {"additionalProperties", false}}));
-    const JSON which = *tool("read_log")->find("parameters")->find("properties")->find("which");
+    // Sorted, and an empty list when there are no properties.
+    EXPECT_EQ(*parameters("edit_file").find("required"), JSON::array({"new_text", "old_text", "path"}));
+    EXPECT_EQ(parameters("build"), JSON::object({{"type", "object"},
+                                                 {"properties", JSON::object()},
+                                                 {"required", JSON::array()},
+                                                 {"additionalProperties", false}}));
+    const JSON which = *parameters("read_log").find("properties")->find("which");
     EXPECT_EQ(*which.find("enum"), JSON::array({"current", "previous", "crash"}));
     EXPECT_EQ(which.stringAt("type"), "string");
 }
