@@ -182,7 +182,7 @@ TEST(HistoryUpkeep, AWholeRequestFollowsEveryChangeToTheHistory)
     }
 }
 
-TEST(HistoryUpkeep, TheCutFallsNearestTheMiddleWhereTheStructureAllows)
+TEST(HistoryUpkeep, TheCutFallsNearestTheMiddleWhereTheStructureAllowsOne)
 {
     QList<JSON> history;
     for (int i = 0; i < 10; ++i)
@@ -203,10 +203,8 @@ TEST(HistoryUpkeep, TheCutFallsNearestTheMiddleWhereTheStructureAllows)
     QList<JSON> evenly{text("0"), text("1"), text("2"), reasoning(), text("4"), text("5")};
     ASSERT_TRUE(trimHistory(evenly, {}));
     EXPECT_EQ(evenly.mid(1), (QList<JSON>{text("4"), text("5")}));
-}
 
-TEST(HistoryUpkeep, SomeHistoriesCantBeCut)
-{
+    // Some histories can't be cut at all.
     QList<JSON> empty;
     EXPECT_FALSE(trimHistory(empty, {}));
     QList<JSON> one{text("only")};

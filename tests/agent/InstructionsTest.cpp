@@ -2,8 +2,7 @@
 #include "agent/Instructions.h"
 #include "runtime/Workspace.h"
 
-#include "support/Await.h"
-#include "support/FakeAgent.h"
+#include "RunHarness.h"
 #include "support/Files.h"
 
 #include <QDir>
@@ -98,15 +97,11 @@ TEST(Instructions, AgesReadAsPeopleSayThem)
 // How the waiting notes reach the model with the next message is the agent loop's to show.
 TEST(Instructions, NotesShowAtOnceAndWaitForTheNextMessage)
 {
-    AgentOperations ops = test::fakeOperations();
-    int saves = 0;
-    ops.save = [&] { ++saves; };
-    Agent agent(ops);
-    agent.load(Agent::Saved{}); // whatever an earlier test left to restore
-
+    test::RunHarness harness;
+    Agent &agent = harness.agent;
     agent.note("Version 3 crashed; back to version 2.", "Version 3 crashed while starting.");
     agent.note("You went back to version 1.", "The user went back to version 1.");
-    EXPECT_EQ(saves, 2);
+    EXPECT_EQ(harness.saves, 2);
     EXPECT_EQ(test::rowTexts(agent), (QStringList{"event: Version 3 crashed; back to version 2.",
                                                   "event: You went back to version 1."}));
     EXPECT_EQ(agent.notes, (QStringList{"Version 3 crashed while starting.", "The user went back to version 1."}));
