@@ -1,19 +1,18 @@
+import Testing
 import ZentoroHostInterface
 @testable import SwiftUI
 
 /// A host with deterministic text metrics that records what the kit draws. Every character
 /// is 0.6 em wide, every line 1.25 em high, and lines break between words.
 final class HostDouble {
-    struct DrawnText { var string: String; var rect: CGRect; var color: ZentoroColor; var size: Double; var weight: Int32 }
+    struct DrawnText { var string: String; var rect: CGRect; var color: ZentoroColor; var weight: Int32 }
     struct Fill { var bounds: CGRect; var paint: ZentoroPaint }
-    struct Field { var identifier: Int64; var rect: CGRect; var text: String; var prompt: String; var flags: Int32 }
+    struct Field { var identifier: Int64; var text: String; var prompt: String; var flags: Int32 }
 
     var texts: [DrawnText] = []
     var fills: [Fill] = []
     var strokes: [CGRect] = []
-    var symbols: [(name: String, rect: CGRect)] = []
     var fields: [Field] = []
-    var redrawRequests = 0
     /// Every text the kit asked the double to measure, and a factor for widths that stands in
     /// for the host's fonts changing.
     var measuredStrings: [String] = []
@@ -25,28 +24,24 @@ final class HostDouble {
 
     /// Lines of a paragraph broken at spaces to fit `maxWidth`.
     static func lines(_ string: String, size: Double, maxWidth: Double) -> [String] {
-        guard maxWidth >= 0 else { return string.components(separatedBy: "\n") }
-        var lines: [String] = []
-        for paragraph in string.components(separatedBy: "\n") {
-            var line = ""
+        string.components(separatedBy: "\n").flatMap { paragraph -> [String] in
+            guard maxWidth >= 0 else { return [paragraph] }
+            var lines = [""]
             for word in paragraph.split(separator: " ", omittingEmptySubsequences: false).map(String.init) {
-                let candidate = line.isEmpty ? word : line + " " + word
-                if !line.isEmpty && width(candidate, size: size) > maxWidth {
-                    lines.append(line)
-                    line = word
-                } else {
-                    line = candidate
-                }
+                let line = lines.removeLast(), candidate = line.isEmpty ? word : line + " " + word
+                lines += !line.isEmpty && width(candidate, size: size) > maxWidth ? [line, word] : [candidate]
             }
-            lines.append(line)
+            return lines
         }
-        return lines
     }
 
+    static func runs(_ text: UnsafePointer<ZentoroText>) -> UnsafeBufferPointer<ZentoroTextRun> {
+        UnsafeBufferPointer(start: text.pointee.runs, count: Int(text.pointee.runCount))
+    }
+    static func string(_ text: UnsafePointer<ZentoroText>) -> String { runs(text).map { String(cString: $0.utf8) }.joined() }
+
     static func measure(_ text: UnsafePointer<ZentoroText>, maxWidth: Double) -> CGSize {
-        let runs = UnsafeBufferPointer(start: text.pointee.runs, count: Int(text.pointee.runCount))
-        let string = runs.map { String(cString: $0.utf8) }.joined()
-        let size = runs.map(\.font.size).max() ?? 13
+        let string = Self.string(text), size = runs(text).map(\.font.size).max() ?? 13
         var lines = Self.lines(string, size: size, maxWidth: maxWidth)
         if text.pointee.lineLimit > 0 { lines = Array(lines.prefix(Int(text.pointee.lineLimit))) }
         let width = lines.map { Self.width($0, size: size) }.max() ?? 0
@@ -58,8 +53,7 @@ final class HostDouble {
         host.context = Unmanaged.passUnretained(self).toOpaque()
         host.measureText = { context, text, maxWidth, width, height in
             let double = HostDouble.of(context)
-            let runs = UnsafeBufferPointer(start: text!.pointee.runs, count: Int(text!.pointee.runCount))
-            double.measuredStrings.append(runs.map { String(cString: $0.utf8) }.joined())
+            double.measuredStrings.append(HostDouble.string(text!))
             let size = HostDouble.measure(text!, maxWidth: maxWidth / double.widthScale)
             width!.pointee = size.width * double.widthScale
             height!.pointee = size.height
@@ -74,31 +68,21 @@ final class HostDouble {
         host.multiplyOpacity = { _, _ in }
         host.clipPath = { _, _ in }
         host.fillPath = { context, path, paint in
-            let double = HostDouble.of(context)
-            double.fills.append(Fill(bounds: double.bounds(path!), paint: paint!.pointee))
+            HostDouble.of(context).fills.append(Fill(bounds: HostDouble.of(context).bounds(path!), paint: paint!.pointee))
         }
-        host.strokePath = { context, path, _, _ in
-            let double = HostDouble.of(context)
-            double.strokes.append(double.bounds(path!))
-        }
+        host.strokePath = { context, path, _, _ in HostDouble.of(context).strokes.append(HostDouble.of(context).bounds(path!)) }
         host.shadowPath = { _, _, _, _, _, _ in }
         host.drawText = { context, text, rect in
-            let double = HostDouble.of(context)
-            let runs = UnsafeBufferPointer(start: text!.pointee.runs, count: Int(text!.pointee.runCount))
-            let string = runs.map { String(cString: $0.utf8) }.joined()
-            double.texts.append(DrawnText(string: string, rect: double.shifted(rect), color: runs.first?.paint.color ?? ZentoroColor(),
-                                          size: runs.first?.font.size ?? 0, weight: runs.first?.font.weight ?? 0))
+            let double = HostDouble.of(context), runs = HostDouble.runs(text!)
+            double.texts.append(DrawnText(string: HostDouble.string(text!), rect: double.shifted(rect),
+                                          color: runs.first?.paint.color ?? ZentoroColor(), weight: runs.first?.font.weight ?? 0))
         }
-        host.drawSymbol = { context, name, rect, _ in
-            let double = HostDouble.of(context)
-            double.symbols.append((String(cString: name!), double.shifted(rect)))
+        host.drawSymbol = { _, _, _, _ in }
+        host.placeTextField = { context, identifier, _, text, prompt, _, flags in
+            HostDouble.of(context).fields.append(Field(identifier: identifier, text: String(cString: text!),
+                                                       prompt: String(cString: prompt!), flags: flags))
         }
-        host.placeTextField = { context, identifier, rect, text, prompt, _, flags in
-            let double = HostDouble.of(context)
-            double.fields.append(Field(identifier: identifier, rect: double.shifted(rect), text: String(cString: text!),
-                                       prompt: String(cString: prompt!), flags: flags))
-        }
-        host.requestRedraw = { HostDouble.of($0).redrawRequests += 1 }
+        host.requestRedraw = { _ in }
     }
 
     static func of(_ context: UnsafeMutableRawPointer?) -> HostDouble {
@@ -110,13 +94,12 @@ final class HostDouble {
     }
     private func bounds(_ path: UnsafePointer<ZentoroPath>) -> CGRect {
         let elements = UnsafeBufferPointer(start: path.pointee.elements, count: Int(path.pointee.count))
-        var points: [ZentoroPoint] = []
-        for e in elements {
+        let points = elements.compactMap { e -> ZentoroPoint? in
             switch Int(e.op) {
-            case Int(ZENTORO_PATH_MOVE), Int(ZENTORO_PATH_LINE): points.append(e.points.0)
-            case Int(ZENTORO_PATH_QUAD): points += [e.points.1]
-            case Int(ZENTORO_PATH_CUBIC): points += [e.points.2]
-            default: break
+            case Int(ZENTORO_PATH_MOVE), Int(ZENTORO_PATH_LINE): return e.points.0
+            case Int(ZENTORO_PATH_QUAD): return e.points.1
+            case Int(ZENTORO_PATH_CUBIC): return e.points.2
+            default: return nil
             }
         }
         guard !points.isEmpty else { return .zero }
@@ -146,12 +129,9 @@ final class Hosted {
         hostStorage.deallocate()
     }
 
-    func render() {
-        render(clip: nil)
-    }
-    /// Draws only what meets `clip`, as a host repainting part of its window does.
-    func render(clip: CGRect?) {
-        double.texts = []; double.fills = []; double.strokes = []; double.symbols = []; double.fields = []
+    /// Draws the view, or only what meets `clip` as a host repainting part of its window does.
+    func render(clip: CGRect? = nil) {
+        double.texts = []; double.fills = []; double.strokes = []; double.fields = []
         // As the window does, take what changed before painting.
         _ = update()
         if let clip {
@@ -171,26 +151,23 @@ final class Hosted {
         }
     }
     var graph: ViewGraph { Unmanaged<RootView>.fromOpaque(view).takeUnretainedValue().graph }
-    func press(_ string: String) {
-        guard let rect = text(string)?.rect else { Issue.record("no text \(string) among \(strings)"); return }
-        _ = _zentoroViewPointer(view, 0, rect.midX, rect.midY, 0, 1)
-        _ = _zentoroViewPointer(view, 2, rect.midX, rect.midY, 0, 1)
-    }
-    func resize(_ width: Double, _ height: Double) {
-        _zentoroViewSetSize(view, width, height)
-        render()
-    }
     func text(_ string: String) -> HostDouble.DrawnText? { double.texts.first { $0.string == string } }
     var strings: [String] { double.texts.map(\.string) }
 
-    func click(_ point: CGPoint, count: Int = 1) {
+    /// A click at `point` or on a text, that the view has not yet been redrawn for.
+    func press(_ point: CGPoint, count: Int = 1) {
         _ = _zentoroViewPointer(view, 0, point.x, point.y, 0, Int32(count))
         _ = _zentoroViewPointer(view, 2, point.x, point.y, 0, Int32(count))
-        render()
     }
-    func click(_ string: String, count: Int = 1) {
+    func press(_ string: String, count: Int = 1) {
         guard let rect = text(string)?.rect else { Issue.record("no text \(string) among \(strings)"); return }
-        click(CGPoint(x: rect.midX, y: rect.midY), count: count)
+        press(CGPoint(x: rect.midX, y: rect.midY), count: count)
+    }
+    func click(_ point: CGPoint, count: Int = 1) { press(point, count: count); render() }
+    func click(_ string: String, count: Int = 1) { press(string, count: count); render() }
+    func expectShown(_ wanted: String..., sourceLocation: SourceLocation = #_sourceLocation) {
+        let missing = wanted.filter { !strings.contains($0) }
+        #expect(missing.isEmpty, "no \(missing) among \(strings)", sourceLocation: sourceLocation)
     }
     func drag(from a: CGPoint, to b: CGPoint, steps: Int = 4) {
         _ = _zentoroViewPointer(view, 0, a.x, a.y, 0, 1)
@@ -207,20 +184,6 @@ final class Hosted {
     }
 }
 
-import Testing
-
-func checkEqual<T: Equatable>(_ a: T, _ b: T, _ comment: String = "", sourceLocation: SourceLocation = #_sourceLocation) {
-    #expect(a == b, "\(comment)", sourceLocation: sourceLocation)
-}
 func checkEqual(_ a: CGFloat, _ b: CGFloat, accuracy: CGFloat, _ comment: String = "", sourceLocation: SourceLocation = #_sourceLocation) {
     #expect(abs(a - b) <= accuracy, "\(a) is not \(b) \(comment)", sourceLocation: sourceLocation)
-}
-func checkNotNil<T>(_ value: T?, _ comment: String = "", sourceLocation: SourceLocation = #_sourceLocation) {
-    #expect(value != nil, "\(comment)", sourceLocation: sourceLocation)
-}
-func checkGreaterThan<T: Comparable>(_ a: T, _ b: T, sourceLocation: SourceLocation = #_sourceLocation) {
-    #expect(a > b, sourceLocation: sourceLocation)
-}
-func checkLessThanOrEqual<T: Comparable>(_ a: T, _ b: T, sourceLocation: SourceLocation = #_sourceLocation) {
-    #expect(a <= b, sourceLocation: sourceLocation)
 }

@@ -25,11 +25,20 @@ private struct Dragger: View {
     }
 }
 
-private struct Taps: View {
+/// A stroked outline over a button, and a ring and texts that take taps.
+private struct Pointers: View {
+    @State var presses = 0
+    @State var ringTaps = 0
     @State var singles = 0
     @State var doubles = 0
     var body: some View {
         VStack {
+            Button("pressed \(presses)") { presses += 1 }
+                .frame(width: 120, height: 40)
+                .overlay(RoundedRectangle(cornerRadius: 8).stroke(Color.blue, lineWidth: 2))
+            Circle().stroke(lineWidth: 4).frame(width: 60, height: 60)
+                .onTapGesture { ringTaps += 1 }
+            Text("ring \(ringTaps)")
             Text("double \(doubles)").onTapGesture(count: 2) { doubles += 1 }
             Text("single \(singles)").onTapGesture { singles += 1 }
         }
@@ -95,94 +104,65 @@ private struct Styled: View {
 }
 
 private struct Todo: Identifiable { let id = UUID(); var title: String; var done = false }
-private struct Todos: View {
+private struct Stores: View {
     @State var todos = [Todo(title: "one"), Todo(title: "two")]
+    @AppStorage("launches") var launches = 0
     var body: some View {
         VStack {
             ForEach($todos) { $todo in
                 Button("\(todo.title) \(todo.done ? "done" : "open")") { todo.done.toggle() }
             }
-        }
-    }
-}
-
-private struct Stored: View {
-    @AppStorage("launches") var launches = 0
-    var body: some View { Button("launches \(launches)") { launches += 1 } }
-}
-
-private struct Ringed: View {
-    @State var presses = 0
-    @State var ringTaps = 0
-    var body: some View {
-        VStack {
-            Button("pressed \(presses)") { presses += 1 }
-                .frame(width: 120, height: 40)
-                .overlay(RoundedRectangle(cornerRadius: 8).stroke(Color.blue, lineWidth: 2))
-            Circle().stroke(lineWidth: 4).frame(width: 60, height: 60)
-                .onTapGesture { ringTaps += 1 }
-            Text("ring \(ringTaps)")
+            Button("launches \(launches)") { launches += 1 }
         }
     }
 }
 
 @MainActor @Suite struct InteractionTests {
-    @Test func strokesDrawnOverAControlLetItsClicksThroughUnlessTheyHaveATapGesture() {
-        let hosted = Hosted(Ringed(), width: 300, height: 300)
+    @Test func clicksReachTapGesturesByCountAndPassThroughStrokesWithoutOne() {
+        let hosted = Hosted(Pointers(), width: 300, height: 300)
         hosted.click("pressed 0")
-        checkNotNil(hosted.text("pressed 1"), "\(hosted.strings)")
         let ring = hosted.double.strokes.first { $0.width == $0.height }!
         hosted.click(CGPoint(x: ring.midX, y: ring.midY))
-        checkNotNil(hosted.text("ring 1"), "\(hosted.strings)")
-    }
-
-    @Test func textFieldsReportTheirTextAndSubmitAndFollowFocus() {
-        let hosted = Hosted(Form1())
-        let field = hosted.double.fields.first!
-        checkEqual(field.prompt, "Name")
-        checkEqual(field.flags & 2, 0)
-        hosted.type("Ada", into: field.identifier)
-        checkNotNil(hosted.text("typed Ada"))
-        checkEqual(hosted.double.fields.first!.text, "Ada")
-        _zentoroViewTextSubmitted(hosted.view, field.identifier)
-        hosted.render()
-        checkNotNil(hosted.text("sent Ada"))
-        hosted.click("Focus")
-        checkEqual(hosted.double.fields.first!.flags & 2, 2, "the kit asks the host to focus the field")
-        // The identifier stays the same across renders.
-        checkEqual(hosted.double.fields.first!.identifier, field.identifier)
+        hosted.click("single 0")
+        hosted.click("double 0", count: 1)
+        hosted.expectShown("pressed 1", "ring 1", "single 1", "double 0")
+        hosted.click("double 0", count: 2)
+        hosted.expectShown("double 1")
     }
 
     @Test func dragsReportTranslationAndEnd() {
         let hosted = Hosted(Dragger(), width: 200, height: 200)
         hosted.drag(from: CGPoint(x: 100, y: 100), to: CGPoint(x: 130, y: 80))
-        checkNotNil(hosted.text("30,-20 true"), "\(hosted.strings)")
+        hosted.expectShown("30,-20 true")
     }
 
-    @Test func tapCountsAreTold() {
-        let hosted = Hosted(Taps())
-        hosted.click("single 0")
-        hosted.click("double 0", count: 1)
-        checkNotNil(hosted.text("double 0"))
-        hosted.click("double 0", count: 2)
-        checkNotNil(hosted.text("double 1"))
-        checkNotNil(hosted.text("single 1"))
+    @Test func textFieldsReportTheirTextAndSubmitAndFollowFocus() {
+        let hosted = Hosted(Form1())
+        let field = hosted.double.fields.first!
+        #expect(field.prompt == "Name" && field.flags & 2 == 0)
+        hosted.type("Ada", into: field.identifier)
+        #expect(hosted.double.fields.first!.text == "Ada")
+        _zentoroViewTextSubmitted(hosted.view, field.identifier)
+        hosted.render()
+        hosted.expectShown("typed Ada", "sent Ada")
+        hosted.click("Focus")
+        #expect(hosted.double.fields.first!.flags & 2 == 2, "the kit asks the host to focus the field")
+        #expect(hosted.double.fields.first!.identifier == field.identifier, "the same field across renders")
     }
 
     @Test func appearChangeAndDisappearRunInOrder() {
         let hosted = Hosted(Lifecycle())
-        checkNotNil(hosted.text("log appear"), "onAppear's change shows in the first frame")
+        #expect(hosted.text("log appear") != nil, "onAppear's change shows in the first frame")
         hosted.click("bump")
-        checkNotNil(hosted.text("log appear,0>1"))
         hosted.click("hide")
-        checkNotNil(hosted.text("log appear,0>1,disappear"), "\(hosted.strings)")
+        hosted.expectShown("log appear,0>1,disappear")
     }
 
     @Test func switchAndIfLetChooseBranches() {
         let hosted = Hosted(Switcher())
-        checkNotNil(hosted.text("mode a")); checkNotNil(hosted.text("nobody"))
+        hosted.expectShown("mode a", "nobody")
         hosted.click("next")
-        checkNotNil(hosted.text("mode b")); checkNotNil(hosted.text("hi ada"))
+        hosted.expectShown("mode b", "hi ada")
         hosted.click("next")
         #expect(!hosted.strings.contains { $0.hasPrefix("mode") })
     }
@@ -190,7 +170,7 @@ private struct Ringed: View {
     @Test func customModifiersKeepStatePerUseAndButtonStylesSeeThePress() {
         let hosted = Hosted(Styled())
         hosted.click(hosted.double.texts.filter { $0.string == "card 0" }[1].rect.origin.applying(.init(translationX: 2, y: 2)))
-        checkEqual(hosted.strings.filter { $0.hasPrefix("card") }, ["card 0", "card 1"])
+        #expect(hosted.strings.filter { $0.hasPrefix("card") } == ["card 0", "card 1"])
         let styled = hosted.text("styled 0")!.rect
         _ = _zentoroViewPointer(hosted.view, 0, styled.midX, styled.midY, 0, 1)
         hosted.render()
@@ -198,24 +178,18 @@ private struct Ringed: View {
         #expect(pressedFill.red > 0.9 && pressedFill.blue < 0.3, "pressed: \(pressedFill)")
         _ = _zentoroViewPointer(hosted.view, 2, styled.midX, styled.midY, 0, 1)
         hosted.render()
-        checkNotNil(hosted.text("styled 1"))
+        hosted.expectShown("styled 1")
     }
 
-    @Test func forEachOverBindingsWritesIntoTheArray() {
-        let hosted = Hosted(Todos())
-        hosted.click("two open")
-        checkNotNil(hosted.text("two done"))
-        checkNotNil(hosted.text("one open"))
-    }
-
-    @Test func appStorageWritesTheStoreFromTheEnvironment() {
+    @Test func forEachOverBindingsAndAppStorageWriteThrough() {
         let suite = "dev.vantu.zentoro.kit-test.\(UUID().uuidString)"
         let store = UserDefaults(suiteName: suite)!
-        let hosted = Hosted(Stored().defaultAppStorage(store))
+        let hosted = Hosted(Stores().defaultAppStorage(store))
+        hosted.click("two open")
         hosted.click("launches 0")
-        checkNotNil(hosted.text("launches 1"))
-        checkEqual(store.integer(forKey: "launches"), 1)
-        checkEqual(UserDefaults.standard.integer(forKey: "launches"), 0)
+        hosted.expectShown("two done", "one open", "launches 1")
+        #expect(store.integer(forKey: "launches") == 1)
+        #expect(UserDefaults.standard.integer(forKey: "launches") == 0)
         store.removePersistentDomain(forName: suite)
     }
 
@@ -226,6 +200,6 @@ private struct Ringed: View {
         [1, 2, 2, 4, 5].forEach(subject.send)
         cancellable.cancel()
         subject.send(6)
-        checkEqual(seen, [20, 40])
+        #expect(seen == [20, 40])
     }
 }
