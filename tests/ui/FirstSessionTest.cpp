@@ -1,29 +1,21 @@
-// A person's first minutes with a new copy, through the real window: words typed into the
-// composer and sent with Return, the program's own agent against a fake of the model
-// service, the real Swift compiler and UI kit. The fake model writes an app, builds it,
-// takes a screenshot and answers; then the person goes back a version, resets to the
-// original app from the Develop menu, and restarts.
-//
-// The restart is played in this process: the window, the agent and the runtime are
-// destroyed and made again, in the start-up order, from the same copy on disk, as the new
-// process would make them. (The script that starts a real new process has tests of its own.)
+// A person's first minutes with a new copy, through the real window, the program's own agent
+// against a fake of the model service, and the real Swift compiler and UI kit: a request typed
+// and sent with Return, an app written, built and screenshot, then a version back, a reset from
+// the Develop menu, and a restart. The restart is played in this process: everything is made
+// again from the same copy on disk, in the start-up order a new process follows.
+#include "PanelHarness.h"
+
 #include "core/Defaults.h"
 #include "model_service/AgentConfig.h"
 #include "runtime/PluginContainerView.h"
 #include "support/Alert.h"
-#include "support/Await.h"
 #include "support/Files.h"
-#include "support/FakeAgent.h"
 #include "support/FakeResponsesServer.h"
-#include "ui/AgentPanel.h"
 #include "ui/Commands.h"
 #include "ui/Composer.h"
-#include "ui/LazyColumn.h"
 #include "ui/ZentoroApp.h"
 
-#include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -48,14 +40,8 @@ struct AppRoot: View {
 
     var body: some View {
         VStack(spacing: 24) {
-            Text("Tally")
-                .font(.largeTitle)
-            Text("\(count)")
-                .font(.system(size: 96, weight: .bold))
-            HStack(spacing: 16) {
-                Button("-") { count -= 1 }
-                Button("+") { count += 1 }
-            }
+            Text("Tally \(count)").font(.largeTitle)
+            Button("+") { count += 1 }
         }
         .frame(maxWidth: .infinity, maxHeight: .infinity)
         .background(Color(red: 0.80, green: 0.90, blue: 1.0))
@@ -83,20 +69,6 @@ bool showsTally(const MainWindow &window)
 {
     QWidget *content = window.host()->content();
     return content && near(content->grab().toImage().pixelColor(8, 8), tallyGround);
-}
-
-// The texts of a row's labels, the row's own included.
-QString shownText(QWidget *row)
-{
-    if (!row)
-        return {};
-    QList<QLabel *> labels = row->findChildren<QLabel *>();
-    if (auto *label = qobject_cast<QLabel *>(row))
-        labels.prepend(label);
-    QStringList texts;
-    for (const QLabel *label : labels)
-        texts << label->text();
-    return texts.join(u'\n');
 }
 
 class FirstSession : public ::testing::Test {
@@ -205,7 +177,7 @@ TEST_F(FirstSession, AskForAnAppGoBackResetAndRestart)
     EXPECT_EQ(items[5].text, reply);
 
     // What is on screen for each row.
-    EXPECT_TRUE(shownText(row(0)).contains(request));
+    EXPECT_TRUE(labelTexts(row(0)).contains(request));
     auto *written = qobject_cast<ToolRow *>(row(2));
     ASSERT_TRUE(written && written->head()->hasChevron());
     QTest::mouseClick(written->head(), Qt::LeftButton);
@@ -216,7 +188,7 @@ TEST_F(FirstSession, AskForAnAppGoBackResetAndRestart)
     ASSERT_TRUE(shot && items[4].imagePath);
     EXPECT_TRUE(shot->showsImage());
     EXPECT_TRUE(near(QImage(*items[4].imagePath).pixelColor(4, 4), tallyGround)) << "The screenshot isn't of the new app";
-    EXPECT_TRUE(shownText(row(5)).contains(QStringLiteral("it counts now")));
+    EXPECT_TRUE(labelTexts(row(5)).contains(QStringLiteral("it counts now")));
     // The model saw the screenshot with the last request. The key from the environment is the
     // bearer, and the service keeps the conversation: a later request carries only what is new.
     EXPECT_TRUE(server.requests().last().body.contains("input_image"));
