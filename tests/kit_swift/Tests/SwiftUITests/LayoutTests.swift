@@ -115,28 +115,4 @@ import ZentoroHostInterface
         #expect(dark[1] < 0.3, "a dark window")
         #expect(dark[2] == 1, "text turns light")
     }
-
-    @Test func unchangedTextIsMeasuredOnceUntilTheHostsFontsChange() {
-        struct Counter: View {
-            @State private var taps = 0
-            var body: some View {
-                VStack {
-                    Button("Tap \(taps)") { taps += 1 }
-                    Text("steady words")
-                }
-            }
-        }
-        let hosted = Hosted(Counter())
-        let before = hosted.text("steady words")!.rect
-        hosted.double.measuredStrings = []
-        hosted.click("Tap 0")
-        #expect(hosted.double.measuredStrings.contains("Tap 1"))
-        #expect(!hosted.double.measuredStrings.contains("steady words"), "an unchanged text keeps its size")
-        // The host sends its appearance again when its fonts change.
-        hosted.double.widthScale = 2
-        var accent = ZentoroColor(red: 0, green: 0.48, blue: 1, alpha: 1)
-        _zentoroViewSetAppearance(hosted.view, 0, &accent)
-        hosted.render()
-        checkEqual(hosted.text("steady words")!.rect.width, before.width * 2, accuracy: 0.5)
-    }
 }

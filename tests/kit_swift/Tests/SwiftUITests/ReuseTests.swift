@@ -46,6 +46,7 @@ private struct Tallies: View {
     @Test func aStateChangeRepaintsOnlyWhatChanged() {
         let hosted = Hosted(Grid(), width: 600, height: 400)
         let cell = hosted.text("c90")!.rect, counter = hosted.text("n0")!.rect
+        hosted.double.measuredStrings = []
         hosted.press("Taps 0")
         let damage = hosted.update()
         let area = try! #require(damage, "a click on one button does not repaint the whole view")
@@ -55,6 +56,8 @@ private struct Tallies: View {
         hosted.render(clip: area)
         #expect(hosted.text("Taps 1") != nil && hosted.text("n1") != nil)
         #expect(hosted.text("c90") == nil, "cells outside the repainted part are not drawn")
+        #expect(hosted.double.measuredStrings.contains("n1"))
+        #expect(!hosted.double.measuredStrings.contains("c95"), "an unchanged text beside a changed one keeps its size")
         hosted.render()
         #expect(hosted.strings.count == 102)
         #expect(hosted.update() == .null, "nothing changed since")
@@ -92,12 +95,16 @@ private struct Tallies: View {
         second.graph.rootElement!.forEach { #expect(!seen.contains(ObjectIdentifier($0))) }
         second.click("Taps 0")
         #expect(first.text("n0") != nil && second.text("n1") != nil)
-        // New fonts: nothing measured before is taken over.
+        // New fonts (the host sends its appearance again): nothing measured before is taken over.
         var before: [ObjectIdentifier] = []
         first.graph.rootElement!.forEach { if $0 is TextElement { before.append(ObjectIdentifier($0)) } }
+        let width = first.text("c0")!.rect.width
+        first.double.widthScale = 2
         var accent = ZentoroColor(red: 0, green: 0, blue: 1, alpha: 1)
         _zentoroViewSetAppearance(first.view, 0, &accent)
         #expect(first.update() == nil)
         first.graph.rootElement!.forEach { if $0 is TextElement { #expect(!before.contains(ObjectIdentifier($0))) } }
+        first.render()
+        checkEqual(first.text("c0")!.rect.width, width * 2, accuracy: 0.5)
     }
 }
