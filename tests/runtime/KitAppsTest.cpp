@@ -1,18 +1,14 @@
 #include "KitTestSupport.h"
 
 #include "support/Await.h"
-
-#include "runtime/KitHostView.h"
+#include "support/Files.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QTest>
-
-#include <dlfcn.h>
 
 #include <functional>
 #include <optional>
@@ -25,30 +21,14 @@ using namespace zentoro;
 // drags go to the view, and what the app shows is read back from its pixels.
 namespace {
 
-QString appSource(const QString &name)
-{
-    QFile file(QFileInfo(QStringLiteral(__FILE__)).dir().filePath(QStringLiteral("../kit_apps/%1/App.swift").arg(name)));
-    file.open(QIODevice::ReadOnly);
-    return QString::fromUtf8(file.readAll());
-}
-
 void *loadApp(const QString &name)
 {
-    return test::loadApp(QStringLiteral("Ref") + name, appSource(name));
+    const QString file = QFileInfo(QStringLiteral(__FILE__)).dir().filePath(QStringLiteral("../kit_apps/%1/App.swift").arg(name));
+    return test::loadApp(QStringLiteral("Ref") + name, test::readText(file));
 }
 
-struct Window {
-    QWidget container;
-    KitHostView *view;
-    explicit Window(void *handle, QSize size = {800, 600})
-    {
-        auto factory = reinterpret_cast<void *(*)()>(dlsym(handle, "zentoro_make_root_view"));
-        container.resize(size);
-        view = new KitHostView(handle, factory(), &container);
-        container.show();
-    }
-    QImage image() { return view->grab().toImage(); }
-    void click(QPoint at) { QTest::mouseClick(view, Qt::LeftButton, {}, at); }
+struct Window : test::KitWindow {
+    explicit Window(void *handle) : KitWindow(handle, {800, 600}) {}
     void send(QEvent::Type type, QPoint at, Qt::MouseButtons buttons)
     {
         QMouseEvent event(type, at, view->mapToGlobal(at), Qt::LeftButton, buttons, {});
@@ -65,26 +45,25 @@ struct Window {
 
 using Test = std::function<bool(QColor)>;
 
-// The first point, row by row, in `area` whose colour passes `test`.
-std::optional<QPoint> find(const QImage &image, const Test &test, QRect area)
+// The points, row by row, in `area` whose colour passes `test`.
+QList<QPoint> matching(const QImage &image, const Test &test, QRect area)
 {
+    QList<QPoint> points;
     area = area.intersected(image.rect());
     for (int y = area.top(); y <= area.bottom(); ++y)
         for (int x = area.left(); x <= area.right(); ++x)
             if (test(image.pixelColor(x, y)))
-                return QPoint(x, y);
-    return std::nullopt;
+                points.append(QPoint(x, y));
+    return points;
 }
 
-int count(const QImage &image, const Test &test, QRect area)
+std::optional<QPoint> find(const QImage &image, const Test &test, QRect area)
 {
-    int n = 0;
-    area = area.intersected(image.rect());
-    for (int y = area.top(); y <= area.bottom(); ++y)
-        for (int x = area.left(); x <= area.right(); ++x)
-            n += test(image.pixelColor(x, y)) ? 1 : 0;
-    return n;
+    const QList<QPoint> points = matching(image, test, area);
+    return points.isEmpty() ? std::nullopt : std::optional(points.first());
 }
+
+int count(const QImage &image, const Test &test, QRect area) { return int(matching(image, test, area).size()); }
 
 const Test green = [](QColor c) { return c.green() > 140 && c.red() < 110 && c.blue() < 130; };
 const Test red = [](QColor c) { return c.red() > 200 && c.green() < 90 && c.blue() < 90; };
@@ -158,7 +137,7 @@ TEST(KitApps, PomodoroRingFollowsTheSessionAndTheStartButtonRunsTheClock)
                                 std::chrono::seconds(4)));
 
     // Choosing the short break in the segmented picker paints the ring green and stops the clock.
-    const auto picker = find(first, [](QColor c) { return c.blue() > 150 && c.red() < 90; }, QRect(0, 0, 800, track->y()));
+    const auto picker = find(first, accent, QRect(0, 0, 800, track->y()));
     ASSERT_TRUE(picker.has_value()) << "the selected segment is drawn in the accent colour";
     window.click(QPoint(400, picker->y() + 6));
     EXPECT_TRUE(test::spinUntil([&] { return count(window.image(), red, QRect(300, track->y(), 200, 260)) == 0; }));

@@ -23,10 +23,6 @@ TEST(KitBuild, CachesTheKitPerCompilerWithTheFlagsAppsNeed)
     EXPECT_TRUE(QFile::exists(folder + QStringLiteral("/include/zentoro_host.h")));
     EXPECT_EQ(build.arguments, Kit::appArguments(folder));
     EXPECT_TRUE(build.arguments.contains(QStringLiteral("-lSwiftUI")));
-    // The finished kit stands under its own name. Test programs share the cache and may be
-    // building beside this one, so other folders may be there too.
-    const QStringList entries = QDir(Workspace::support() + QStringLiteral("/KitCache")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    EXPECT_TRUE(entries.contains(QFileInfo(folder).fileName()));
 
     // A second request finds the cache and does not run the compiler, so a bad path is no matter.
     const Kit::Build again = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Swift test")));
@@ -40,11 +36,6 @@ TEST(KitBuild, AFailedBuildSaysSoAndLeavesNoCache)
     EXPECT_TRUE(build.arguments.isEmpty());
     EXPECT_TRUE(build.error.startsWith(QStringLiteral("The UI kit didn't build"))) << build.error.toStdString();
     EXPECT_FALSE(QFile::exists(Kit::cacheFolder(QStringLiteral("missing"))));
-}
-
-TEST(KitBuild, VersionFollowsTheSourcesAndCompilerNamesAreMadeSafe)
-{
-    EXPECT_EQ(Kit::version().size(), 12);
-    EXPECT_EQ(Kit::version(), Kit::version());
+    // Compiler names become safe folder names.
     EXPECT_TRUE(Kit::cacheFolder(QStringLiteral("Swift 6.3.1 (x/y)")).endsWith(QStringLiteral("-Swift_6.3.1__x_y_")));
 }

@@ -1,9 +1,8 @@
 #include "KitTestSupport.h"
 
-#include "runtime/KitHostView.h"
+#include "support/Files.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QThreadPool>
 
@@ -28,15 +27,10 @@ bool rendersWithoutCrash(const QString &library)
     const pid_t child = fork();
     if (child == 0) {
         void *handle = dlopen(library.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL);
-        auto factory = handle ? reinterpret_cast<void *(*)()>(dlsym(handle, "zentoro_make_root_view")) : nullptr;
-        if (!factory)
+        if (!handle)
             _exit(2);
-        QWidget container;
-        container.resize(800, 600);
-        auto *view = new KitHostView(handle, factory(), &container);
-        container.show();
-        const bool painted = !view->grab().isNull() && view->error().isEmpty();
-        _exit(painted ? 0 : 3);
+        const test::KitWindow window(handle, {800, 600});
+        _exit(!window.image().isNull() && window.view->error().isEmpty() ? 0 : 3);
     }
     int status = 0;
     waitpid(child, &status, 0);
@@ -53,11 +47,9 @@ TEST(KitCorpus, MostProgramsCompileUnchangedAndRender)
     ASSERT_GE(programs.size(), 20);
     int working = 0;
     for (const QString &name : programs) {
-        QFile file(folder.filePath(name));
-        file.open(QIODevice::ReadOnly);
         QString error;
         const QString module = QStringLiteral("Corpus") + QFileInfo(name).baseName();
-        const QString library = test::buildApp(module, QString::fromUtf8(file.readAll()), &error);
+        const QString library = test::buildApp(module, test::readText(folder.filePath(name)), &error);
         if (library.isEmpty()) {
             std::cout << "  does not compile: " << name.toStdString() << "\n    "
                       << error.section(u'\n', 0, 2).toStdString() << "\n";

@@ -2,14 +2,13 @@
 
 #include "support/Await.h"
 
-#include "runtime/KitHostView.h"
-
 #include <QLineEdit>
 #include <QTest>
 
-#include <dlfcn.h>
-
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
 
 using namespace zentoro;
 
@@ -22,28 +21,14 @@ import SwiftUI
 
 struct AppRoot: View {
     @State private var count = 0
+    @State private var name = ""
     var body: some View {
         VStack(spacing: 0) {
             (count == 0 ? Color.red : Color.green).frame(width: 100, height: 50)
+            (name == "abc" ? Color.green : Color.red).frame(width: 100, height: 50)
             Button { count += 1 } label: { Color.blue.frame(width: 80, height: 40) }
                 .buttonStyle(.plain)
-            Text("Pressed \(count) times")
-        }
-    }
-}
-)swift";
-
-const char *fieldApp = R"swift(
-import SwiftUI
-
-struct AppRoot: View {
-    @State private var name = ""
-    @State private var submitted = false
-    var body: some View {
-        VStack(spacing: 0) {
-            (name == "abc" ? Color.green : Color.red).frame(width: 100, height: 50)
-            (submitted ? Color.green : Color.red).frame(width: 100, height: 50)
-            TextField("Name", text: $name).onSubmit { submitted = true }.frame(width: 200)
+            TextField("Name", text: $name).onSubmit { count += 1 }.frame(width: 200)
         }
     }
 }
@@ -88,84 +73,51 @@ void *load(const char *module, const char *source)
     return test::loadApp(QString::fromLatin1(module), QString::fromUtf8(source));
 }
 
-void *makeRoot(void *handle)
-{
-    auto factory = reinterpret_cast<void *(*)()>(dlsym(handle, "zentoro_make_root_view"));
-    return factory ? factory() : nullptr;
-}
-
 bool isGreen(QColor c) { return c.green() > 150 && c.red() < 120; }
 bool isRed(QColor c) { return c.red() > 200 && c.green() < 110; }
 
-struct Window {
-    QWidget container;
-    KitHostView *view;
-    Window(void *handle)
-    {
-        container.resize(400, 300);
-        view = new KitHostView(handle, makeRoot(handle), &container);
-        container.show();
-    }
-    QColor pixel(int x, int y) { return view->grab().toImage().pixelColor(x, y); }
+struct Window : test::KitWindow {
+    explicit Window(void *handle) : KitWindow(handle, {400, 300}) {}
+    QColor pixel(int x, int y) const { return image().pixelColor(x, y); }
 };
 
 } // namespace
 
-TEST(KitHostView, ShowsTheAppAndRedrawsWhenAButtonChangesState)
+TEST(KitHostView, ShowsTheAppAndRedrawsWhenAButtonOrTypingChangesStateInThatViewAlone)
 {
     ZENTORO_REQUIRE_SWIFTC();
     void *handle = load("KitCounter", counterApp);
     ASSERT_NE(handle, nullptr);
-    Window window(handle);
+    Window window(handle), second(handle);
     ASSERT_EQ(window.view->error(), QString());
     EXPECT_EQ(window.view->geometry(), window.container.rect()) << "the view fills its parent";
+    second.image();
+    const auto fields = second.view->findChildren<QLineEdit *>();
+    ASSERT_EQ(fields.size(), 1) << "text fields are native";
+    QLineEdit *field = fields.first();
+    EXPECT_EQ(field->placeholderText(), QStringLiteral("Name"));
+    EXPECT_EQ(field->width(), 200);
 
-    // The stack is centred: the square's top at (300 - 50 - 40 - 16) / 2.
-    const int top = (300 - 50 - 40 - 16) / 2;
+    // The stack is centred: the count's square, the name's square, the button, the field.
+    const int top = (300 - 140 - field->height()) / 2;
     EXPECT_TRUE(isRed(window.pixel(200, top + 25))) << window.pixel(200, top + 25).name().toStdString();
-    QTest::mouseClick(window.view, Qt::LeftButton, {}, QPoint(200, top + 70));
+    window.click(QPoint(200, top + 120));
     ASSERT_TRUE(test::spinUntil([&] { return isGreen(window.pixel(200, top + 25)); }));
+    EXPECT_TRUE(isRed(second.pixel(200, top + 25))) << "a second view of the library keeps its own state";
 
     // It follows the container's size: the content moves to the new middle.
     window.container.resize(600, 300);
     EXPECT_EQ(window.view->width(), 600);
     EXPECT_TRUE(isGreen(window.pixel(300, top + 25)));
-}
 
-TEST(KitHostView, TwoViewsOfOneLibraryKeepTheirOwnState)
-{
-    ZENTORO_REQUIRE_SWIFTC();
-    void *handle = load("KitCounterTwice", counterApp);
-    ASSERT_NE(handle, nullptr);
-    Window first(handle), second(handle);
-    const int top = (300 - 50 - 40 - 16) / 2;
-    QTest::mouseClick(first.view, Qt::LeftButton, {}, QPoint(200, top + 70));
-    ASSERT_TRUE(test::spinUntil([&] { return isGreen(first.pixel(200, top + 25)); }));
-    EXPECT_TRUE(isRed(second.pixel(200, top + 25)));
-    // A view released while another of the same library lives leaves that one working.
-    delete first.view;
-    QTest::mouseClick(second.view, Qt::LeftButton, {}, QPoint(200, top + 70));
-    EXPECT_TRUE(test::spinUntil([&] { return isGreen(second.pixel(200, top + 25)); }));
-}
-
-TEST(KitHostView, TextFieldsAreNativeAndTypingReachesTheBinding)
-{
-    ZENTORO_REQUIRE_SWIFTC();
-    void *handle = load("KitField", fieldApp);
-    ASSERT_NE(handle, nullptr);
-    Window window(handle);
-    window.view->grab();
-    auto fields = window.view->findChildren<QLineEdit *>();
-    ASSERT_EQ(fields.size(), 1);
-    QLineEdit *field = fields.first();
-    EXPECT_EQ(field->placeholderText(), QStringLiteral("Name"));
-    EXPECT_EQ(field->width(), 200);
-    const int top = (300 - 100 - field->height()) / 2;
+    // A view released while another of the same library lives leaves that one working: typing
+    // reaches its binding, and Return submits.
+    delete window.view;
     QTest::keyClicks(field, QStringLiteral("abc"));
-    EXPECT_TRUE(test::spinUntil([&] { return isGreen(window.pixel(200, top + 25)); }));
-    EXPECT_TRUE(isRed(window.pixel(200, top + 75)));
+    EXPECT_TRUE(test::spinUntil([&] { return isGreen(second.pixel(200, top + 75)); }));
+    EXPECT_TRUE(isRed(second.pixel(200, top + 25)));
     QTest::keyClick(field, Qt::Key_Return);
-    EXPECT_TRUE(test::spinUntil([&] { return isGreen(window.pixel(200, top + 75)); }));
+    EXPECT_TRUE(test::spinUntil([&] { return isGreen(second.pixel(200, top + 25)); }));
     EXPECT_EQ(field->text(), QStringLiteral("abc"));
 }
 
@@ -176,11 +128,8 @@ TEST(KitHostView, MainQueueTasksTimersAndPublishersFireInTheQtLoop)
     ASSERT_NE(handle, nullptr);
     Window window(handle);
     const auto all = [&] {
-        const QImage image = window.view->grab().toImage();
-        for (int x : {140, 180, 220, 260})
-            if (!isGreen(image.pixelColor(x, 150)))
-                return false;
-        return true;
+        const QImage image = window.image();
+        return std::ranges::all_of(std::array{140, 180, 220, 260}, [&](int x) { return isGreen(image.pixelColor(x, 150)); });
     };
     EXPECT_TRUE(test::spinUntil(all, std::chrono::seconds(5)));
 }

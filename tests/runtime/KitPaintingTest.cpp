@@ -30,7 +30,7 @@ ZentoroText text(const char *utf8, int lineLimit = 0)
 
 } // namespace
 
-TEST(KitPainting, SymbolsKeepTheirInnerStrokesAndFillVariantsFill)
+TEST(KitPainting, SymbolsKeepTheirInnerStrokesFillVariantsFillAndUnknownNamesFallBack)
 {
     // The tick inside "checkmark.circle" crosses the middle; the plain circle leaves it empty.
     EXPECT_TRUE(dark(symbol("checkmark.circle"), 22, 30));
@@ -38,15 +38,12 @@ TEST(KitPainting, SymbolsKeepTheirInnerStrokesAndFillVariantsFill)
     EXPECT_TRUE(dark(symbol("circle.fill"), 22, 30));
     EXPECT_FALSE(dark(symbol("heart"), 24, 24));
     EXPECT_TRUE(dark(symbol("heart.fill"), 24, 24));
-}
 
-TEST(KitPainting, SymbolNamesFallBackToTheirBaseOrANeutralGlyph)
-{
+    // Names fall back to their base, or else to a neutral glyph.
     EXPECT_TRUE(KitPainting::knowsSymbol(QStringLiteral("sun.max.fill")));
     EXPECT_TRUE(KitPainting::knowsSymbol(QStringLiteral("person.crop.circle")));
     EXPECT_FALSE(KitPainting::knowsSymbol(QStringLiteral("no.such.symbol")));
-    const QImage neutral = symbol("no.such.symbol");
-    EXPECT_TRUE(dark(neutral, 8, 24)) << "an unknown name still draws something";
+    EXPECT_TRUE(dark(symbol("no.such.symbol"), 8, 24)) << "an unknown name still draws something";
 }
 
 TEST(KitPainting, TextWrapsAtTheWidthAndStopsAtTheLineLimit)
@@ -70,7 +67,6 @@ TEST(KitPainting, AngularGradientsTurnClockwiseFromTheirStartAngle)
     paint.stops = stops;
     paint.stopCount = 3;
     paint.start = {50, 50};
-    paint.angle = 0;
     QImage image(100, 100, QImage::Format_ARGB32);
     QPainter painter(&image);
     painter.fillRect(image.rect(), KitPainting::brush(paint));

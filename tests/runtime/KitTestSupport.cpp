@@ -1,17 +1,19 @@
 #include "KitTestSupport.h"
 
-#include "support/Await.h"
-
 #include "runtime/Shell.h"
 
+#include "support/Await.h"
+#include "support/Files.h"
+
 #include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
-#include <QFile>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 
 namespace zentoro::test {
 
@@ -35,27 +37,20 @@ QString buildApp(const QString &module, const QString &source, QString *error)
 {
     static QTemporaryDir folder;
     const QString dir = folder.path() + u'/' + module;
-    QDir().mkpath(dir);
     const QString entry = dir + QStringLiteral("/ZentoroEntry.swift");
     const QString app = dir + QStringLiteral("/App.swift");
-    QFile entryFile(entry), appFile(app);
-    entryFile.open(QIODevice::WriteOnly);
-    entryFile.write("import SwiftUI\n"
-                    "enum AppInfo { static let name = \"Kit Test\" }\n"
-                    "extension UserDefaults { static let app = UserDefaults(suiteName: \"dev.vantu.zentoro.app.Kit Test\")! }\n"
-                    "@_cdecl(\"zentoro_make_root_view\")\n"
-                    "public func zentoro_make_root_view() -> UnsafeMutableRawPointer { ZentoroHosting.makeRootView(AppRoot()) }");
-    entryFile.close();
-    appFile.open(QIODevice::WriteOnly);
-    appFile.write(source.toUtf8());
-    appFile.close();
+    writeFile(entry, "import SwiftUI\n"
+                     "enum AppInfo { static let name = \"Kit Test\" }\n"
+                     "extension UserDefaults { static let app = UserDefaults(suiteName: \"dev.vantu.zentoro.app.Kit Test\")! }\n"
+                     "@_cdecl(\"zentoro_make_root_view\")\n"
+                     "public func zentoro_make_root_view() -> UnsafeMutableRawPointer { ZentoroHosting.makeRootView(AppRoot()) }");
+    writeFile(app, source.toUtf8());
     const QString output = dir + QStringLiteral("/lib") + module + QStringLiteral(".so");
     QStringList arguments{QStringLiteral("-emit-library"), QStringLiteral("-parse-as-library"),
                           QStringLiteral("-module-name"), module, QStringLiteral("-swift-version"), QStringLiteral("5"),
                           QStringLiteral("-Onone"), QStringLiteral("-module-cache-path"), dir + QStringLiteral("/ModuleCache"),
                           QStringLiteral("-o"), output};
-    arguments += sharedKit().arguments;
-    arguments << entry << app;
+    arguments << sharedKit().arguments << entry << app;
     const Shell::Result result = await(Shell::run(*swiftc(), arguments, dir));
     if (result.status != 0) {
         *error = result.output;
@@ -69,11 +64,19 @@ void *loadApp(const QString &module, const QString &source)
     QString error;
     const QString library = buildApp(module, source, &error);
     EXPECT_FALSE(library.isEmpty()) << error.toStdString();
-    if (library.isEmpty())
-        return nullptr;
-    void *handle = dlopen(library.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL);
-    EXPECT_NE(handle, nullptr) << dlerror();
+    void *handle = library.isEmpty() ? nullptr : dlopen(library.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL);
+    EXPECT_NE(handle, nullptr) << (library.isEmpty() ? "" : dlerror());
     return handle;
 }
+
+KitWindow::KitWindow(void *handle, QSize size)
+{
+    auto factory = reinterpret_cast<void *(*)()>(dlsym(handle, "zentoro_make_root_view"));
+    container.resize(size);
+    view = new KitHostView(handle, factory(), &container);
+    container.show();
+}
+
+void KitWindow::click(QPoint at) const { QTest::mouseClick(view, Qt::LeftButton, {}, at); }
 
 } // namespace zentoro::test

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "runtime/Kit.h"
+#include "runtime/KitHostView.h"
 
+#include <QImage>
 #include <QString>
+#include <QWidget>
 
 #include <optional>
 
@@ -21,6 +24,15 @@ QString buildApp(const QString &module, const QString &source, QString *error);
 // Builds the app as `buildApp` does and opens its library; none, with a test failure, when
 // either step fails.
 void *loadApp(const QString &module, const QString &source);
+
+// A new root view of the app whose library `handle` is, in a shown container of `size`.
+struct KitWindow {
+    QWidget container;
+    KitHostView *view;
+    KitWindow(void *handle, QSize size);
+    QImage image() const { return view->grab().toImage(); }
+    void click(QPoint at) const;
+};
 
 } // namespace zentoro::test
 
