@@ -4,41 +4,20 @@
 
 using namespace zentoro;
 
-TEST(BuildSteps, SwiftLiteralsEscapeWhatWouldEndOrBreakThem)
+TEST(BuildSteps, SwiftLiteralsEscapeWhatWouldEndOrBreakThemInTheEntryFile)
 {
-    EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("dev.vantu.zentoro.app.Kitchen Timer")),
-              QStringLiteral("\"dev.vantu.zentoro.app.Kitchen Timer\""));
     EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("a\"b\\c\nd\te\x01")),
               QStringLiteral("\"a\\\"b\\\\c\\nd\\te\\u{1}\""));
     // Interpolation needs a backslash, which is escaped, so "\(" stays text.
     EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("\\(x)")), QStringLiteral("\"\\\\(x)\""));
     EXPECT_EQ(BuildSteps::swiftLiteral(QStringLiteral("Café ☕")), QStringLiteral("\"Café ☕\""));
-}
 
-// The rest of the entry file is proved by every build that loads.
-TEST(BuildSteps, EntryFileCarriesTheCopysNameAndSuiteAsLiterals)
-{
+    // The entry file carries the copy's name and suite that way; the rest of it is proved by
+    // every build that loads.
     const QString entry =
         BuildSteps::entryFile(QStringLiteral("Bob's \"Timer\""), QStringLiteral("dev.vantu.zentoro.app.Bob's \"Timer\""));
     EXPECT_TRUE(entry.contains(QStringLiteral("static let name = \"Bob's \\\"Timer\\\"\" }"))) << entry.toStdString();
     EXPECT_TRUE(entry.contains(QStringLiteral("UserDefaults(suiteName: \"dev.vantu.zentoro.app.Bob's \\\"Timer\\\"\")!")));
-}
-
-TEST(BuildSteps, CompilerArgumentsPutTheKitFlagsBeforeTheFilesAndTheEntryFirst)
-{
-    BuildSteps::CompileInputs inputs;
-    inputs.module = QStringLiteral("ZentoroApp7");
-    inputs.output = QStringLiteral("/a/Versions/7/libZentoroApp7.so");
-    inputs.moduleCache = QStringLiteral("/a/Build/ModuleCache");
-    inputs.sdk = QStringLiteral("/");
-    inputs.kitFlags = {QStringLiteral("-I"), QStringLiteral("/kit")};
-    inputs.files = {QStringLiteral("/a/Build/ZentoroEntry.swift"), QStringLiteral("/a/Sources/AppRoot.swift")};
-    const QStringList arguments = BuildSteps::compilerArguments(inputs);
-    EXPECT_EQ(arguments.mid(arguments.size() - 4),
-              (QStringList{"-I", "/kit", "/a/Build/ZentoroEntry.swift", "/a/Sources/AppRoot.swift"}));
-    EXPECT_EQ(arguments.value(arguments.indexOf("-module-name") + 1), "ZentoroApp7");
-    EXPECT_EQ(arguments.value(arguments.indexOf("-o") + 1), "/a/Versions/7/libZentoroApp7.so");
-    EXPECT_EQ(arguments.value(arguments.indexOf("-module-cache-path") + 1), "/a/Build/ModuleCache");
 }
 
 TEST(BuildSteps, CleanShowsRelativePathsAndNamesTheGeneratedEntry)

@@ -6,21 +6,23 @@ using namespace zentoro;
 
 namespace {
 
-RuntimeState withVersions(std::initializer_list<std::pair<int, bool>> versions)
+// Versions given as (number, crashed), then the running, loading and last good numbers.
+RuntimeState withVersions(std::initializer_list<std::pair<int, bool>> versions, std::optional<int> current = {},
+                          std::optional<int> loading = {}, std::optional<int> lastGood = {})
 {
     RuntimeState state;
     for (auto [number, crashed] : versions) {
-        VersionRecord record;
-        record.number = number;
-        record.summary = QStringLiteral("v%1").arg(number);
-        record.crashed = crashed;
-        state.versions.append(record);
+        state.versions.append(VersionRecord{number, {}, QStringLiteral("v%1").arg(number), crashed});
         state.nextNumber = number + 1;
     }
+    state.current = current;
+    state.loading = loading;
+    state.lastGood = lastGood;
     return state;
 }
 
 const CrashLog::PreviousCrash fatal{QStringLiteral("Fatal error: Unexpectedly found nil")};
+const QString timer = QStringLiteral("Timer");
 
 } // namespace
 
@@ -28,10 +30,8 @@ const CrashLog::PreviousCrash fatal{QStringLiteral("Fatal error: Unexpectedly fo
 // words for the agent, which must send it to the crash log.
 TEST(CrashFallback, ACrashLaterInARunRunsTheSameVersionAgain)
 {
-    RuntimeState state = withVersions({{1, false}, {2, false}});
-    state.current = 2;
-    state.lastGood = 2;
-    const auto judgement = CrashFallback::judge(state, fatal, QStringLiteral("Timer"));
+    const RuntimeState state = withVersions({{1, false}, {2, false}}, 2, {}, 2);
+    const auto judgement = CrashFallback::judge(state, fatal, timer);
     EXPECT_EQ(judgement.state, state);
     EXPECT_FALSE(judgement.saveState);
     EXPECT_EQ(judgement.banner,
@@ -43,10 +43,7 @@ TEST(CrashFallback, ACrashLaterInARunRunsTheSameVersionAgain)
 
 TEST(CrashFallback, ACrashWhileStartingFallsBackToTheLastGoodVersionOrAnEmptyWindow)
 {
-    RuntimeState state = withVersions({{1, false}});
-    state.current = 1;
-    state.loading = 1;
-    auto judgement = CrashFallback::judge(state, fatal, QStringLiteral("Timer"));
+    auto judgement = CrashFallback::judge(withVersions({{1, false}}, 1, 1), fatal, timer);
     EXPECT_TRUE(judgement.saveState);
     EXPECT_TRUE(judgement.state.versions[0].crashed);
     EXPECT_EQ(judgement.state.current, std::nullopt);
@@ -55,45 +52,31 @@ TEST(CrashFallback, ACrashWhileStartingFallsBackToTheLastGoodVersionOrAnEmptyWin
     EXPECT_TRUE(judgement.told.endsWith(QStringLiteral("read_log with which=\"crash\" shows that run's output and backtrace.")));
 
     // Killed, so without details.
-    state = withVersions({{1, false}, {2, false}, {3, false}});
-    state.current = 3;
-    state.loading = 3;
-    state.lastGood = 2;
-    judgement = CrashFallback::judge(state, std::nullopt, QStringLiteral("Timer"));
+    judgement = CrashFallback::judge(withVersions({{1, false}, {2, false}, {3, false}}, 3, 3, 2), std::nullopt, timer);
     EXPECT_EQ(judgement.state.current, 2);
     EXPECT_TRUE(judgement.state.versions[2].crashed);
     EXPECT_EQ(judgement.banner->detail, std::nullopt);
     EXPECT_TRUE(judgement.told.startsWith(QStringLiteral("Version 3 crashed the app while it was starting (no details). "
                                                          "Zentoro fell back to version 2.")));
+
+    // A loading number without a record still falls back.
+    judgement = CrashFallback::judge(withVersions({{1, false}}, 7, 7, 1), std::nullopt, timer);
+    EXPECT_EQ(judgement.state.current, 1);
+    EXPECT_FALSE(judgement.state.versions[0].crashed);
+    EXPECT_EQ(judgement.banner->title, QStringLiteral("Version 7 crashed while starting, so Timer went back to version 1."));
 }
 
-TEST(CrashFallback, TheFallbackSearch)
+TEST(CrashFallback, TheFallbackIsTheLastGoodVersionOrTheNewestThatNeverCrashed)
 {
     // The last good version alone counts when it isn't the one that crashed.
-    RuntimeState state = withVersions({{1, false}, {2, false}, {3, false}});
-    state.lastGood = 1;
-    EXPECT_EQ(CrashFallback::fallback(state, 3), 1);
+    EXPECT_EQ(CrashFallback::fallback(withVersions({{1, false}, {2, false}, {3, false}}, {}, {}, 1), 3), 1);
     // A once-good version that crashes now: the newest other version that never crashed.
-    state = withVersions({{1, false}, {2, true}, {3, false}, {4, false}});
-    state.lastGood = 3;
+    RuntimeState state = withVersions({{1, false}, {2, true}, {3, false}, {4, false}}, {}, {}, 3);
     EXPECT_EQ(CrashFallback::fallback(state, 3), 4);
     state.versions[3].crashed = true;
     EXPECT_EQ(CrashFallback::fallback(state, 3), 1);
     state.versions[0].crashed = true;
     EXPECT_EQ(CrashFallback::fallback(state, 3), std::nullopt);
     // Older versions are not tried without a last good one.
-    state = withVersions({{1, false}, {2, false}});
-    EXPECT_EQ(CrashFallback::fallback(state, 2), std::nullopt);
-}
-
-TEST(CrashFallback, ALoadingNumberWithoutARecordStillFallsBack)
-{
-    RuntimeState state = withVersions({{1, false}});
-    state.lastGood = 1;
-    state.current = 7;
-    state.loading = 7;
-    const auto judgement = CrashFallback::judge(state, std::nullopt, QStringLiteral("Timer"));
-    EXPECT_EQ(judgement.state.current, 1);
-    EXPECT_FALSE(judgement.state.versions[0].crashed);
-    EXPECT_EQ(judgement.banner->title, QStringLiteral("Version 7 crashed while starting, so Timer went back to version 1."));
+    EXPECT_EQ(CrashFallback::fallback(withVersions({{1, false}, {2, false}}), 2), std::nullopt);
 }

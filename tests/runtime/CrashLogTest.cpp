@@ -31,25 +31,9 @@ struct Ending {
     bool operator==(const Ending &) const = default;
 };
 
-// Runs this test program again as a child that starts the console log in `logs` and then
-// does what `mode` says. Its terminal output goes to `console`.
-Ending runChild(const QString &mode, const QString &logs, const QString &console, const QStringList &extra = {})
-{
-    QProcess child;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QString::fromLatin1(modeVariable), mode);
-    environment.insert(QString::fromLatin1(logsVariable), logs);
-    environment.insert(QString::fromLatin1(resultVariable), logs + QStringLiteral("/../result.txt"));
-    child.setProcessEnvironment(environment);
-    child.setProcessChannelMode(QProcess::MergedChannels);
-    child.setStandardOutputFile(console, QIODevice::Append);
-    child.start(QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--gtest_filter=CrashChild.Run")} + extra);
-    if (!child.waitForFinished(30000))
-        return {};
-    // On a crash the exit code is the signal's number.
-    return {child.exitStatus() == QProcess::CrashExit, child.exitCode()};
-}
-
+// Runs this test program again as a child that starts the console log in `logs` (the
+// test's own by default) and then does what `mode` says; its terminal output goes to the
+// console file.
 class CrashLogRun : public ::testing::Test {
 protected:
     QTemporaryDir root;
@@ -57,8 +41,24 @@ protected:
     QString console() const { return root.path() + QStringLiteral("/console.txt"); }
     QString log(CrashLog::Which which) const { return CrashLog::url(which, logs()); }
     QString result() const { return readText(root.path() + QStringLiteral("/result.txt")); }
-    Ending run(const char *mode, const QStringList &extra = {}) { return runChild(mode, logs(), console(), extra); }
     void SetUp() override { ASSERT_TRUE(QDir().mkpath(logs())); }
+
+    Ending run(const char *mode, const QStringList &extra = {}, const QString &logsFolder = {})
+    {
+        QProcess child;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(modeVariable), QString::fromLatin1(mode));
+        environment.insert(QString::fromLatin1(logsVariable), logsFolder.isEmpty() ? logs() : logsFolder);
+        environment.insert(QString::fromLatin1(resultVariable), root.path() + QStringLiteral("/result.txt"));
+        child.setProcessEnvironment(environment);
+        child.setProcessChannelMode(QProcess::MergedChannels);
+        child.setStandardOutputFile(console(), QIODevice::Append);
+        child.start(QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--gtest_filter=CrashChild.Run")} + extra);
+        if (!child.waitForFinished(30000))
+            return {};
+        // On a crash the exit code is the signal's number.
+        return {child.exitStatus() == QProcess::CrashExit, child.exitCode()};
+    }
 };
 
 } // namespace
@@ -93,7 +93,7 @@ TEST(CrashChild, Run)
     std::_Exit(0);
 }
 
-TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrashLog)
+TEST_F(CrashLogRun, ACrashIsExplainedByTheRuntimesWordsOrItsSignalAndKeptAsTheCrashLog)
 {
     // The trap instruction on x86-64: it dies of its own cause.
     ASSERT_EQ(run("fatal"), (Ending{true, SIGILL}));
@@ -118,10 +118,8 @@ TEST_F(CrashLogRun, ATrapAfterTheRuntimesWordsIsExplainedByThemAndKeptAsTheCrash
     }
     EXPECT_FALSE(readText(log(CrashLog::Which::Previous)).contains(QString::fromLatin1(CrashLog::marker)));
     EXPECT_EQ(readText(log(CrashLog::Which::Crash)), text);
-}
 
-TEST_F(CrashLogRun, ASignalWithoutWordsIsNamedAndTheLastPrintedLineIsInTheLog)
-{
+    // A signal without words is named, and the last line printed before it is in the log.
     EXPECT_EQ(run("segv"), (Ending{true, SIGSEGV}));
     EXPECT_TRUE(readText(log(CrashLog::Which::Current)).contains(QStringLiteral("about to dereference null\n")));
     run("clean");
@@ -144,7 +142,7 @@ TEST_F(CrashLogRun, OutputLeftOnTheConsoleStillRotatesTheLogsAndCatchesTheSignal
     EXPECT_TRUE(readText(console()).contains(QStringLiteral("*** ZENTORO CRASH: SIGILL (illegal instruction) ***")));
 
     // A logs folder that can't be written leaves the output where it was too.
-    runChild("words", root.path() + QStringLiteral("/no/such/Logs"), console());
+    run("words", {}, root.path() + QStringLiteral("/no/such/Logs"));
     EXPECT_TRUE(readText(console()).contains(QStringLiteral("Fatal error: just words")));
 }
 

@@ -36,25 +36,25 @@ std::optional<RuntimeState> decode(const char *text)
 
 } // namespace
 
-TEST(RuntimeState, RoundTripsWithWholeSecondDatesInUTC)
+TEST(RuntimeState, RoundTripsThroughItsFileWithWholeSecondDatesInUTCAndOptionalNumbersLeftOut)
 {
-    const RuntimeState state = sample();
-    const QByteArray bytes = state.encode();
-    EXPECT_EQ(RuntimeState::decode(bytes), state);
-
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("state.json"));
+    EXPECT_EQ(RuntimeState::read(path), RuntimeState{}) << "a missing file reads as the default";
+    sample().write(path);
+    EXPECT_EQ(RuntimeState::read(path), sample());
+    const QByteArray bytes = sample().encode();
     EXPECT_TRUE(bytes.contains("\"2026-03-01T09:30:12Z\""));
     EXPECT_TRUE(bytes.contains('\n')) << "written for people to read";
-}
+    test::writeFile(path, R"({"versions": []})");
+    EXPECT_EQ(RuntimeState::read(path), RuntimeState{}) << "so does a corrupt one";
 
-TEST(RuntimeState, OptionalNumbersAreLeftOutAndReadAsNone)
-{
     const std::optional<RuntimeState> decoded = decode(R"({"nextNumber": 4, "versions": []})");
     ASSERT_TRUE(decoded);
     EXPECT_FALSE(decoded->current || decoded->lastGood || decoded->loading);
     EXPECT_EQ(decoded->nextNumber, 4);
     const QByteArray written = decoded->encode();
     EXPECT_FALSE(written.contains("current") || written.contains("lastGood") || written.contains("loading"));
-
     EXPECT_EQ(decode(R"({"current": null, "nextNumber": 1, "versions": []})"), RuntimeState{});
 }
 
@@ -88,17 +88,4 @@ TEST(RuntimeState, DecodingIsStrictAboutRequiredKeysTypesAndDates)
     };
     for (const char *text : rejected)
         EXPECT_FALSE(decode(text)) << text;
-}
-
-TEST(RuntimeState, AFileThatIsMissingOrCorruptReadsAsTheDefault)
-{
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("state.json"));
-    EXPECT_EQ(RuntimeState::read(path), RuntimeState{});
-
-    sample().write(path);
-    EXPECT_EQ(RuntimeState::read(path), sample());
-
-    test::writeFile(path, R"({"versions": []})");
-    EXPECT_EQ(RuntimeState::read(path), RuntimeState{});
 }

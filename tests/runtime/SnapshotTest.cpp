@@ -15,10 +15,7 @@ using namespace zentoro;
 
 namespace {
 
-QImage decoded(const std::optional<QByteArray> &png)
-{
-    return png ? QImage::fromData(*png, "PNG") : QImage();
-}
+QImage decoded(const std::optional<QByteArray> &png) { return png ? QImage::fromData(*png, "PNG") : QImage(); }
 
 QImage filled(int width, int height, QColor colour)
 {
@@ -38,9 +35,7 @@ struct Window {
         container->setGeometry(0, 0, size.width(), size.height());
         auto *area = new QWidget(container);
         area->setAutoFillBackground(true);
-        QPalette palette = area->palette();
-        palette.setColor(QPalette::Window, colour);
-        area->setPalette(palette);
+        area->setPalette(QPalette(colour));
         container->layout()->addWidget(area);
     }
 };

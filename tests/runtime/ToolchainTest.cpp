@@ -3,6 +3,7 @@
 #include "core/Defaults.h"
 
 #include "support/Await.h"
+#include "support/Files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -11,32 +12,21 @@
 
 using namespace zentoro;
 
-TEST(Toolchain, VersionTextFollowsTheWordVersion)
+TEST(Toolchain, TextsAreReadFromTheCompilersWords)
 {
-    EXPECT_EQ(Toolchain::versionText(QStringLiteral("Swift version 6.3.1 (swift-6.3.1-RELEASE)\n"
-                                                    "Target: x86_64-unknown-linux-gnu\n")),
-              QStringLiteral("Swift 6.3.1"));
+    const QString swift631 = QStringLiteral("Swift version 6.3.1 (swift-6.3.1-RELEASE)\nTarget: x86_64-unknown-linux-gnu\n");
+    EXPECT_EQ(Toolchain::versionText(swift631), QStringLiteral("Swift 6.3.1"));
     EXPECT_EQ(Toolchain::versionText(QStringLiteral("warning: odd\n\nApple Swift version 6.2 (swift-6.2-RELEASE)")),
               QStringLiteral("Swift 6.2"));
     // Nothing after "version": the whole line stands.
     EXPECT_EQ(Toolchain::versionText(QStringLiteral("Swift version")), QStringLiteral("Swift version"));
     EXPECT_EQ(Toolchain::versionText(QStringLiteral("clang version 17\n")), QStringLiteral("Swift"));
     EXPECT_EQ(Toolchain::versionText(QString()), QStringLiteral("Swift"));
-}
-
-// A toolchain manager may warn before it prints the toolchain's location.
-TEST(Toolchain, TheLocationIsTheLastLineWithWords)
-{
-    EXPECT_EQ(Toolchain::lastLine(QStringLiteral("warning: a\nwarning: b\n  /opt/swift  \n\n")),
-              QStringLiteral("/opt/swift"));
-}
-
-TEST(Toolchain, DescriptionNamesTheSwiftToolchain)
-{
-    EXPECT_EQ(Toolchain::ready({QStringLiteral("/opt/swift/usr/bin/swiftc"), QStringLiteral("/"),
-                                QStringLiteral("Swift 6.3.1"), QStringLiteral("/opt/swift")})
-                  .description(),
-              QStringLiteral("Swift 6.3.1 at /opt/swift"));
+    // A toolchain manager may warn before it prints the toolchain's location.
+    EXPECT_EQ(Toolchain::lastLine(QStringLiteral("warning: a\nwarning: b\n  /opt/swift  \n\n")), QStringLiteral("/opt/swift"));
+    const Toolchain ready = Toolchain::ready({QStringLiteral("/opt/swift/usr/bin/swiftc"), QStringLiteral("/"),
+                                              QStringLiteral("Swift 6.3.1"), QStringLiteral("/opt/swift")});
+    EXPECT_EQ(ready.description(), QStringLiteral("Swift 6.3.1 at /opt/swift"));
 }
 
 namespace {
@@ -53,11 +43,8 @@ private:
 
 void writeScript(const QString &path, const QByteArray &body)
 {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("#!/bin/sh\n" + body);
-    file.close();
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    test::writeFile(path, "#!/bin/sh\n" + body);
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 } // namespace

@@ -53,16 +53,14 @@ protected:
     Workspace workspace{QStringLiteral("Kitchen Timer"), dir.path() + QStringLiteral("/Apps/Kitchen Timer")};
 
     QString source(const QString &relative) const { return workspace.sources() + u'/' + relative; }
-    QStringList relativeFiles() const
+    QStringList relativeFiles(std::optional<QStringList> files = std::nullopt) const
     {
         QStringList relative;
-        for (const QString &file : workspace.files())
+        for (const QString &file : files.value_or(workspace.files()))
             relative.append(workspace.relativePath(file));
         return relative;
     }
 };
-
-const QString relativeRequest = QStringLiteral("Use a path relative to the source folder, like \"AppRoot.swift\".");
 
 } // namespace
 
@@ -76,7 +74,6 @@ TEST(WorkspaceIdentity, NameComesFromTheStartedFileAndKeepsCopiesApart)
     const Workspace timer = Workspace::forName(QStringLiteral("Kitchen Timer"));
     const Workspace notes = Workspace::forName(QStringLiteral("Notes"));
     EXPECT_EQ(timer.root, Workspace::support() + "/Apps/Kitchen Timer");
-    EXPECT_NE(timer.root, notes.root);
     EXPECT_EQ(timer.defaultsSuite(), "dev.vantu.zentoro.app.Kitchen Timer");
 
     timer.prepare();
@@ -89,12 +86,15 @@ TEST(WorkspaceIdentity, NameComesFromTheStartedFileAndKeepsCopiesApart)
 
 TEST_F(WorkspaceTest, PrepareMakesTheFoldersAndSeedsOnlyWhenSourcesAreMissing)
 {
+    writeFile(workspace.root, "a file where the folder belongs");
+    const QString message = failureOf([&] { workspace.prepare(); });
+    EXPECT_TRUE(message.startsWith("Couldn't create the folder")) << message.toStdString();
+    QFile::remove(workspace.root);
+
     workspace.prepare();
     for (const QString &folder : {workspace.versions(), workspace.logs(), workspace.data(), workspace.build()})
         EXPECT_TRUE(QFileInfo(folder).isDir()) << folder.toStdString();
-
-    // The seed is the starter app, which every build test compiles. Its files come from
-    // read-only resources but must be the user's to edit.
+    // The seed's files come from read-only resources but must be the user's to edit.
     EXPECT_TRUE(QFileInfo(source(QStringLiteral("AppRoot.swift"))).isWritable());
 
     // An emptied source folder is the user's choice and stays empty.
@@ -102,13 +102,6 @@ TEST_F(WorkspaceTest, PrepareMakesTheFoldersAndSeedsOnlyWhenSourcesAreMissing)
     QDir().mkpath(workspace.sources());
     workspace.prepare();
     EXPECT_TRUE(workspace.files().isEmpty());
-}
-
-TEST_F(WorkspaceTest, PrepareReportsAFolderItCannotMake)
-{
-    writeFile(workspace.root, "a file where the folder belongs");
-    const QString message = failureOf([&] { workspace.prepare(); });
-    EXPECT_TRUE(message.startsWith("Couldn't create the folder")) << message.toStdString();
 }
 
 TEST_F(WorkspaceTest, ReplaceSourcesSwapsTheWholeTreeAndKeepsItWhenTheCopyFails)
@@ -141,26 +134,25 @@ TEST_F(WorkspaceTest, FilesAreRegularVisibleFilesInPlainTextOrder)
     QFile::link(source(QStringLiteral("a.swift")), source(QStringLiteral("link.swift")));
 
     EXPECT_EQ(relativeFiles(), QStringList({"A.swift", "Notes.SWIFT", "README.md", "a.swift", "b/c.swift"}));
-    QStringList swift;
-    for (const QString &file : workspace.swiftFiles())
-        swift.append(workspace.relativePath(file));
-    EXPECT_EQ(swift, QStringList({"A.swift", "a.swift", "b/c.swift"}));
+    EXPECT_EQ(relativeFiles(workspace.swiftFiles()), QStringList({"A.swift", "a.swift", "b/c.swift"}));
 }
 
 TEST_F(WorkspaceTest, ResolveStaysInsideTheSourceFolder)
 {
     EXPECT_EQ(workspace.resolve(QStringLiteral("a/../b.swift")), source(QStringLiteral("b.swift")));
-    EXPECT_EQ(workspace.resolve(QStringLiteral(" \tFoo.swift\n")), source(QStringLiteral("Foo.swift")));
-    EXPECT_EQ(workspace.resolve(QStringLiteral("Views/./Row.swift")), source(QStringLiteral("Views/Row.swift")));
-
+    EXPECT_EQ(workspace.resolve(QStringLiteral(" \tViews/./Row.swift\n")), source(QStringLiteral("Views/Row.swift")));
     // The folder itself is no file either.
     for (const char *path : {"../x", " a/../../x\n", ".", "sub/.."}) {
         EXPECT_EQ(failureOf([&] { workspace.resolve(QString::fromLatin1(path)); }),
                   QString::fromLatin1(path).trimmed() + " is outside the source folder.");
     }
+    for (const char *path : {"", "   ", "/etc/hosts", "~/x", " \n/etc/hosts"}) {
+        EXPECT_EQ(failureOf([&] { workspace.resolve(QString::fromLatin1(path)); }),
+                  "Use a path relative to the source folder, like \"AppRoot.swift\".") << path;
+    }
 
-    for (const char *path : {"", "   ", "/etc/hosts", "~/x", " \n/etc/hosts"})
-        EXPECT_EQ(failureOf([&] { workspace.resolve(QString::fromLatin1(path)); }), relativeRequest) << path;
+    EXPECT_EQ(workspace.relativePath(workspace.sources() + "//Views/./Row.swift"), "Views/Row.swift");
+    EXPECT_EQ(workspace.relativePath(workspace.root + "/Sources2/x"), workspace.root + "/Sources2/x");
 }
 
 TEST_F(WorkspaceTest, ResolveRefusesLinksThatLeadOut)
@@ -180,13 +172,6 @@ TEST_F(WorkspaceTest, ResolveRefusesLinksThatLeadOut)
         EXPECT_EQ(failureOf([&] { workspace.resolve(QString::fromLatin1(path)); }),
                   QString::fromLatin1(path) + " goes through a symbolic link that leads outside the source folder.");
     }
-}
-
-TEST_F(WorkspaceTest, RelativePathIsTakenFromTheSourceFolder)
-{
-    EXPECT_EQ(workspace.relativePath(source(QStringLiteral("Views/Row.swift"))), "Views/Row.swift");
-    EXPECT_EQ(workspace.relativePath(workspace.sources() + "//Views/./Row.swift"), "Views/Row.swift");
-    EXPECT_EQ(workspace.relativePath(workspace.root + "/Sources2/x"), workspace.root + "/Sources2/x");
 }
 
 TEST_F(WorkspaceTest, LockKeepsASecondProcessOutUntilTheFirstDies)
