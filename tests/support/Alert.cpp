@@ -15,8 +15,6 @@ void answerNextAlert(AlertSeen &seen, const QString &button)
             return;
         seen.text = alert->text();
         seen.informative = alert->informativeText();
-        for (QAbstractButton *candidate : alert->buttons())
-            seen.buttons.append(candidate->text());
         if (button.isEmpty()) {
             alert->accept();
             return;

@@ -1,15 +1,13 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 namespace zentoro::test {
 
-// What the next modal alert said and offered, once answered.
+// What the next modal alert said, once answered.
 struct AlertSeen {
     QString text;
     QString informative;
-    QStringList buttons;
 };
 
 // Clicks the button labelled `button` on the next modal alert (none when empty: it is
