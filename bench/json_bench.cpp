@@ -1,6 +1,6 @@
 // Round trip (parse, then print) of a 20 MB conversation-like document with our JSON
 // value, against Python's json module on the same file.
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 #include "Measure.h"
 
 #include <QCoreApplication>

@@ -414,4 +414,23 @@ void Agent::setConversationID(const QUuid &id)
     emit conversationIDChanged();
 }
 
+void Agent::note(const QString &shown, const QString &told)
+{
+    appendItem(ChatItem::make(ChatItem::Kind::Event, shown, QStringLiteral("info.circle")));
+    notes.append(told);
+    save();
+}
+
+bool Agent::canRetry() const
+{
+    return !isRunning_ && !pendingInput.isEmpty() && !items_.isEmpty() && items_.last().kind == ChatItem::Kind::Error;
+}
+
+void Agent::retry()
+{
+    if (isRunning_ || pendingInput.isEmpty())
+        return;
+    start();
+}
+
 } // namespace zentoro

@@ -4,7 +4,7 @@
 #include "agent/ChatItem.h"
 #include "agent/SavedConversation.h"
 #include "core/MainTask.h"
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 #include "model_service/Provider.h"
 
 #include <QDateTime>

@@ -4,7 +4,7 @@
 #include "agent/Recovery.h"
 #include "core/MainTask.h"
 #include "model_service/Failures.h"
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 #include "model_service/Provider.h"
 
 #include <QCoroTask>

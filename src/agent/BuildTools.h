@@ -2,7 +2,7 @@
 
 #include "agent/ChatItem.h"
 #include "agent/Tools.h"
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 #include "runtime/BuildOutcome.h"
 
 #include <QCoroTask>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 
 #include <QList>
 #include <QString>

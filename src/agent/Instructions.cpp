@@ -198,11 +198,4 @@ QString fullDate(const QDate &date, const QLocale &locale)
 
 } // namespace Instructions
 
-void Agent::note(const QString &shown, const QString &told)
-{
-    appendItem(ChatItem::make(ChatItem::Kind::Event, shown, QStringLiteral("info.circle")));
-    notes.append(told);
-    save();
-}
-
 } // namespace zentoro

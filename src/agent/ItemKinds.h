@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 
 // The kinds of history items and the keys read from them, held as the JSON value's shared text:
 // passes over thousands of items compare them by address and copy nothing.

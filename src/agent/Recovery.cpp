@@ -149,16 +149,4 @@ ChatItem errorItem(std::exception_ptr error, Provider provider, const PlanServic
 
 } // namespace FailureRecovery
 
-bool Agent::canRetry() const
-{
-    return !isRunning_ && !pendingInput.isEmpty() && !items_.isEmpty() && items_.last().kind == ChatItem::Kind::Error;
-}
-
-void Agent::retry()
-{
-    if (isRunning_ || pendingInput.isEmpty())
-        return;
-    start();
-}
-
 } // namespace zentoro

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "agent/ChatItem.h"
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 
 #include <QCoroTask>
 #include <QString>

@@ -2,7 +2,8 @@
 
 #include "core/AtomicFile.h"
 #include "core/Defaults.h"
-#include "runtime/Workspace.h"
+#include "core/Failure.h"
+#include "core/SupportFolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -35,7 +36,7 @@ QString trimBlanksAndTabs(const QString &text)
 
 QString keyPath()
 {
-    return Workspace::support() + QStringLiteral("/openai-key");
+    return supportFolder() + QStringLiteral("/openai-key");
 }
 
 std::optional<QString> savedKey()
@@ -73,9 +74,9 @@ void saveAPIKey(const std::optional<QString> &key)
         return;
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folder))
-        throw Workspace::Failure(QStringLiteral("Couldn't create the folder %1.").arg(folder));
+        throw Failure(QStringLiteral("Couldn't create the folder %1.").arg(folder));
     if (AtomicFile::write(path, trimmed.toUtf8(), 0600))
-        throw Workspace::Failure(QStringLiteral("Couldn't save the key to %1.").arg(path));
+        throw Failure(QStringLiteral("Couldn't save the key to %1.").arg(path));
 }
 
 QString model()

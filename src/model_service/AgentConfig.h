@@ -20,7 +20,7 @@ std::optional<QString> environmentKey();
 std::optional<QString> effectiveKey();
 
 // Replaces the saved key; absent or blank text removes it. The file is readable by its
-// owner alone from the moment it exists. Raises Workspace::Failure when it can't be
+// owner alone from the moment it exists. Raises Failure when it can't be
 // written, and the old key is gone then too.
 void saveAPIKey(const std::optional<QString> &key);
 

@@ -2,7 +2,7 @@
 
 #include "core/MainTask.h"
 #include "model_service/Failures.h"
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 
 #include <QByteArray>
 #include <QString>

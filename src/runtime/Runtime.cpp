@@ -100,7 +100,7 @@ void Runtime::installToolchain()
         if (!self || !self->toolchain_.isReady() || self->loadedVersion_ || self->safeMode_)
             co_return;
         const QString summary =
-            self->state_.versions.isEmpty() ? QStringLiteral("The original app") : QStringLiteral("Rebuild");
+            self->state_.versions.isEmpty() ? originalAppSummary() : QStringLiteral("Rebuild");
         co_await self->build(summary);
     });
 }

@@ -37,6 +37,8 @@ public:
 
     // A version counts as good once the process has lived this long after its load.
     static constexpr std::chrono::seconds provingTime{4};
+    // The summary of a version built from the starter app.
+    static QString originalAppSummary() { return QStringLiteral("The original app"); }
 
     explicit Runtime(Workspace workspace = Workspace::shared(), QObject *parent = nullptr);
 

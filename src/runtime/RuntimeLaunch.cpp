@@ -20,11 +20,6 @@ bool safeModeAsked()
            Defaults::flag(QStringLiteral("ZentoroSafeMode"));
 }
 
-QString originalAppSummary()
-{
-    return QStringLiteral("The original app");
-}
-
 } // namespace
 
 void Runtime::launch()

@@ -20,11 +20,6 @@ QString rebuildSummary()
     return QStringLiteral("Rebuilt from the source folder");
 }
 
-QString originalSummary()
-{
-    return QStringLiteral("The original app");
-}
-
 void tellRebuilt(Runtime &runtime, const BuildOutcome &outcome)
 {
     if (const BuildOutcome::Success *success = outcome.success()) {
@@ -49,7 +44,7 @@ void tellReset(Runtime &runtime)
 void showOriginalFailed(Runtime &runtime, const BuildOutcome &outcome)
 {
     if (const BuildOutcome::Failure *failure = outcome.failure())
-        runtime.setBanner(Banner{QStringLiteral("The original app didn't build"), failure->text, false});
+        runtime.setBanner(Banner{Runtime::originalAppSummary() + QStringLiteral(" didn't build"), failure->text, false});
 }
 
 } // namespace
@@ -94,7 +89,7 @@ QCoro::Task<> Runtime::resetToOriginal()
     if (!installSeed())
         co_return;
     tellReset(*this);
-    const QString summary = originalSummary();
+    const QString summary = originalAppSummary();
     const BuildOutcome outcome = co_await build(summary);
     if (self)
         showOriginalFailed(*self, outcome);

@@ -1,7 +1,7 @@
 #include "runtime/RuntimeState.h"
 
 #include "core/AtomicFile.h"
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 
 #include <QFile>
 #include <QJsonDocument>

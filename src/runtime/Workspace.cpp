@@ -1,5 +1,7 @@
 #include "runtime/Workspace.h"
 
+#include "core/SupportFolder.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -109,7 +111,7 @@ Workspace Workspace::forName(const QString &name)
 
 QString Workspace::support()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Zentoro");
+    return supportFolder();
 }
 
 const Workspace &Workspace::shared()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/DescribedError.h"
+#include "core/Failure.h"
 
 #include <QString>
 #include <QStringList>
@@ -11,13 +11,7 @@ namespace zentoro {
 // Where this copy keeps its things. A copy is named by the file it was started as;
 // every path of its folder is built here and nowhere else.
 struct Workspace {
-    // An error with one text for the user; also used for words written for the user by
-    // the model service client and the sign-in.
-    struct Failure : DescribedError {
-        QString message;
-        explicit Failure(QString message) : message(std::move(message)) {}
-        QString errorDescription() const override { return message; }
-    };
+    using Failure = zentoro::Failure;
 
     QString name;
     QString root;

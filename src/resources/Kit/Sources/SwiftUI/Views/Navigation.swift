@@ -146,7 +146,7 @@ final class ShapeFillElement: Element {
     let color: RGBA
     init(_ color: RGBA) { self.color = color }
     override func measure(_ proposal: ProposedViewSize) -> CGSize { proposal.replacingUnspecifiedDimensions() }
-    override func draw(_ renderer: Renderer) { renderer.fill(Path(frame), .solid(color)) }
+    override func draw(_ renderer: HostBridge) { renderer.fill(Path(frame), .solid(color)) }
 }
 
 /// The content under a bar that shows the title and toolbar items found in it.

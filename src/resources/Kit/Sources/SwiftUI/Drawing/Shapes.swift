@@ -53,7 +53,7 @@ final class ShapeElement: Element {
     override func measure(_ proposal: ProposedViewSize) -> CGSize { view.sizing(proposal) }
     /// A stroke is centred on the outline; shapes may also draw past a frame that is smaller than they are.
     override var bleed: CGFloat? { (view.stroke.map { $0.1.lineWidth / 2 } ?? 0) + 2 }
-    override func draw(_ renderer: Renderer) {
+    override func draw(_ renderer: HostBridge) {
         let path = path(in: frame)
         func paint(_ style: AnyShapeStyle?) -> Paint {
             if let style { return style.paint(in: frame, environment: environment) }

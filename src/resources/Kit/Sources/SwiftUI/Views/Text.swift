@@ -270,7 +270,7 @@ final class TextElement: Element {
         // Words longer than the width break anywhere, so text never overflows what it accepts.
         return CGSize(width: min(wrapped.width, ideal.width, max(0, width)), height: wrapped.height)
     }
-    override func draw(_ renderer: Renderer) {
+    override func draw(_ renderer: HostBridge) {
         renderer.drawText(runs, alignment: alignment, lineLimit: lineLimit, in: frame)
     }
     override func contains(_ point: CGPoint) -> Bool { frame.contains(point) }

@@ -14,7 +14,7 @@ final class ModalElement: Element {
         s.width = min(s.width, limit.width ?? s.width); s.height = min(s.height, limit.height ?? s.height)
         panel.place(in: Alignment.center.place(s, in: rect))
     }
-    override func draw(_ renderer: Renderer) {
+    override func draw(_ renderer: HostBridge) {
         renderer.fill(Path(frame), .solid(dim))
         panel.draw(renderer)
     }

@@ -1,4 +1,4 @@
-#include "model_service/JSON.h"
+#include "core/JSON.h"
 
 #include <QStringDecoder>
 

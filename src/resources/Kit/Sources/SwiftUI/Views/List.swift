@@ -201,7 +201,7 @@ final class ListElement: Element {
         closePanel()
     }
 
-    override func draw(_ renderer: Renderer) {
+    override func draw(_ renderer: HostBridge) {
         if grouped {
             for panel in panels {
                 renderer.fill(Path(roundedRect: panel, cornerRadius: 8), .solid(self.panel))
@@ -291,7 +291,7 @@ final class LazyListElement: Element {
         made = made.filter { shown.contains($0.key) }
     }
 
-    override func draw(_ renderer: Renderer) {
+    override func draw(_ renderer: HostBridge) {
         if grouped, !panelRect.isNull {
             renderer.fill(Path(roundedRect: panelRect, cornerRadius: 8), .solid(panel))
             renderer.stroke(Path(roundedRect: panelRect.insetBy(dx: 0.5, dy: 0.5), cornerRadius: 8), .solid(border), StrokeStyle(lineWidth: 1))

@@ -17,7 +17,7 @@ struct ResolvedFont: Hashable {
     var italic: Bool
     var monospacedDigits: Bool
 
-    var c: ZentoroFont {
+    var hostValue: ZentoroFont {
         ZentoroFont(size: Double(size), weight: weight, design: design, italic: italic ? 1 : 0,
                     monospacedDigits: monospacedDigits ? 1 : 0)
     }
@@ -39,14 +39,14 @@ final class HostBridge {
         let strings = runs.map { strdup($0.string) }
         defer { strings.forEach { free($0) } }
         let cRuns = zip(runs, strings).map { run, string in
-            ZentoroTextRun(utf8: UnsafePointer(string), font: run.font.c,
-                           paint: ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: run.color.c, stops: nil, stopCount: 0,
+            ZentoroTextRun(utf8: UnsafePointer(string), font: run.font.hostValue,
+                           paint: ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: run.color.hostValue, stops: nil, stopCount: 0,
                                                start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0),
                            underline: run.underline ? 1 : 0, strikethrough: run.strikethrough ? 1 : 0)
         }
         return cRuns.withUnsafeBufferPointer { buffer in
             var text = ZentoroText(runs: buffer.baseAddress, runCount: Int32(buffer.count),
-                                   alignment: alignment.c, lineLimit: Int32(lineLimit ?? 0))
+                                   alignment: alignment.hostValue, lineLimit: Int32(lineLimit ?? 0))
             return body(&text)
         }
     }
@@ -82,12 +82,12 @@ final class HostBridge {
 
     func drawText(_ runs: [TextRun], alignment: TextAlignment, lineLimit: Int?, in rect: CGRect) {
         withText(runs, alignment: alignment, lineLimit: lineLimit) { text in
-            host.pointee.drawText(context, text, rect.c)
+            host.pointee.drawText(context, text, rect.hostValue)
         }
     }
 
     func placeTextField(_ identifier: Int64, rect: CGRect, text: String, prompt: String, font: ResolvedFont, flags: Int32) {
-        host.pointee.placeTextField(context, identifier, rect.c, text, prompt, font.c, flags)
+        host.pointee.placeTextField(context, identifier, rect.hostValue, text, prompt, font.hostValue, flags)
     }
 
     func save() { host.pointee.save(context) }
@@ -100,39 +100,39 @@ final class HostBridge {
     private func withPath<R>(_ path: Path, _ body: (UnsafePointer<ZentoroPath>) -> R) -> R {
         let elements = path.segments.map { segment -> ZentoroPathElement in
             switch segment {
-            case .move(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_MOVE), points: (p.c, ZentoroPoint(), ZentoroPoint()))
-            case .line(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_LINE), points: (p.c, ZentoroPoint(), ZentoroPoint()))
-            case let .quad(c, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_QUAD), points: (c.c, p.c, ZentoroPoint()))
-            case let .cubic(a, b, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_CUBIC), points: (a.c, b.c, p.c))
+            case .move(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_MOVE), points: (p.hostValue, ZentoroPoint(), ZentoroPoint()))
+            case .line(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_LINE), points: (p.hostValue, ZentoroPoint(), ZentoroPoint()))
+            case let .quad(c, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_QUAD), points: (c.hostValue, p.hostValue, ZentoroPoint()))
+            case let .cubic(a, b, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_CUBIC), points: (a.hostValue, b.hostValue, p.hostValue))
             case .close: return ZentoroPathElement(op: Int32(ZENTORO_PATH_CLOSE), points: (ZentoroPoint(), ZentoroPoint(), ZentoroPoint()))
             }
         }
         return elements.withUnsafeBufferPointer { buffer in
-            var cPath = ZentoroPath(elements: buffer.baseAddress, count: Int32(buffer.count), evenOdd: path.evenOdd ? 1 : 0)
-            return body(&cPath)
+            var hostPath = ZentoroPath(elements: buffer.baseAddress, count: Int32(buffer.count), evenOdd: path.evenOdd ? 1 : 0)
+            return body(&hostPath)
         }
     }
 
     private func withPaint<R>(_ paint: Paint, _ body: (UnsafePointer<ZentoroPaint>) -> R) -> R {
-        var c = ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: ZentoroColor(), stops: nil, stopCount: 0,
-                             start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0)
+        var hostPaint = ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: ZentoroColor(), stops: nil, stopCount: 0,
+                                     start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0)
         let stops: [(Double, RGBA)]
         switch paint {
         case .solid(let color):
-            c.color = color.c
+            hostPaint.color = color.hostValue
             stops = []
         case let .linear(s, start, end):
-            c.kind = Int32(ZENTORO_PAINT_LINEAR); c.start = start.c; c.end = end.c; stops = s
+            hostPaint.kind = Int32(ZENTORO_PAINT_LINEAR); hostPaint.start = start.hostValue; hostPaint.end = end.hostValue; stops = s
         case let .radial(s, center, r0, r1):
-            c.kind = Int32(ZENTORO_PAINT_RADIAL); c.start = center.c; c.startRadius = Double(r0); c.endRadius = Double(r1); stops = s
+            hostPaint.kind = Int32(ZENTORO_PAINT_RADIAL); hostPaint.start = center.hostValue; hostPaint.startRadius = Double(r0); hostPaint.endRadius = Double(r1); stops = s
         case let .angular(s, center, angle):
-            c.kind = Int32(ZENTORO_PAINT_ANGULAR); c.start = center.c; c.angle = angle; stops = s
+            hostPaint.kind = Int32(ZENTORO_PAINT_ANGULAR); hostPaint.start = center.hostValue; hostPaint.angle = angle; stops = s
         }
-        let cStops = stops.map { ZentoroGradientStop(location: $0.0, color: $0.1.c) }
-        return cStops.withUnsafeBufferPointer { buffer in
-            c.stops = buffer.baseAddress
-            c.stopCount = Int32(buffer.count)
-            return body(&c)
+        let hostStops = stops.map { ZentoroGradientStop(location: $0.0, color: $0.1.hostValue) }
+        return hostStops.withUnsafeBufferPointer { buffer in
+            hostPaint.stops = buffer.baseAddress
+            hostPaint.stopCount = Int32(buffer.count)
+            return body(&hostPaint)
         }
     }
 
@@ -154,21 +154,18 @@ final class HostBridge {
         }
     }
     func shadow(_ path: Path, color: RGBA, radius: CGFloat, offset: CGSize) {
-        withPath(path) { host.pointee.shadowPath(context, $0, color.c, Double(radius), Double(offset.width), Double(offset.height)) }
+        withPath(path) { host.pointee.shadowPath(context, $0, color.hostValue, Double(radius), Double(offset.width), Double(offset.height)) }
     }
     func drawSymbol(_ name: String, in rect: CGRect, paint: Paint) {
-        withPaint(paint) { host.pointee.drawSymbol(context, name, rect.c, $0) }
+        withPaint(paint) { host.pointee.drawSymbol(context, name, rect.hostValue, $0) }
     }
 }
 
-/// What elements draw with; one per render.
-typealias Renderer = HostBridge
-
-extension RGBA { var c: ZentoroColor { ZentoroColor(red: red, green: green, blue: blue, alpha: alpha) } }
-extension CGPoint { var c: ZentoroPoint { ZentoroPoint(x: Double(x), y: Double(y)) } }
-extension CGRect { var c: ZentoroRect { ZentoroRect(x: Double(minX), y: Double(minY), width: Double(width), height: Double(height)) } }
+extension RGBA { var hostValue: ZentoroColor { ZentoroColor(red: red, green: green, blue: blue, alpha: alpha) } }
+extension CGPoint { var hostValue: ZentoroPoint { ZentoroPoint(x: Double(x), y: Double(y)) } }
+extension CGRect { var hostValue: ZentoroRect { ZentoroRect(x: Double(minX), y: Double(minY), width: Double(width), height: Double(height)) } }
 extension TextAlignment {
-    var c: Int32 {
+    var hostValue: Int32 {
         switch self {
         case .leading: return Int32(ZENTORO_ALIGN_LEADING)
         case .center: return Int32(ZENTORO_ALIGN_CENTER)
@@ -253,7 +250,7 @@ public func _zentoroViewUpdate(_ view: UnsafeMutableRawPointer?, _ damaged: Unsa
         case .whole: return Int32(ZENTORO_DAMAGE_WHOLE)
         case .rect(let r):
             if r.isNull { return Int32(ZENTORO_DAMAGE_NONE) }
-            damaged?.assumingMemoryBound(to: ZentoroRect.self).pointee = r.c
+            damaged?.assumingMemoryBound(to: ZentoroRect.self).pointee = r.hostValue
             return Int32(ZENTORO_DAMAGE_RECT)
         }
     }

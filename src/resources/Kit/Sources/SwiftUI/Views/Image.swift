@@ -52,7 +52,7 @@ final class SymbolElement: Element {
         return proposal.replacingUnspecifiedDimensions(by: CGSize(width: pointSize, height: pointSize))
     }
     override var bleed: CGFloat? { 2 }
-    override func draw(_ renderer: Renderer) {
+    override func draw(_ renderer: HostBridge) {
         renderer.drawSymbol(name, in: frame, paint: environment.foregroundRGBA(in: frame))
     }
     override func contains(_ point: CGPoint) -> Bool { frame.contains(point) }

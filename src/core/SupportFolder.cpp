@@ -1,0 +1,12 @@
+#include "core/SupportFolder.h"
+
+#include <QStandardPaths>
+
+namespace zentoro {
+
+QString supportFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Zentoro");
+}
+
+} // namespace zentoro
