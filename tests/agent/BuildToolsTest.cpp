@@ -22,17 +22,13 @@ protected:
     QTemporaryDir dir;
     Workspace workspace{QStringLiteral("Tools"), dir.path() + QStringLiteral("/Apps/Tools")};
     Runtime runtime{workspace};
-    Agent agent{AgentOperations{}};
+    Agent agent{AgentOperations{}, workspace};
 
-    void SetUp() override
-    {
-        agent.runtime = &runtime;
-        QDir().mkpath(workspace.logs());
-    }
+    void SetUp() override { QDir().mkpath(workspace.logs()); }
 
     ToolResult call(const QString &name, const JSON &arguments = JSON::object())
     {
-        return test::await(Tools::perform(agent, workspace, BuildTools::runtimeTools(), name, arguments));
+        return test::await(Tools::perform(agent, workspace, BuildTools::runtimeTools(runtime), name, arguments));
     }
     ToolResult readLog(const QString &which) { return call("read_log", JSON::object({{"which", which}})); }
     void writeLog(CrashLog::Which which, const QByteArray &bytes)
