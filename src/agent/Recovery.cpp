@@ -92,14 +92,6 @@ ChatItem failureRow(const OpenAI::Failure &failure, Provider provider, const Pla
 
 } // namespace
 
-PlanService PlanService::standard()
-{
-    QString origin = qEnvironmentVariable("ZENTORO_CHATGPT_BASE", QStringLiteral("https://chatgpt.com"));
-    while (origin.endsWith(u'/'))
-        origin.chop(1);
-    return PlanService{QUrl(origin + QStringLiteral("/settings/usage")), std::chrono::seconds(5)};
-}
-
 namespace FailureRecovery {
 
 QCoro::Task<bool> recover(Agent &agent, const TaskHandle &task, const OpenAI::Failure &failure, Provider provider,

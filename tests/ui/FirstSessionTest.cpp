@@ -9,11 +9,11 @@
 #include "model_service/AgentConfig.h"
 #include "runtime/PluginContainerView.h"
 #include "support/Alert.h"
-#include "support/Files.h"
 #include "support/FakeResponsesServer.h"
-#include "ui/Commands.h"
+#include "support/Files.h"
 #include "ui/Composer.h"
 #include "ui/ZentoroApp.h"
+#include "ui/ZentoroCommands.h"
 
 #include <QFile>
 #include <QMenu>
