@@ -1,6 +1,8 @@
 #include "agent/Agent.h"
 
 #include "core/Defaults.h"
+#include "core/Log.h"
+#include "core/Text.h"
 
 #include <QPointer>
 
@@ -31,6 +33,15 @@ ChatItem errorRow(const QString &text)
     ChatItem item = ChatItem::make(ChatItem::Kind::Error, text);
     item.failed = true;
     return item;
+}
+
+// How a run ended shows in its last row: an answer, "Stopped", an error.
+void logRunEnd(const QList<ChatItem> &items)
+{
+    const QString last = items.isEmpty() ? QStringLiteral("none")
+                                          : ChatItem::kindText(items.last().kind) + QStringLiteral(": ") +
+                                                Text::firstCharacters(items.last().text, 300);
+    qCDebug(logAgent, "The run ended; its last row is %s", qUtf8Printable(last));
 }
 
 QString stepLimitText()
@@ -100,6 +111,8 @@ void Agent::send(const QString &text)
 
 void Agent::start()
 {
+    qCDebug(logAgent, "A run starts with %lld items of history and %lld waiting.", qlonglong(history_.size()),
+            qlonglong(pendingInput_.size()));
     setRunning(true);
     startedAt_ = QDateTime::currentDateTimeUtc();
     emit startedAtChanged();
@@ -110,6 +123,7 @@ void Agent::start()
         co_await weak->loop(self);
         if (!weak)
             co_return;
+        logRunEnd(weak->items_);
         weak->setRunning(false);
         if (weak->startedAt_) {
             weak->startedAt_.reset();
