@@ -23,7 +23,7 @@ namespace {
 
 void *loadApp(const QString &name)
 {
-    const QString file = QFileInfo(QStringLiteral(__FILE__)).dir().filePath(QStringLiteral("../kit_apps/%1/App.swift").arg(name));
+    const QString file = QStringLiteral(ZENTORO_TESTS_DIR "/kit_apps/%1/App.swift").arg(name);
     return test::loadApp(QStringLiteral("Ref") + name, test::readText(file));
 }
 

@@ -135,8 +135,8 @@ final class Hosted {
         // As the window does, take what changed before painting.
         _ = update()
         if let clip {
-            var c = clip.c
-            _zentoroViewRender(view, &c)
+            var hostClip = clip.hostValue
+            _zentoroViewRender(view, &hostClip)
         } else {
             _zentoroViewRender(view, nil)
         }
