@@ -30,9 +30,7 @@ QString messageText(const JSON &message)
 
 ChatItem errorRow(const QString &text)
 {
-    ChatItem item = ChatItem::make(ChatItem::Kind::Error, text);
-    item.failed = true;
-    return item;
+    return ChatItem::make(ChatItem::Kind::Error, text);
 }
 
 QString stepLimitText()

@@ -70,10 +70,14 @@ void Runtime::setIsBuilding(bool building)
 QCoro::Task<> Runtime::checkToolchain()
 {
     QPointer<Runtime> self(this);
+    ++checks_;
     setToolchain(Toolchain::checking());
     Toolchain found = co_await Toolchain::detect();
-    if (self)
-        self->setToolchain(std::move(found));
+    if (!self)
+        co_return;
+    --checks_;
+    setToolchain(std::move(found));
+    emit toolchainChecked();
 }
 
 void Runtime::installToolchain()

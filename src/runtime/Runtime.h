@@ -64,7 +64,8 @@ public:
     // Tells the agent of an event: the line shown in the chat, then the note for the model.
     std::function<void(const QString &shown, const QString &told)> onEvent = [](const QString &, const QString &) {};
 
-    // Looks for the compiler again and stores what it finds.
+    // Looks for the compiler again and stores what it finds. A build asked for meanwhile
+    // waits for the answer.
     QCoro::Task<> checkToolchain();
     // Starts the toolchain's installation and waits for it in a task of its own; when a
     // compiler turns up and nothing runs yet, builds the app.
@@ -98,6 +99,8 @@ public:
 signals:
     void stateChanged();
     void toolchainChanged();
+    // A look for the compiler has ended, whatever it found.
+    void toolchainChecked();
     void loadedVersionChanged();
     void generationChanged();
     void isBuildingChanged();
@@ -125,6 +128,8 @@ private:
     void *library_ = nullptr;
     QList<QPointer<PluginContainerView>> containers_;
     bool launched_ = false;
+    // Looks for the compiler under way.
+    int checks_ = 0;
 };
 
 } // namespace zentoro

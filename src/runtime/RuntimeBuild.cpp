@@ -7,6 +7,7 @@
 #include "core/AtomicFile.h"
 
 #include <QDir>
+#include <QCoroSignal>
 #include <QElapsedTimer>
 #include <QFile>
 
@@ -34,6 +35,9 @@ bool copyFolder(const QString &from, const QString &to)
 
 QCoro::Task<BuildOutcome> Runtime::build(QString summary)
 {
+    // The compiler is looked for at every start: a build asked for in that moment waits.
+    while (checks_ > 0)
+        co_await qCoro(this, &Runtime::toolchainChecked);
     if (!toolchain_.isReady()) {
         co_return BuildOutcome{BuildOutcome::Failure{
             QStringLiteral("The Swift compiler isn't available yet (%1). Ask the user to install the Swift toolchain "
@@ -97,7 +101,7 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
 
     if (const std::optional<QString> error = load(number)) {
         co_return BuildOutcome{
-            BuildOutcome::Failure{QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(number).arg(*error)}};
+            BuildOutcome::Failure{QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(QString::number(number), *error)}};
     }
     co_return BuildOutcome{BuildOutcome::Success{number, clock.elapsed() / 1000.0, output}};
 }

@@ -129,6 +129,7 @@ TEST(AgentLoop, ACutShortResponseShowsWhyAndStillRunsItsCalls)
     EXPECT_EQ(harness.texts(), (QStringList{"user: go", "error: The response was cut short (max_output_tokens).",
                                             "tool: row list_files",
                                             "error: The response was cut short (unknown reason)."}));
+    EXPECT_FALSE(harness.agent.items()[1].failed);
 }
 
 TEST(AgentLoop, EightyStepsEndTheRunWithTheLastOutputsQueued)
@@ -157,6 +158,7 @@ TEST(AgentLoop, AFailureEndsInOneErrorRowAndKeepsTheInput)
     harness.fail({OpenAI::Failure(429, "rate_limit", std::nullopt, "Slow down.")});
     harness.sendAndFinish("hi");
     EXPECT_EQ(harness.texts().last(), "error: OpenAI error 429: Slow down.");
+    EXPECT_EQ(harness.agent.items().last().toJSON().boolAt("failed"), false);
     EXPECT_EQ(harness.agent.pendingInput.size(), 2);
     EXPECT_TRUE(harness.agent.history.isEmpty());
 }

@@ -1,3 +1,4 @@
+#include "runtime/Runtime.h"
 #include "runtime/Toolchain.h"
 
 #include "core/Defaults.h"
@@ -5,6 +6,7 @@
 #include "support/Await.h"
 #include "support/Files.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -86,4 +88,23 @@ TEST(Toolchain, SimulatedMissingToolsWinOverAWorkingCompiler)
     const Toolchain simulated = test::await(Toolchain::detect());
     Defaults::remove(QStringLiteral("ZentoroSimulateMissingTools"));
     EXPECT_EQ(simulated, Toolchain::missing());
+}
+
+// Just after a start the compiler is still being looked for; a build asked for then waits for
+// the answer instead of calling the compiler unavailable.
+TEST(Toolchain, ABuildAskedForDuringTheCheckWaitsForIt)
+{
+    QTemporaryDir bin;
+    PathOverride path(bin.path());
+    writeScript(bin.path() + QStringLiteral("/swiftc"), "sleep 0.3\necho 'Swift version 6.3.1 (swift-6.3.1-RELEASE)'\n");
+    QTemporaryDir dir;
+    const Workspace workspace{QStringLiteral("Early"), dir.path() + QStringLiteral("/Apps/Early")};
+    QDir().mkpath(workspace.sources());
+    Runtime runtime(workspace);
+    const TaskHandle checking = startTask([&runtime](TaskHandle) -> QCoro::Task<> { co_await runtime.checkToolchain(); });
+    ASSERT_EQ(runtime.toolchain().kind(), Toolchain::Case::Checking);
+    const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("Early")));
+    EXPECT_TRUE(checking.isFinished());
+    ASSERT_TRUE(outcome.failure());
+    EXPECT_EQ(outcome.failure()->text, QStringLiteral("There are no .swift files in the source folder."));
 }
