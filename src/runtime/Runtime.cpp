@@ -149,6 +149,7 @@ std::optional<QString> Runtime::load(int version)
     if (leftSafeMode)
         emit safeModeChanged();
     emit generationChanged();
+    keepSavingHostedSettings();
     std::printf("Zentoro: loaded version %d\n", version);
     std::fflush(stdout);
 

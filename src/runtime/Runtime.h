@@ -10,6 +10,7 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <QCoroTask>
 
@@ -92,6 +93,11 @@ public:
     // again, then quits in order; stays running with a banner when the script can't start.
     void relaunch(bool safeMode);
 
+    // Writes the hosted app's stored settings, its own suite and the standard defaults, to
+    // disk through the loaded version's kit: Foundation on Linux keeps them in memory until
+    // asked. Runs every second while a version is loaded and before every orderly quit.
+    void saveHostedSettings() const;
+
     // PNG bytes of the hosted view in the key window's container, or the first shown one,
     // at most `maxWidth` pixels wide; none when no version is loaded or no container is showing.
     std::optional<QByteArray> snapshot(double maxWidth) const;
@@ -115,6 +121,8 @@ private:
     QCoro::Task<BuildOutcome> compileAndLoad(int number, QString summary);
     // Puts the starter app in the source folder; false, with a banner, when that fails.
     bool installSeed();
+    // Starts saving the hosted app's settings every second, once a version is loaded.
+    void keepSavingHostedSettings();
 
     Workspace workspace_;
     RuntimeState state_;
@@ -130,6 +138,7 @@ private:
     bool launched_ = false;
     // Looks for the compiler under way.
     int checks_ = 0;
+    QTimer *settingsSaver_ = nullptr;
 };
 
 } // namespace zentoro

@@ -96,7 +96,7 @@ TEST(Toolchain, ABuildAskedForDuringTheCheckWaitsForIt)
 {
     QTemporaryDir bin;
     PathOverride path(bin.path());
-    writeScript(bin.path() + QStringLiteral("/swiftc"), "sleep 0.3\necho 'Swift version 6.3.1 (swift-6.3.1-RELEASE)'\n");
+    writeScript(bin.path() + QStringLiteral("/swiftc"), "/bin/sleep 0.3\necho 'Swift version 6.3.1 (swift-6.3.1-RELEASE)'\n");
     QTemporaryDir dir;
     const Workspace workspace{QStringLiteral("Early"), dir.path() + QStringLiteral("/Apps/Early")};
     QDir().mkpath(workspace.sources());

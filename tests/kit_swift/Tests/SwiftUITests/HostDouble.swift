@@ -117,7 +117,7 @@ final class Hosted {
     private var hostStorage: UnsafeMutablePointer<ZentoroHost>
 
     init<V: View>(_ root: V, width: Double = 400, height: Double = 300) {
-        view = ZentoroHosting.makeRootView(root)
+        view = ZentoroHosting.makeRootView(root, appName: "Kit Double")
         hostStorage = .allocate(capacity: 1)
         hostStorage.initialize(to: double.host)
         _zentoroViewAttach(view, UnsafeRawPointer(hostStorage))
