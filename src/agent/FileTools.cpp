@@ -177,8 +177,8 @@ ToolResult deleteFile(const Workspace &workspace, const QString &path)
     try {
         const QString file = workspace.resolve(path);
         const QFileInfo info(file);
-        // A link is removed itself; what it points at stays. A folder goes with all it
-        // holds, its links again removed themselves.
+        // A link is removed itself, never what it leads to; a folder goes with all it holds,
+        // the links in it removed the same way.
         if (!info.isSymLink() && !info.exists())
             throw Failure(QStringLiteral("There's no file at %1.").arg(path.trimmed()));
         if (info.isDir() && !info.isSymLink()) {

@@ -40,10 +40,11 @@ QString running(const RuntimeState &state, std::optional<int> loadedVersion, con
 QString sourceFiles(const Workspace &workspace)
 {
     QStringList described;
-    for (const QString &file : workspace.files())
+    for (const QString &file : workspace.files()) {
         // Text that isn't UTF-8 has no lines here.
-        described.append(QStringLiteral("%1 (%2 lines)")
-                             .arg(workspace.relativePath(file), QString::number(FileTools::linesIn(file).value_or(0))));
+        const qsizetype count = FileTools::linesIn(file).value_or(0);
+        described.append(QStringLiteral("%1 (%2 lines)").arg(workspace.relativePath(file), QString::number(count)));
+    }
     return described.isEmpty() ? QStringLiteral("none") : described.join(QStringLiteral(", "));
 }
 

@@ -17,7 +17,8 @@ void Runtime::saveHostedSettings() const
     if (!library_)
         return;
     // Found through the version library, which holds the kit it was built against.
-    const auto save = reinterpret_cast<decltype(&zentoro_kit_save_settings)>(dlsym(library_, "zentoro_kit_save_settings"));
+    using Save = decltype(&zentoro_kit_save_settings);
+    const auto save = reinterpret_cast<Save>(dlsym(library_, "zentoro_kit_save_settings"));
     if (save)
         save(workspace_.defaultsSuite().toUtf8().constData());
 }

@@ -147,11 +147,14 @@ TEST_F(FileToolsTest, ReadFileRefusesWhatIsNoReadableTextFile)
     const QByteArray table = "let table = [\n" + QByteArray("    1, 2, 3, 4, 5, 6, 7, 8,\n").repeated(100000) + "]\n";
     put("Table.swift", table);
     EXPECT_EQ(output(call("read_file", QStringLiteral("Table.swift"))).size(), table.size());
-    EXPECT_FALSE(call("edit_file", QStringLiteral("Table.swift"), {{"old_text", "]\n"}, {"new_text", "].map { $0 }\n"}}).item.failed);
+    const ToolResult edited =
+        call("edit_file", QStringLiteral("Table.swift"), {{"old_text", "]\n"}, {"new_text", "].map { $0 }\n"}});
+    EXPECT_FALSE(edited.item.failed);
     QFile huge(source("Huge.swift"));
     ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize((qint64(16) << 20) + 1));
     huge.close();
-    expectRefused("read_file", "Huge.swift", "Huge.swift is too large to read: 16777217 bytes. Files of up to 16 MB can be read.");
+    expectRefused("read_file", "Huge.swift",
+                  "Huge.swift is too large to read: 16777217 bytes. Files of up to 16 MB can be read.");
 }
 
 TEST_F(FileToolsTest, WriteFileCreatesOrRewritesWholeFiles)

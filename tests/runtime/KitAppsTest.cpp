@@ -92,12 +92,14 @@ TEST(KitApps, TodoListAddsChecksDeletesAndKeepsItsItemsAcrossRestarts)
         QTest::keyClick(fields.first(), Qt::Key_Return);
         ASSERT_TRUE(test::spinUntil([&] { return fields.first()->text().isEmpty(); })) << "the field clears after adding";
         // Within a moment the item is on disk in the copy's own settings, with no help from the host.
-        const QString settings = qEnvironmentVariable("XDG_CONFIG_HOME") + u'/' + test::kitTestCopy().defaultsSuite() + ".plist";
+        const QString settings =
+            qEnvironmentVariable("XDG_CONFIG_HOME") + u'/' + test::kitTestCopy().defaultsSuite() + ".plist";
         const auto stored = [&] {
             static const QRegularExpression data(QStringLiteral("<key>todoItems</key>\\s*<data>([^<]*)</data>"));
             return QByteArray::fromBase64(data.match(test::readText(settings)).captured(1).toLatin1());
         };
-        EXPECT_TRUE(test::spinUntil([&] { return stored().contains("Buy milk"); }, 1s)) << test::readText(settings).toStdString();
+        EXPECT_TRUE(test::spinUntil([&] { return stored().contains("Buy milk"); }, 1s))
+            << test::readText(settings).toStdString();
 
         // The new row's empty circle sits before its title (the first dark text under the field,
         // below the grey section header); a click checks it.

@@ -96,12 +96,14 @@ TEST(Toolchain, ABuildAskedForDuringTheCheckWaitsForIt)
 {
     QTemporaryDir bin;
     PathOverride path(bin.path());
-    writeScript(bin.path() + QStringLiteral("/swiftc"), "/bin/sleep 0.3\necho 'Swift version 6.3.1 (swift-6.3.1-RELEASE)'\n");
+    writeScript(bin.path() + QStringLiteral("/swiftc"),
+                "/bin/sleep 0.3\necho 'Swift version 6.3.1 (swift-6.3.1-RELEASE)'\n");
     QTemporaryDir dir;
     const Workspace workspace{QStringLiteral("Early"), dir.path() + QStringLiteral("/Apps/Early")};
     QDir().mkpath(workspace.sources());
     Runtime runtime(workspace);
-    const TaskHandle checking = startTask([&runtime](TaskHandle) -> QCoro::Task<> { co_await runtime.checkToolchain(); });
+    const TaskHandle checking =
+        startTask([&runtime](TaskHandle) -> QCoro::Task<> { co_await runtime.checkToolchain(); });
     ASSERT_EQ(runtime.toolchain().kind(), Toolchain::Case::Checking);
     const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("Early")));
     EXPECT_TRUE(checking.isFinished());
