@@ -3,7 +3,7 @@
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: run test bench deps configure build clean
+.PHONY: run test bench fuzz deps configure build clean
 
 deps:
 	@scripts/install-deps
@@ -22,6 +22,11 @@ test: build
 
 bench: build
 	@bench/run $(BUILD_DIR)
+
+# Searches every parser for new failures for FUZZ_SECONDS each; fails on any finding.
+FUZZ_SECONDS ?= 60
+fuzz: deps
+	@scripts/fuzz search $(BUILD_DIR)/fuzz $(FUZZ_SECONDS)
 
 clean:
 	rm -rf $(BUILD_DIR)

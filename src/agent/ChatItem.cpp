@@ -2,6 +2,8 @@
 
 #include "core/Text.h"
 
+#include <QTimeZone>
+
 namespace zentoro {
 
 namespace {

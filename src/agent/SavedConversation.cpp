@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTimeZone>
 #include <QRegularExpression>
 
 #include <cmath>
