@@ -110,7 +110,9 @@ void Agent::writeConversation()
     if (!items_.isEmpty() || !pendingInput.isEmpty()) {
         QDir().mkpath(conversationsFolder());
         try {
-            AtomicFile::write(path, encoder().encode(current));
+            // Written at once, so a crash in the next step finds it; flushed off the window's thread.
+            if (!AtomicFile::write(path, encoder().encode(current), 0644, AtomicFile::Durability::Written))
+                AtomicFile::flushInBackground(path);
         } catch (const JSON::Error &) {
             // A value JSON can't hold; the old file stands and the next save tries again.
         }
