@@ -84,6 +84,7 @@ public:
     // Conversations on disk. `writeConversation` writes the open one and patches the list;
     // the program's `save` operation is this.
     void writeConversation();
+    void showDiskFull(const std::optional<QString> &error);
     Saved saved() const;
     // Replaces the working copy; touches neither the disk nor the list.
     void load(const Saved &saved);

@@ -3,6 +3,7 @@
 #include "agent/ConversationEncoder.h"
 #include "core/AtomicFile.h"
 #include "core/Defaults.h"
+#include "runtime/DiskFull.h"
 #include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
 
@@ -81,6 +82,18 @@ QString restartAnswer(std::optional<int> loadedVersion)
 
 } // namespace
 
+// A full disk is the one save failure the user can act on; the strip goes once a save succeeds.
+void Agent::showDiskFull(const std::optional<QString> &error)
+{
+    if (!runtime)
+        return;
+    const Banner full = DiskFull::banner(QStringLiteral("this conversation"));
+    if (error && AtomicFile::isDiskFull(*error))
+        runtime->setBanner(full);
+    else if (!error && runtime->banner() == full)
+        runtime->setBanner(std::nullopt);
+}
+
 Agent::Saved Agent::saved() const
 {
     Saved saved;
@@ -111,8 +124,11 @@ void Agent::writeConversation()
         QDir().mkpath(conversationsFolder());
         try {
             // Written at once, so a crash in the next step finds it; flushed off the window's thread.
-            if (!AtomicFile::write(path, encoder().encode(current), 0644, AtomicFile::Durability::Written))
+            const std::optional<QString> error =
+                AtomicFile::write(path, encoder().encode(current), 0644, AtomicFile::Durability::Written);
+            if (!error)
                 AtomicFile::flushInBackground(path);
+            showDiskFull(error);
         } catch (const JSON::Error &) {
             // A value JSON can't hold; the old file stands and the next save tries again.
         }

@@ -1,5 +1,7 @@
 #include "runtime/Runtime.h"
 
+#include "core/AtomicFile.h"
+#include "runtime/DiskFull.h"
 #include "runtime/PluginContainerView.h"
 
 #include <QFile>
@@ -46,7 +48,13 @@ void Runtime::saveState(RuntimeState state)
 {
     const bool changed = state_ != state;
     state_ = std::move(state);
-    state_.write(workspace_.stateFile());
+    // Other failures stay silent: the user can't act on them, and the next save tries again.
+    const std::optional<QString> error = state_.write(workspace_.stateFile());
+    const Banner full = DiskFull::banner(QStringLiteral("the app's versions"));
+    if (error && AtomicFile::isDiskFull(*error))
+        setBanner(full);
+    else if (!error && banner_ == full)
+        setBanner(std::nullopt);
     if (changed)
         emit stateChanged();
 }

@@ -1,6 +1,7 @@
 #include "runtime/Runtime.h"
 
 #include "runtime/BuildSteps.h"
+#include "runtime/DiskFull.h"
 #include "runtime/Kit.h"
 #include "runtime/Shell.h"
 
@@ -70,6 +71,8 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
     const Kit::Build kit = co_await Kit::ensureBuilt(TaskHandle(), compiler.swiftc, compiler.version);
     if (!kit.ok()) {
         QDir(folder).removeRecursively();
+        if (DiskFull::explainsBuildFailure(kit.error, workspace_.build()))
+            co_return BuildOutcome{BuildOutcome::Failure{DiskFull::buildFailure()}};
         co_return BuildOutcome{BuildOutcome::Failure{kit.error}};
     }
     const QString library = workspace_.dylib(number);
@@ -88,6 +91,8 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
 
     if (result.status != 0 || !QFile::exists(library)) {
         QDir(folder).removeRecursively();
+        if (DiskFull::explainsBuildFailure(result.output, workspace_.build()))
+            co_return BuildOutcome{BuildOutcome::Failure{DiskFull::buildFailure()}};
         co_return BuildOutcome{BuildOutcome::Failure{
             output.isEmpty() ? QStringLiteral("swiftc failed (status %1).").arg(result.status) : output}};
     }

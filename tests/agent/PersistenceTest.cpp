@@ -1,13 +1,18 @@
 #include "agent/Agent.h"
 #include "core/Defaults.h"
+#include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
 
 #include "support/Await.h"
+#include "support/DiskFaults.h"
 #include "support/FakeAgent.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include <cerrno>
 
 #include <gtest/gtest.h>
 
@@ -410,4 +415,28 @@ TEST_F(Persistence, AfterALaunchOpenCallsAreAnsweredAndOnlyAnAskedForRestartGoes
     EXPECT_EQ(onDisk.arrayAt("pendingInput")->size(), 2u);
     asked.task().cancel();
     ASSERT_TRUE(test::spinUntil([&] { return !asked.isRunning(); }));
+}
+
+TEST_F(Persistence, AFullDiskIsShownInTheWindowAndForgottenOnceASaveSucceeds)
+{
+    Runtime runtime(Workspace::shared());
+    Agent agent;
+    agent.runtime = &runtime;
+    agent.setItems({userRow("Make a timer")});
+    agent.writeConversation();
+    const QString path = fileOf(agent.saved().id.value());
+    const QString before = test::readText(path);
+
+    agent.setItems({userRow("Make a timer"), userRow("Louder")});
+    {
+        test::DiskFaults full(ENOSPC);
+        agent.writeConversation();
+    }
+    ASSERT_TRUE(runtime.banner().has_value());
+    EXPECT_EQ(runtime.banner()->title, "The disk is full: Zentoro couldn't save this conversation.");
+    EXPECT_EQ(test::readText(path), before);
+
+    agent.writeConversation();
+    EXPECT_FALSE(runtime.banner().has_value());
+    EXPECT_NE(test::readText(path), before);
 }

@@ -1,3 +1,4 @@
+#include "runtime/DiskFull.h"
 #include "runtime/Runtime.h"
 #include "runtime/Toolchain.h"
 
@@ -109,4 +110,21 @@ TEST(Toolchain, ABuildAskedForDuringTheCheckWaitsForIt)
     EXPECT_TRUE(checking.isFinished());
     ASSERT_TRUE(outcome.failure());
     EXPECT_EQ(outcome.failure()->text, QStringLiteral("There are no .swift files in the source folder."));
+}
+
+TEST(Toolchain, ABuildThatRanOutOfSpaceIsToldAsAFullDiskNotAsACompilerError)
+{
+    QTemporaryDir bin;
+    PathOverride path(bin.path());
+    writeScript(bin.path() + QStringLiteral("/swiftc"),
+                "case \"$1\" in --version) echo 'Swift version 6.3.1 (swift-6.3.1-RELEASE)';;\n"
+                "*) echo 'error: unable to write module: No space left on device' >&2; exit 1;; esac\n");
+    QTemporaryDir dir;
+    const Workspace workspace{QStringLiteral("Full"), dir.path() + QStringLiteral("/Apps/Full")};
+    test::writeFile(workspace.sources() + QStringLiteral("/AppRoot.swift"), "struct AppRoot {}");
+    Runtime runtime(workspace);
+    test::await(runtime.checkToolchain());
+    const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("Full")));
+    ASSERT_TRUE(outcome.failure());
+    EXPECT_EQ(outcome.failure()->text, DiskFull::buildFailure());
 }
