@@ -101,15 +101,25 @@ std::optional<qsizetype> linesIn(const QString &file)
     return bytes.count('\n') + 1;
 }
 
+QStringList described(const Workspace &workspace, qsizetype unreadableLines)
+{
+    const QStringList files = workspace.files();
+    QStringList lines;
+    for (const QString &file : files.mid(0, listedLimit)) {
+        const qsizetype count = linesIn(file).value_or(unreadableLines);
+        lines.append(workspace.relativePath(file) + QStringLiteral(" (") + QString::number(count) +
+                     QStringLiteral(" lines)"));
+    }
+    if (files.size() > listedLimit)
+        lines.append(QStringLiteral("… and %1 more files").arg(files.size() - listedLimit));
+    return lines;
+}
+
 ToolResult listFiles(Agent &agent, const Workspace &workspace)
 {
     agent.setActivity(QStringLiteral("Looking around…"));
-    QStringList lines;
-    for (const QString &file : workspace.files()) {
-        // An unreadable file still shows, as empty text.
-        const qsizetype count = linesIn(file).value_or(1);
-        lines.append(QStringLiteral("%1 (%2 lines)").arg(workspace.relativePath(file), QString::number(count)));
-    }
+    // An unreadable file still shows, as empty text.
+    const QStringList lines = described(workspace, 1);
     const QString listing = lines.join(u'\n');
     return ToolResult{JSON(lines.isEmpty() ? QStringLiteral("(no files)") : listing),
                       row(QStringLiteral("Listed the files"), "folder", Tools::limited(listing))};

@@ -26,6 +26,12 @@ inline constexpr qint64 readLimit = qint64(16) << 20;
 // without holding the text.
 std::optional<qsizetype> linesIn(const QString &file);
 
+// The source files as the model is told them, "<path> (<n> lines)", the unreadable ones with
+// `unreadableLines`. Past `listedLimit` files the rest are counted in one last entry: a
+// folder of thousands would fill every request and take seconds to count.
+inline constexpr qsizetype listedLimit = 1000;
+QStringList described(const Workspace &workspace, qsizetype unreadableLines);
+
 ToolResult listFiles(Agent &agent, const Workspace &workspace);
 ToolResult readFile(Agent &agent, const Workspace &workspace, const QString &path);
 ToolResult writeFile(Agent &agent, const Workspace &workspace, const QString &path, const QString &content);

@@ -39,12 +39,8 @@ QString running(const RuntimeState &state, std::optional<int> loadedVersion, con
 
 QString sourceFiles(const Workspace &workspace)
 {
-    QStringList described;
-    for (const QString &file : workspace.files()) {
-        // Text that isn't UTF-8 has no lines here.
-        const qsizetype count = FileTools::linesIn(file).value_or(0);
-        described.append(QStringLiteral("%1 (%2 lines)").arg(workspace.relativePath(file), QString::number(count)));
-    }
+    // Text that isn't UTF-8 has no lines here.
+    const QStringList described = FileTools::described(workspace, 0);
     return described.isEmpty() ? QStringLiteral("none") : described.join(QStringLiteral(", "));
 }
 

@@ -267,3 +267,24 @@ TEST_F(FileToolsTest, NoToolReachesPastALinkLeadingOut)
               QStringList({".bashrc"}));
     EXPECT_TRUE(QFileInfo(source("rc.swift")).isSymLink());
 }
+
+// Paths and folders no one meant: a NUL that would cut the path short, a name spelled in the
+// other Unicode form than the file on disk, and a folder of thousands of files, which the
+// model is shown in part.
+TEST_F(FileToolsTest, HostilePathsAndHugeFoldersGetClearAnswers)
+{
+    put("Café.swift", "let a = 1\n"); // composed é
+    expectRefused("write_file", QStringLiteral("AppRoot.swift") + QChar(0) + "/../../x",
+                  "A path can't contain a NUL character.", {{"content", "x"}});
+    const QString decomposed = QStringLiteral("Cafe\u0301.swift");
+    EXPECT_EQ(output(call("read_file", decomposed)), "let a = 1\n");
+    EXPECT_FALSE(call("write_file", decomposed, {{"content", "let a = 2\n"}}).item.failed);
+    EXPECT_EQ(contents(source("Café.swift")), "let a = 2\n");
+    EXPECT_EQ(QDir(workspace.sources()).entryList(QDir::Files).size(), 1);
+
+    for (int file = 0; file < 1200; ++file)
+        put(QStringLiteral("Many/F%1.swift").arg(file, 4, 10, QChar(u'0')), "x");
+    const QStringList listed = output(call("list_files")).split(u'\n');
+    ASSERT_EQ(listed.size(), 1001);
+    EXPECT_EQ(listed.last(), "… and 201 more files");
+}
