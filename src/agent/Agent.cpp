@@ -207,10 +207,14 @@ QCoro::Task<> Agent::loop(TaskHandle self)
         }
 
         QList<JSON> calls;
+        QSet<QString> callIDs;
         if (const JSON::Array *outputItems = response.arrayAt("output")) {
             for (const JSON &item : *outputItems) {
-                if (item.stringAt("type") == u"function_call")
+                // A call named twice runs once: two outputs for one call would be refused.
+                if (item.stringAt("type") == u"function_call" && !callIDs.contains(item.stringAt("call_id").value_or(QString()))) {
+                    callIDs.insert(item.stringAt("call_id").value_or(QString()));
                     calls.append(item);
+                }
             }
         }
         // The calls are owed an answer from the save that records them on: a crash before

@@ -41,9 +41,10 @@ TEST(AgentLoop, AssistantRowComesFirstAndCallsRunInOrderOneAfterAnother)
 {
     RunHarness harness;
     harness.script.push_back([] {
-        // Arguments that aren't a JSON object run the tool with an empty one.
+        // Arguments that aren't a JSON object run the tool with an empty one; a call named
+        // twice runs once.
         return response({functionCall("c1", "read_file", "{\"path\": "), functionCall("c2", "list_files", "[1]"),
-                         textMessage("Looking.")});
+                         functionCall("c1", "delete_file", "{}"), textMessage("Looking.")});
     });
     QStringList seenBeforeSecond;
     harness.duringPerform = [&](const QString &name) {
