@@ -109,6 +109,11 @@ QString preparedFolder(const QString &compilerVersion)
            safeName(compilerVersion);
 }
 
+bool isReady(const QString &compilerVersion)
+{
+    return isComplete(preparedFolder(compilerVersion)) || isComplete(cacheFolder(compilerVersion));
+}
+
 QStringList appArguments(const QString &folder)
 {
     return {QStringLiteral("-I"), folder, QStringLiteral("-I"), folder + QStringLiteral("/include"),

@@ -31,6 +31,9 @@ QString cacheFolder(const QString &compilerVersion);
 // when complete; never written by a running copy.
 QString preparedFolder(const QString &compilerVersion);
 
+// Whether the kit for this compiler is there, prepared or cached, so a build needn't wait for it.
+bool isReady(const QString &compilerVersion);
+
 // -I, -L, -lSwiftUI and the run path for apps built against the kit in `folder`.
 QStringList appArguments(const QString &folder);
 

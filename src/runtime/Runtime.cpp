@@ -67,6 +67,14 @@ void Runtime::setToolchain(Toolchain toolchain)
     emit toolchainChanged();
 }
 
+void Runtime::setIsPreparingKit(bool preparing)
+{
+    if (isPreparingKit_ == preparing)
+        return;
+    isPreparingKit_ = preparing;
+    emit isPreparingKitChanged();
+}
+
 void Runtime::setIsBuilding(bool building)
 {
     if (isBuilding_ == building)

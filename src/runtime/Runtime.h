@@ -29,6 +29,7 @@ class Runtime : public QObject {
     Q_OBJECT
     Q_PROPERTY(int generation READ generation NOTIFY generationChanged)
     Q_PROPERTY(bool isBuilding READ isBuilding NOTIFY isBuildingChanged)
+    Q_PROPERTY(bool isPreparingKit READ isPreparingKit NOTIFY isPreparingKitChanged)
     Q_PROPERTY(bool safeMode READ safeMode NOTIFY safeModeChanged)
 
 public:
@@ -50,6 +51,9 @@ public:
     std::optional<int> loadedVersion() const { return loadedVersion_; }
     int generation() const { return generation_; }
     bool isBuilding() const { return isBuilding_; }
+    // The build under way is compiling the UI kit for this compiler first, which only the
+    // first build on a computer does, and which takes a while.
+    bool isPreparingKit() const { return isPreparingKit_; }
     bool safeMode() const { return safeMode_; }
     const std::optional<Banner> &banner() const { return banner_; }
     void setBanner(std::optional<Banner> banner);
@@ -110,6 +114,7 @@ signals:
     void loadedVersionChanged();
     void generationChanged();
     void isBuildingChanged();
+    void isPreparingKitChanged();
     void safeModeChanged();
     void bannerChanged();
 
@@ -118,6 +123,7 @@ private:
     void saveState(RuntimeState state);
     void setToolchain(Toolchain toolchain);
     void setIsBuilding(bool building);
+    void setIsPreparingKit(bool preparing);
     QCoro::Task<BuildOutcome> compileAndLoad(int number, QString summary);
     // Puts the starter app in the source folder; false, with a banner, when that fails.
     bool installSeed();
@@ -130,6 +136,7 @@ private:
     std::optional<int> loadedVersion_;
     int generation_ = 0;
     bool isBuilding_ = false;
+    bool isPreparingKit_ = false;
     bool safeMode_ = false;
     std::optional<Banner> banner_;
     Factory factory_ = nullptr;

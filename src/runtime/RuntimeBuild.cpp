@@ -68,7 +68,9 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
     AtomicFile::write(entry, BuildSteps::entryFile(workspace_.name, workspace_.defaultsSuite()).toUtf8());
 
     const Toolchain::Compiler compiler = *toolchain_.compiler();
+    setIsPreparingKit(!Kit::isReady(compiler.version));
     const Kit::Build kit = co_await Kit::ensureBuilt(TaskHandle(), compiler.swiftc, compiler.version);
+    setIsPreparingKit(false);
     if (!kit.ok()) {
         QDir(folder).removeRecursively();
         if (DiskFull::explainsBuildFailure(kit.error, workspace_.build()))
