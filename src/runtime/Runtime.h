@@ -42,7 +42,7 @@ public:
     // The summary of a version built from the starter app.
     static QString originalAppSummary() { return QStringLiteral("The original app"); }
 
-    explicit Runtime(Workspace workspace = Workspace::shared(), QObject *parent = nullptr);
+    explicit Runtime(Workspace workspace, QObject *parent = nullptr);
 
     const Workspace &workspace() const { return workspace_; }
     const RuntimeState &state() const { return state_; }

@@ -6,11 +6,11 @@
 #include "ui/AgentPanel.h"
 #include "ui/BannerView.h"
 #include "ui/Brand.h"
-#include "ui/Commands.h"
 #include "ui/Icons.h"
 #include "ui/SetupView.h"
+#include "ui/Spinner.h"
 #include "ui/VersionMenu.h"
-#include "ui/WorkingRow.h"
+#include "ui/ZentoroCommands.h"
 
 #include <QMenu>
 #include <QSplitter>

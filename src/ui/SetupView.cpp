@@ -5,7 +5,7 @@
 #include "ui/Brand.h"
 #include "ui/PanelStyle.h"
 #include "ui/SetupRows.h"
-#include "ui/WorkingRow.h"
+#include "ui/Spinner.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

@@ -1,5 +1,6 @@
 #include "ui/ZentoroApp.h"
 
+#include "agent/AgentWiring.h"
 #include "runtime/AppName.h"
 #include "runtime/KitPreparation.h"
 #include "runtime/Relaunch.h"
@@ -12,14 +13,16 @@
 
 namespace zentoro {
 
-ZentoroApp::Session::Session()
+ZentoroApp::Session::Session(const Workspace &workspace) : runtime(workspace), agent(AgentOperations(), workspace)
 {
-    // The agent restores its conversation and hooks itself to the runtime's events before
-    // the launch, so that the launch's reports reach the conversation.
-    agent.runtime = &runtime;
+    // The agent's operations are in place before it opens its conversation, and it hooks
+    // itself to the runtime's events before the launch, so that the launch's reports reach
+    // the conversation.
+    agent.setOperations(programOperations(agent, runtime));
+    agent.restore();
     runtime.onEvent = [this](const QString &shown, const QString &told) { agent.note(shown, told); };
     runtime.launch();
-    agent.resumeAfterLaunch();
+    agent.resumeAfterLaunch(runtime.loadedVersion());
     window = std::make_unique<MainWindow>(runtime, agent);
 }
 
@@ -38,8 +41,7 @@ int ZentoroApp::run(int argc, char **argv)
     QApplication::setApplicationVersion(QStringLiteral(ZENTORO_VERSION));
     QApplication::setWindowIcon(AppIcon::icon());
 
-    Workspace::initShared(argv0);
-    const Workspace &workspace = Workspace::shared();
+    const Workspace workspace = Workspace::forExecutable(argv0);
     if (!workspace.lock()) {
         HandOver::deferToRunningCopy(workspace);
         return 0;
@@ -47,7 +49,7 @@ int ZentoroApp::run(int argc, char **argv)
     AppName::apply(workspace.name);
     QuitSignals::install();
 
-    ZentoroApp::Session session;
+    ZentoroApp::Session session(workspace);
     MainWindow &window = *session.window;
     HandOver::Listener listener(workspace);
     QObject::connect(&listener, &HandOver::Listener::raiseRequested, &window, &MainWindow::bringToFront);
