@@ -1,6 +1,8 @@
 #include "agent/Agent.h"
 
 #include "core/Defaults.h"
+#include "core/Log.h"
+#include "core/Text.h"
 
 #include <QPointer>
 
@@ -29,6 +31,15 @@ QString messageText(const JSON &message)
 ChatItem errorRow(const QString &text)
 {
     return ChatItem::make(ChatItem::Kind::Error, text);
+}
+
+// How a run ended shows in its last row: an answer, "Stopped", an error.
+void logRunEnd(const QList<ChatItem> &items)
+{
+    const QString last = items.isEmpty() ? QStringLiteral("none")
+                                          : ChatItem::kindText(items.last().kind) + QStringLiteral(": ") +
+                                                Text::firstCharacters(items.last().text, 300);
+    qCDebug(logAgent, "The run ended; its last row is %s", qUtf8Printable(last));
 }
 
 QString stepLimitText()
@@ -98,6 +109,8 @@ void Agent::send(const QString &text)
 
 void Agent::start()
 {
+    qCDebug(logAgent, "A run starts with %lld items of history and %lld waiting.", qlonglong(history_.size()),
+            qlonglong(pendingInput_.size()));
     setRunning(true);
     startedAt_ = QDateTime::currentDateTimeUtc();
     emit startedAtChanged();
@@ -108,6 +121,7 @@ void Agent::start()
         co_await weak->loop(self);
         if (!weak)
             co_return;
+        logRunEnd(weak->items_);
         weak->setRunning(false);
         if (weak->startedAt_) {
             weak->startedAt_.reset();

@@ -1,5 +1,6 @@
 #include "runtime/Kit.h"
 
+#include "core/Log.h"
 #include "runtime/Shell.h"
 #include "runtime/Workspace.h"
 
@@ -84,6 +85,16 @@ QString targetTriple()
 #endif
 }
 
+void logBuilding(const QString &folder)
+{
+    qCInfo(logKit, "Building the UI kit into %s; this takes a minute or two.", qUtf8Printable(folder));
+}
+
+void logFailure(int status, const QString &output)
+{
+    qCWarning(logKit, "The UI kit didn't build (swiftc status %d):\n%s", status, qUtf8Printable(output));
+}
+
 } // namespace
 
 QString version()
@@ -133,6 +144,7 @@ QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, cons
 {
     if (isComplete(folder))
         co_return Build{appArguments(folder), {}};
+    logBuilding(folder);
 
     const QString staging = QFileInfo(folder).path() + QStringLiteral("/.building-")
         + QUuid::createUuid().toString(QUuid::WithoutBraces);
@@ -164,6 +176,7 @@ QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, cons
     if (result.status != 0 || !isComplete(staging)) {
         QDir(staging).removeRecursively();
         const QString output = result.output.trimmed();
+        logFailure(result.status, output);
         co_return Build{{}, output.isEmpty()
                                 ? QStringLiteral("The UI kit didn't build (swiftc status %1).").arg(result.status)
                                 : QStringLiteral("The UI kit didn't build:\n") + output};

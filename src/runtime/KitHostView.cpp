@@ -1,5 +1,6 @@
 #include "runtime/KitHostView.h"
 
+#include "core/Log.h"
 #include "runtime/KitEntryPoints.h"
 #include "runtime/KitMainQueue.h"
 #include "runtime/KitPainting.h"
@@ -93,6 +94,7 @@ KitHostView::KitHostView(void *library, void *rootView, QWidget *parent)
     if (!kit_ || !root_) {
         if (error_.isEmpty())
             error_ = QStringLiteral("The library made no view.");
+        qCWarning(logKit, "The version can't be hosted: %s", qUtf8Printable(error_));
         return;
     }
     *host_ = ZentoroHost{ZENTORO_HOST_INTERFACE_VERSION,

@@ -1,14 +1,13 @@
 #include "runtime/Runtime.h"
 
 #include "core/AtomicFile.h"
+#include "core/Log.h"
 #include "runtime/DiskFull.h"
 #include "runtime/PluginContainerView.h"
 
 #include <QFile>
 
 #include <dlfcn.h>
-
-#include <cstdio>
 
 namespace zentoro {
 
@@ -146,6 +145,7 @@ std::optional<QString> Runtime::load(int version)
         error = QStringLiteral("The library has no zentoro_make_root_view.");
     }
     if (!error.isEmpty()) {
+        qCWarning(logRuntime, "Couldn't load version %d: %s", version, qUtf8Printable(error));
         RuntimeState failed = state_;
         failed.loading.reset();
         failed.current = fallback;
@@ -166,8 +166,7 @@ std::optional<QString> Runtime::load(int version)
         emit safeModeChanged();
     emit generationChanged();
     keepSavingHostedSettings();
-    std::printf("Zentoro: loaded version %d\n", version);
-    std::fflush(stdout);
+    qCInfo(logRuntime, "Zentoro: loaded version %d", version);
 
     QPointer<Runtime> self(this);
     startTask([self, version](TaskHandle task) -> QCoro::Task<> {

@@ -1,11 +1,11 @@
 #include "runtime/Runtime.h"
 
+#include "core/AtomicFile.h"
+#include "core/Log.h"
 #include "runtime/BuildSteps.h"
 #include "runtime/DiskFull.h"
 #include "runtime/Kit.h"
 #include "runtime/Shell.h"
-
-#include "core/AtomicFile.h"
 
 #include <QDir>
 #include <QCoroSignal>
@@ -30,6 +30,17 @@ bool copyFolder(const QString &from, const QString &to)
             copied = QFile::copy(entry.filePath(), target) && copied;
     }
     return copied;
+}
+
+void logCompile(int number, qsizetype files)
+{
+    qCDebug(logRuntime, "Compiling version %d from %lld source files.", number, qlonglong(files));
+}
+
+void logCompiled(int number, int status, qint64 milliseconds)
+{
+    qCDebug(logRuntime, "The compiler ended with status %d for version %d after %lld ms.", status, number,
+            qlonglong(milliseconds));
 }
 
 } // namespace
@@ -88,7 +99,9 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
     const QStringList arguments = BuildSteps::compilerArguments(inputs);
     QElapsedTimer clock;
     clock.start();
+    logCompile(number, sources.size());
     const Shell::Result result = co_await Shell::run(compiler.swiftc, arguments, workspace_.build());
+    logCompiled(number, result.status, clock.elapsed());
     const QString output = BuildSteps::clean(result.output, workspace_.sources(), entry);
 
     if (result.status != 0 || !QFile::exists(library)) {

@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "core/Defaults.h"
+#include "core/Log.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
 #include "ui/AgentPanel.h"
@@ -139,7 +140,7 @@ void MainWindow::paintEvent(QPaintEvent *event)
         return;
     toldFirstFrame_ = true;
     const int version = *runtime_.loadedVersion();
-    QMetaObject::invokeMethod(this, [version] { qInfo("Showing version %d.", version); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [version] { qCInfo(logUI, "Showing version %d.", version); }, Qt::QueuedConnection);
 }
 
 bool MainWindow::showsSetup() const
