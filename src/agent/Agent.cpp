@@ -436,7 +436,9 @@ void Agent::note(const QString &shown, const QString &told)
 
 bool Agent::canRetry() const
 {
-    return !isRunning_ && !pendingInput_.isEmpty() && !items_.isEmpty() && items_.last().kind == ChatItem::Kind::Error;
+    // Without a way to reach the model there is nothing to retry: the access row is the way on.
+    return !isRunning_ && provider().has_value() && !pendingInput_.isEmpty() && !items_.isEmpty() &&
+           items_.last().kind == ChatItem::Kind::Error;
 }
 
 void Agent::retry()
