@@ -5,7 +5,7 @@
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: run test bench format deps configure build clean
+.PHONY: run test bench fuzz format deps configure build clean
 
 deps:
 	@scripts/install-deps
@@ -28,6 +28,11 @@ format: deps
 
 bench: build
 	@bench/run $(BUILD_DIR)
+
+# Searches every parser for new failures for FUZZ_SECONDS each; fails on any finding.
+FUZZ_SECONDS ?= 60
+fuzz: deps
+	@scripts/fuzz search $(BUILD_DIR)/fuzz $(FUZZ_SECONDS)
 
 clean:
 	rm -rf $(BUILD_DIR)

@@ -30,9 +30,7 @@ QString messageText(const JSON &message)
 
 ChatItem errorRow(const QString &text)
 {
-    ChatItem item = ChatItem::make(ChatItem::Kind::Error, text);
-    item.failed = true;
-    return item;
+    return ChatItem::make(ChatItem::Kind::Error, text);
 }
 
 // How a run ended shows in its last row: an answer, "Stopped", an error.
@@ -221,10 +219,14 @@ QCoro::Task<> Agent::loop(TaskHandle self)
         }
 
         QList<JSON> calls;
+        QSet<QString> callIDs;
         if (const JSON::Array *outputItems = response.arrayAt("output")) {
             for (const JSON &item : *outputItems) {
-                if (item.stringAt("type") == u"function_call")
+                // A call named twice runs once: two outputs for one call would be refused.
+                if (item.stringAt("type") == u"function_call" && !callIDs.contains(item.stringAt("call_id").value_or(QString()))) {
+                    callIDs.insert(item.stringAt("call_id").value_or(QString()));
                     calls.append(item);
+                }
             }
         }
         // The calls are owed an answer from the save that records them on: a crash before
@@ -435,7 +437,9 @@ void Agent::note(const QString &shown, const QString &told)
 
 bool Agent::canRetry() const
 {
-    return !isRunning_ && !pendingInput_.isEmpty() && !items_.isEmpty() && items_.last().kind == ChatItem::Kind::Error;
+    // Without a way to reach the model there is nothing to retry: the access row is the way on.
+    return !isRunning_ && provider().has_value() && !pendingInput_.isEmpty() && !items_.isEmpty() &&
+           items_.last().kind == ChatItem::Kind::Error;
 }
 
 void Agent::retry()

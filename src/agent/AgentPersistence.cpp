@@ -107,7 +107,13 @@ void Agent::writeConversation()
     if (!items_.isEmpty() || !pendingInput_.isEmpty()) {
         QDir().mkpath(conversationsFolder(workspace_));
         try {
-            AtomicFile::write(path, encoder().encode(current));
+            // Written at once, so a crash in the next step finds it; flushed off the window's thread.
+            const std::optional<QString> error =
+                AtomicFile::write(path, encoder().encode(current), 0644, AtomicFile::Durability::Written);
+            if (!error)
+                AtomicFile::flushInBackground(path);
+            if (operations_.diskFull)
+                operations_.diskFull(error && AtomicFile::isDiskFull(*error));
         } catch (const JSON::Error &) {
             // A value JSON can't hold; the old file stands and the next save tries again.
         }

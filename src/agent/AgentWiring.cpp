@@ -8,6 +8,7 @@
 #include "agent/Tools.h"
 #include "model_service/AgentConfig.h"
 #include "model_service/OpenAI.h"
+#include "runtime/DiskFull.h"
 #include "runtime/Runtime.h"
 
 #include <QPointer>
@@ -44,6 +45,15 @@ AgentOperations programOperations(Agent &agent, Runtime &runtime)
     operations.save = [weak] {
         if (weak)
             weak->writeConversation();
+    };
+    operations.diskFull = [weakRuntime](bool full) {
+        if (!weakRuntime)
+            return;
+        const Banner banner = DiskFull::banner(QStringLiteral("this conversation"));
+        if (full)
+            weakRuntime->setBanner(banner);
+        else if (weakRuntime->banner() == banner)
+            weakRuntime->setBanner(std::nullopt);
     };
     operations.relaunch = [weakRuntime](bool safeMode) {
         if (weakRuntime)

@@ -2,6 +2,7 @@
 
 #include "agent/Agent.h"
 #include "agent/LogTail.h"
+#include "agent/ScreenshotReference.h"
 #include "core/AtomicFile.h"
 #include "core/DataURL.h"
 #include "runtime/CrashLog.h"
@@ -10,7 +11,6 @@
 
 #include <QDir>
 #include <QPointer>
-#include <QUrl>
 
 #include <cstdio>
 
@@ -95,7 +95,7 @@ ToolResult screenshotResult(const QByteArray &png, const QString &folder)
     const QString path = folder + u'/' + uuidText(QUuid::createUuid()) + QStringLiteral(".png");
     const bool stored = !AtomicFile::write(path, png).has_value();
     // The conversation keeps a reference; the picture itself goes out only with a request.
-    const QString imageURL = stored ? QUrl::fromLocalFile(path).toString()
+    const QString imageURL = stored ? ScreenshotReference::fromFile(path)
                                     : DataURL::make(QLatin1StringView("image/png"), png);
     JSON output = JSON::array({
         JSON::object({{QStringLiteral("type"), JSON(QStringLiteral("input_text"))},

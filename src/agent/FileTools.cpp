@@ -33,7 +33,7 @@ QString readText(const QString &file, const QString &path)
     if (info.isDir())
         throw Failure(QStringLiteral("%1 is a folder, not a file.").arg(path));
     if (info.size() > readLimit)
-        throw Failure(QStringLiteral("%1 is too large to read (%2 bytes); files of up to 1 MB can be read.")
+        throw Failure(QStringLiteral("%1 is too large to read: %2 bytes. Files of up to 16 MB can be read.")
                           .arg(path, QString::number(info.size())));
     QFile handle(file);
     if (!handle.open(QIODevice::ReadOnly))
@@ -83,19 +83,43 @@ ToolResult failed(const Failure &failure, const char *tool)
 
 } // namespace
 
+std::optional<qsizetype> linesIn(const QString &file)
+{
+    QFile handle(file);
+    if (!handle.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const qint64 size = handle.size();
+    if (size == 0)
+        return 1;
+    const uchar *mapped = handle.map(0, size);
+    if (!mapped)
+        return std::nullopt;
+    // In UTF-8 a line feed byte is always a line feed.
+    const QByteArrayView bytes(mapped, size);
+    if (!bytes.isValidUtf8())
+        return std::nullopt;
+    return bytes.count('\n') + 1;
+}
+
+QStringList described(const Workspace &workspace, qsizetype unreadableLines)
+{
+    const QStringList files = workspace.files();
+    QStringList lines;
+    for (const QString &file : files.mid(0, listedLimit)) {
+        const qsizetype count = linesIn(file).value_or(unreadableLines);
+        lines.append(workspace.relativePath(file) + QStringLiteral(" (") + QString::number(count) +
+                     QStringLiteral(" lines)"));
+    }
+    if (files.size() > listedLimit)
+        lines.append(QStringLiteral("… and %1 more files").arg(files.size() - listedLimit));
+    return lines;
+}
+
 ToolResult listFiles(Agent &agent, const Workspace &workspace)
 {
     agent.setActivity(QStringLiteral("Looking around…"));
-    QStringList lines;
-    for (const QString &file : workspace.files()) {
-        QString text;
-        try {
-            text = readText(file, file);
-        } catch (const Failure &) {
-            // An unreadable file still shows, as empty text.
-        }
-        lines.append(QStringLiteral("%1 (%2 lines)").arg(workspace.relativePath(file), QString::number(Tools::lineCount(text))));
-    }
+    // An unreadable file still shows, as empty text.
+    const QStringList lines = described(workspace, 1);
     const QString listing = lines.join(u'\n');
     return ToolResult{JSON(lines.isEmpty() ? QStringLiteral("(no files)") : listing),
                       row(QStringLiteral("Listed the files"), "folder", Tools::limited(listing))};
@@ -163,16 +187,16 @@ ToolResult deleteFile(const Workspace &workspace, const QString &path)
     try {
         const QString file = workspace.resolve(path);
         const QFileInfo info(file);
-        // A link is removed itself; what it points at stays.
-        if (!info.isSymLink()) {
-            if (!info.exists())
-                throw Failure(QStringLiteral("There's no file at %1.").arg(path.trimmed()));
-            if (info.isDir())
-                throw Failure(QStringLiteral("%1 is a folder, not a file.").arg(path.trimmed()));
-        }
-        QFile handle(file);
-        if (!handle.remove())
+        // A link is removed itself, never what it leads to; a folder goes with all it holds,
+        // the links in it removed the same way.
+        if (!info.isSymLink() && !info.exists())
+            throw Failure(QStringLiteral("There's no file at %1.").arg(path.trimmed()));
+        if (info.isDir() && !info.isSymLink()) {
+            if (!QDir(file).removeRecursively())
+                throw Failure(QStringLiteral("Couldn't delete all of the folder %1.").arg(path.trimmed()));
+        } else if (QFile handle(file); !handle.remove()) {
             throw Failure(QStringLiteral("Couldn't delete %1: %2.").arg(path.trimmed(), handle.errorString()));
+        }
         return ToolResult{JSON(QStringLiteral("Deleted %1.").arg(path)),
                           row(QStringLiteral("Deleted %1").arg(path), "trash")};
     } catch (const Failure &failure) {

@@ -3,12 +3,12 @@
 #include "agent/Agent.h"
 #include "agent/HistoryIndex.h"
 #include "agent/ItemKinds.h"
+#include "agent/ScreenshotReference.h"
 #include "core/DataURL.h"
 
 #include <QFile>
 #include <QHash>
 #include <QSet>
-#include <QUrl>
 
 #include <algorithm>
 #include <cstdlib>
@@ -20,21 +20,13 @@ using namespace ItemKinds;
 
 namespace {
 
-std::optional<QString> fileOf(const QString &address)
-{
-    const QUrl url(address, QUrl::StrictMode);
-    if (!url.isValid() || url.scheme() != u"file")
-        return std::nullopt;
-    return url.toLocalFile();
-}
-
 // A stored screenshot: its file, or none for any other part (a data URL, text).
 std::optional<QString> screenshotFile(const JSON &part)
 {
     if (!isType(part, inputImage))
         return std::nullopt;
     const QString *address = textAt(part, imageURLKey);
-    return address ? fileOf(*address) : std::nullopt;
+    return address ? ScreenshotReference::file(*address) : std::nullopt;
 }
 
 // The picture's bytes as a data URL, made afresh for each request: image data never outlives

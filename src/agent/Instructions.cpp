@@ -1,12 +1,9 @@
 #include "agent/Instructions.h"
 
 #include "agent/Agent.h"
-#include "agent/Tools.h"
+#include "agent/FileTools.h"
 #include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
-
-#include <QFile>
-#include <QStringDecoder>
 
 #include <cstdlib>
 
@@ -31,17 +28,6 @@ QString relative(qint64 count, bool past, const QString &unit, const QString &la
     return past ? counted(count, unit) + QStringLiteral(" ago") : QStringLiteral("in ") + counted(count, unit);
 }
 
-// Lines of a source file as the model counts them; text that isn't UTF-8 has none.
-qsizetype lines(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString text = decoder(file.readAll());
-    return decoder.hasError() ? 0 : Tools::lineCount(text);
-}
-
 QString running(const RuntimeState &state, std::optional<int> loadedVersion, const QDateTime &now)
 {
     const VersionRecord *record = loadedVersion ? state.record(*loadedVersion) : nullptr;
@@ -53,9 +39,8 @@ QString running(const RuntimeState &state, std::optional<int> loadedVersion, con
 
 QString sourceFiles(const Workspace &workspace)
 {
-    QStringList described;
-    for (const QString &file : workspace.files())
-        described.append(QStringLiteral("%1 (%2 lines)").arg(workspace.relativePath(file)).arg(lines(file)));
+    // Text that isn't UTF-8 has no lines here.
+    const QStringList described = FileTools::described(workspace, 0);
     return described.isEmpty() ? QStringLiteral("none") : described.join(QStringLiteral(", "));
 }
 

@@ -67,7 +67,6 @@ QString missingCapability(const std::optional<QString> &param)
 ChatItem errorRow(QString text, std::optional<ChatLink> link = std::nullopt)
 {
     ChatItem item = ChatItem::make(ChatItem::Kind::Error, std::move(text));
-    item.failed = true;
     item.link = std::move(link);
     return item;
 }

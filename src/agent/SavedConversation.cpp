@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTimeZone>
 #include <QRegularExpression>
 
 #include <cmath>
@@ -185,13 +186,15 @@ std::optional<SavedConversation> SavedConversation::read(const QString &path)
     if (!QFileInfo(path).isFile())
         return std::nullopt;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
+    if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    const QByteArray bytes = file.read(largestFile + 1);
-    if (bytes.size() > largestFile)
-        return std::nullopt;
+    // Decoded straight from the mapped file: a long conversation is held once, as values,
+    // never a second time as its text.
+    const qint64 size = file.size();
+    const uchar *mapped = size > 0 ? file.map(0, size) : nullptr;
+    const QByteArray bytes = mapped ? QByteArray() : file.readAll();
     try {
-        return fromJSON(JSON::decode(bytes));
+        return fromJSON(JSON::decode(mapped ? QByteArrayView(mapped, size) : QByteArrayView(bytes)));
     } catch (const JSON::Error &) {
         return std::nullopt;
     }

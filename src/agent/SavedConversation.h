@@ -30,16 +30,13 @@ struct SavedConversation {
     QString currentRequest;
     QList<JSON> history;
 
-    // Files larger than this are taken for damage and left unread.
-    static constexpr qint64 largestFile = qint64(128) << 20;
-
     // Every key but the two that have no value; never a null.
     JSON toJSON() const;
     QByteArray encode() const;
     // Raises JSON::Error when a required key is missing or any value has another type.
     // Keys it doesn't know are passed over.
     static SavedConversation fromJSON(const JSON &json);
-    // None when the file can't be read, is too large, or doesn't decode.
+    // None when the file can't be read or doesn't decode.
     static std::optional<SavedConversation> read(const QString &path);
 
     // The menu entry; `fallbackID` stands in when the file has no id of its own.

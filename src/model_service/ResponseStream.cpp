@@ -12,6 +12,7 @@ namespace {
 
 const QString closedEarly = QStringLiteral("The connection closed before the response finished.");
 const QString responseFailed = QStringLiteral("The response failed.");
+const QString tooLarge = QStringLiteral("The response was larger than Zentoro can read.");
 
 // The position of the first line terminator (CR or LF) at or after `from`, or -1. The
 // service ends its lines with LF alone, so a text without CR is searched for LF only.
@@ -111,8 +112,16 @@ void ResponseStream::feed(QByteArrayView bytes)
         }
         const qsizetype end = findTerminator(bytes, at, hasCarriageReturn);
         if (end < 0) {
+            if (pending_.size() + (bytes.size() - at) > longestLine) {
+                fail(std::make_exception_ptr(Failure(0, std::nullopt, std::nullopt, tooLarge)));
+                break;
+            }
             pending_.append(bytes.sliced(at));
             return;
+        }
+        if (pending_.size() + (end - at) > longestLine) {
+            fail(std::make_exception_ptr(Failure(0, std::nullopt, std::nullopt, tooLarge)));
+            break;
         }
         if (pending_.isEmpty()) {
             handleLine(bytes.sliced(at, end - at));
@@ -157,6 +166,7 @@ void ResponseStream::handleLine(QByteArrayView line)
     if (!mayBeActedOn(payload))
         return;
     JSON event;
+    lineBytes_ = payload.size();
     try {
         event = JSON::decode(payload);
     } catch (const JSON::Error &) {
@@ -174,8 +184,12 @@ void ResponseStream::handleEvent(const JSON &event)
         if (const JSON *item = event.find(QStringLiteral("item")))
             onItemStarted_(*item);
     } else if (*type == u"response.output_item.done") {
-        if (const JSON *item = event.find(QStringLiteral("item")))
+        if (const JSON *item = event.find(QStringLiteral("item"))) {
             finishedItems_.push_back(*item);
+            keptBytes_ += lineBytes_;
+            if (keptBytes_ > mostKept)
+                fail(std::make_exception_ptr(Failure(0, std::nullopt, std::nullopt, tooLarge)));
+        }
     } else if (*type == u"response.completed" || *type == u"response.incomplete") {
         if (const JSON *response = event.find(QStringLiteral("response")))
             complete(*response);

@@ -16,6 +16,12 @@ namespace zentoro::OpenAI {
 // long stream of deltas costs no memory.
 class ResponseStream {
 public:
+    // A service that sends a line without end, or items without end, fails the response
+    // with words instead of taking all memory. Both leave room for tool arguments of tens
+    // of megabytes.
+    static constexpr qsizetype longestLine = qsizetype(64) << 20;
+    static constexpr qsizetype mostKept = qsizetype(256) << 20;
+
     explicit ResponseStream(std::function<void(const JSON &item)> onItemStarted);
 
     // Takes the next bytes of the body; does nothing once the stream has ended.
@@ -40,6 +46,8 @@ private:
     QByteArray pending_;
     bool skipLineFeed_ = false;
     JSON::Array finishedItems_;
+    qsizetype lineBytes_ = 0;
+    qsizetype keptBytes_ = 0;
     bool ended_ = false;
     JSON response_;
     std::exception_ptr failure_;

@@ -4,11 +4,15 @@
 #include "runtime/Shell.h"
 #include "runtime/Workspace.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QThread>
 #include <QUuid>
+
+#include <algorithm>
 
 // The kit's sources live in a resource list of the static core library; naming its
 // initialiser keeps it linked into every program that builds the kit.
@@ -110,6 +114,17 @@ QString cacheFolder(const QString &compilerVersion)
     return Workspace::support() + QStringLiteral("/KitCache/") + version() + u'-' + safeName(compilerVersion);
 }
 
+QString preparedFolder(const QString &compilerVersion)
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/KitCache/") + version() + u'-' +
+           safeName(compilerVersion);
+}
+
+bool isReady(const QString &compilerVersion)
+{
+    return isComplete(preparedFolder(compilerVersion)) || isComplete(cacheFolder(compilerVersion));
+}
+
 QStringList appArguments(const QString &folder)
 {
     return {QStringLiteral("-I"), folder, QStringLiteral("-I"), folder + QStringLiteral("/include"),
@@ -119,7 +134,14 @@ QStringList appArguments(const QString &folder)
 
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
 {
-    const QString folder = cacheFolder(compilerVersion);
+    const QString prepared = preparedFolder(compilerVersion);
+    if (isComplete(prepared))
+        co_return Build{appArguments(prepared), {}};
+    co_return co_await buildInto(cacheFolder(compilerVersion), task, swiftc);
+}
+
+QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, const QString &swiftc)
+{
     if (isComplete(folder))
         co_return Build{appArguments(folder), {}};
     logBuilding(folder);
@@ -139,7 +161,10 @@ QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, co
                           QStringLiteral("-module-name"), QStringLiteral("SwiftUI"),
                           QStringLiteral("-target"), targetTriple(),
                           QStringLiteral("-swift-version"), QStringLiteral("5"),
-                          QStringLiteral("-O"),
+                          // One module in one frontend, its code generated on every core: the
+                          // optimiser, not type checking, takes most of the time.
+                          QStringLiteral("-O"), QStringLiteral("-wmo"),
+                          QStringLiteral("-num-threads"), QString::number(std::max(1, QThread::idealThreadCount())),
                           QStringLiteral("-I"), include,
                           QStringLiteral("-module-cache-path"), staging + QStringLiteral("/ModuleCache"),
                           QStringLiteral("-emit-module-path"), staging + u'/' + module,

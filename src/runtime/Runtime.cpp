@@ -1,6 +1,8 @@
 #include "runtime/Runtime.h"
 
+#include "core/AtomicFile.h"
 #include "core/Log.h"
+#include "runtime/DiskFull.h"
 #include "runtime/PluginContainerView.h"
 
 #include <QFile>
@@ -45,7 +47,13 @@ void Runtime::saveState(RuntimeState state)
 {
     const bool changed = state_ != state;
     state_ = std::move(state);
-    state_.write(workspace_.stateFile());
+    // Other failures stay silent: the user can't act on them, and the next save tries again.
+    const std::optional<QString> error = state_.write(workspace_.stateFile());
+    const Banner full = DiskFull::banner(QStringLiteral("the app's versions"));
+    if (error && AtomicFile::isDiskFull(*error))
+        setBanner(full);
+    else if (!error && banner_ == full)
+        setBanner(std::nullopt);
     if (changed)
         emit stateChanged();
 }
@@ -56,6 +64,14 @@ void Runtime::setToolchain(Toolchain toolchain)
         return;
     toolchain_ = std::move(toolchain);
     emit toolchainChanged();
+}
+
+void Runtime::setIsPreparingKit(bool preparing)
+{
+    if (isPreparingKit_ == preparing)
+        return;
+    isPreparingKit_ = preparing;
+    emit isPreparingKitChanged();
 }
 
 void Runtime::setIsBuilding(bool building)
@@ -69,10 +85,14 @@ void Runtime::setIsBuilding(bool building)
 QCoro::Task<> Runtime::checkToolchain()
 {
     QPointer<Runtime> self(this);
+    ++checks_;
     setToolchain(Toolchain::checking());
     Toolchain found = co_await Toolchain::detect();
-    if (self)
-        self->setToolchain(std::move(found));
+    if (!self)
+        co_return;
+    --checks_;
+    setToolchain(std::move(found));
+    emit toolchainChecked();
 }
 
 void Runtime::installToolchain()
@@ -145,6 +165,7 @@ std::optional<QString> Runtime::load(int version)
     if (leftSafeMode)
         emit safeModeChanged();
     emit generationChanged();
+    keepSavingHostedSettings();
     qCInfo(logRuntime, "Zentoro: loaded version %d", version);
 
     QPointer<Runtime> self(this);

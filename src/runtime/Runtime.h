@@ -10,6 +10,7 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <QCoroTask>
 
@@ -28,6 +29,7 @@ class Runtime : public QObject {
     Q_OBJECT
     Q_PROPERTY(int generation READ generation NOTIFY generationChanged)
     Q_PROPERTY(bool isBuilding READ isBuilding NOTIFY isBuildingChanged)
+    Q_PROPERTY(bool isPreparingKit READ isPreparingKit NOTIFY isPreparingKitChanged)
     Q_PROPERTY(bool safeMode READ safeMode NOTIFY safeModeChanged)
 
 public:
@@ -49,6 +51,9 @@ public:
     std::optional<int> loadedVersion() const { return loadedVersion_; }
     int generation() const { return generation_; }
     bool isBuilding() const { return isBuilding_; }
+    // The build under way is compiling the UI kit for this compiler first, which only the
+    // first build on a computer does, and which takes a while.
+    bool isPreparingKit() const { return isPreparingKit_; }
     bool safeMode() const { return safeMode_; }
     const std::optional<Banner> &banner() const { return banner_; }
     void setBanner(std::optional<Banner> banner);
@@ -64,7 +69,8 @@ public:
     // Tells the agent of an event: the line shown in the chat, then the note for the model.
     std::function<void(const QString &shown, const QString &told)> onEvent = [](const QString &, const QString &) {};
 
-    // Looks for the compiler again and stores what it finds.
+    // Looks for the compiler again and stores what it finds. A build asked for meanwhile
+    // waits for the answer.
     QCoro::Task<> checkToolchain();
     // Starts the toolchain's installation and waits for it in a task of its own; when a
     // compiler turns up and nothing runs yet, builds the app.
@@ -91,6 +97,11 @@ public:
     // again, then quits in order; stays running with a banner when the script can't start.
     void relaunch(bool safeMode);
 
+    // Writes the hosted app's stored settings, its own suite and the standard defaults, to
+    // disk through the loaded version's kit: Foundation on Linux keeps them in memory until
+    // asked. Runs every second while a version is loaded and before every orderly quit.
+    void saveHostedSettings() const;
+
     // PNG bytes of the hosted view in the key window's container, or the first shown one,
     // at most `maxWidth` pixels wide; none when no version is loaded or no container is showing.
     std::optional<QByteArray> snapshot(double maxWidth) const;
@@ -98,9 +109,12 @@ public:
 signals:
     void stateChanged();
     void toolchainChanged();
+    // A look for the compiler has ended, whatever it found.
+    void toolchainChecked();
     void loadedVersionChanged();
     void generationChanged();
     void isBuildingChanged();
+    void isPreparingKitChanged();
     void safeModeChanged();
     void bannerChanged();
 
@@ -109,9 +123,12 @@ private:
     void saveState(RuntimeState state);
     void setToolchain(Toolchain toolchain);
     void setIsBuilding(bool building);
+    void setIsPreparingKit(bool preparing);
     QCoro::Task<BuildOutcome> compileAndLoad(int number, QString summary);
     // Puts the starter app in the source folder; false, with a banner, when that fails.
     bool installSeed();
+    // Starts saving the hosted app's settings every second, once a version is loaded.
+    void keepSavingHostedSettings();
 
     Workspace workspace_;
     RuntimeState state_;
@@ -119,12 +136,16 @@ private:
     std::optional<int> loadedVersion_;
     int generation_ = 0;
     bool isBuilding_ = false;
+    bool isPreparingKit_ = false;
     bool safeMode_ = false;
     std::optional<Banner> banner_;
     Factory factory_ = nullptr;
     void *library_ = nullptr;
     QList<QPointer<PluginContainerView>> containers_;
     bool launched_ = false;
+    // Looks for the compiler under way.
+    int checks_ = 0;
+    QTimer *settingsSaver_ = nullptr;
 };
 
 } // namespace zentoro

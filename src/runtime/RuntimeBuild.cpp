@@ -3,10 +3,12 @@
 #include "core/AtomicFile.h"
 #include "core/Log.h"
 #include "runtime/BuildSteps.h"
+#include "runtime/DiskFull.h"
 #include "runtime/Kit.h"
 #include "runtime/Shell.h"
 
 #include <QDir>
+#include <QCoroSignal>
 #include <QElapsedTimer>
 #include <QFile>
 
@@ -45,6 +47,9 @@ void logCompiled(int number, int status, qint64 milliseconds)
 
 QCoro::Task<BuildOutcome> Runtime::build(QString summary)
 {
+    // The compiler is looked for at every start: a build asked for in that moment waits.
+    while (checks_ > 0)
+        co_await qCoro(this, &Runtime::toolchainChecked);
     if (!toolchain_.isReady()) {
         co_return BuildOutcome{BuildOutcome::Failure{
             QStringLiteral("The Swift compiler isn't available yet (%1). Ask the user to install the Swift toolchain "
@@ -74,9 +79,13 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
     AtomicFile::write(entry, BuildSteps::entryFile(workspace_.name, workspace_.defaultsSuite()).toUtf8());
 
     const Toolchain::Compiler compiler = *toolchain_.compiler();
+    setIsPreparingKit(!Kit::isReady(compiler.version));
     const Kit::Build kit = co_await Kit::ensureBuilt(TaskHandle(), compiler.swiftc, compiler.version);
+    setIsPreparingKit(false);
     if (!kit.ok()) {
         QDir(folder).removeRecursively();
+        if (DiskFull::explainsBuildFailure(kit.error, workspace_.build()))
+            co_return BuildOutcome{BuildOutcome::Failure{DiskFull::buildFailure()}};
         co_return BuildOutcome{BuildOutcome::Failure{kit.error}};
     }
     const QString library = workspace_.dylib(number);
@@ -97,6 +106,8 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
 
     if (result.status != 0 || !QFile::exists(library)) {
         QDir(folder).removeRecursively();
+        if (DiskFull::explainsBuildFailure(result.output, workspace_.build()))
+            co_return BuildOutcome{BuildOutcome::Failure{DiskFull::buildFailure()}};
         co_return BuildOutcome{BuildOutcome::Failure{
             output.isEmpty() ? QStringLiteral("swiftc failed (status %1).").arg(result.status) : output}};
     }
@@ -110,7 +121,7 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
 
     if (const std::optional<QString> error = load(number)) {
         co_return BuildOutcome{
-            BuildOutcome::Failure{QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(number).arg(*error)}};
+            BuildOutcome::Failure{QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(QString::number(number), *error)}};
     }
     co_return BuildOutcome{BuildOutcome::Success{number, clock.elapsed() / 1000.0, output}};
 }

@@ -51,8 +51,10 @@ void Runtime::launch()
     if (!judgement.shown.isEmpty())
         onEvent(judgement.shown, judgement.told);
 
-    // A quit within the proving time is no crash.
+    // What the hosted app stored survives the quit (or the restart), and a quit within the
+    // proving time is no crash.
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
+        saveHostedSettings();
         if (!state_.loading)
             return;
         RuntimeState quitting = state_;

@@ -140,9 +140,9 @@ RuntimeState RuntimeState::read(const QString &path)
     return decode(file.readAll()).value_or(RuntimeState{});
 }
 
-void RuntimeState::write(const QString &path) const
+std::optional<QString> RuntimeState::write(const QString &path) const
 {
-    AtomicFile::write(path, encode());
+    return AtomicFile::write(path, encode());
 }
 
 } // namespace zentoro

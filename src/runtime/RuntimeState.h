@@ -42,8 +42,8 @@ struct RuntimeState {
 
     // An unreadable or undecodable file gives the default state.
     static RuntimeState read(const QString &path);
-    // Whole or not at all; a failure is silent and the next write tries again.
-    void write(const QString &path) const;
+    // Whole or not at all; the next write tries again after a failure, whose words this returns.
+    std::optional<QString> write(const QString &path) const;
 };
 
 } // namespace zentoro

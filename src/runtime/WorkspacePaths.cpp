@@ -80,8 +80,21 @@ QString Workspace::resolve(const QString &path) const
     const QString trimmed = path.trimmed();
     if (trimmed.isEmpty() || trimmed.startsWith(u'/') || trimmed.startsWith(u'~'))
         throw Failure(QStringLiteral("Use a path relative to the source folder, like \"AppRoot.swift\"."));
+    // The system would cut the path at the NUL and act on another file than the one named.
+    if (trimmed.contains(QChar(0)))
+        throw Failure(QStringLiteral("A path can't contain a NUL character."));
     const QString folder = QDir::cleanPath(sources());
-    const QString candidate = QDir::cleanPath(folder + u'/' + trimmed);
+    QString candidate = QDir::cleanPath(folder + u'/' + trimmed);
+    // Names that look alike may be spelled in two Unicode forms; the one on disk wins.
+    if (!QFileInfo::exists(candidate)) {
+        for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
+            const QString spelled = candidate.normalized(form);
+            if (spelled != candidate && QFileInfo::exists(spelled)) {
+                candidate = spelled;
+                break;
+            }
+        }
+    }
     if (!candidate.startsWith(folder + u'/'))
         throw Failure(QStringLiteral("%1 is outside the source folder.").arg(trimmed));
     refuseLinksLeadingOut(folder, candidate, trimmed);

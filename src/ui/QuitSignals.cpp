@@ -12,10 +12,28 @@ namespace zentoro::QuitSignals {
 namespace {
 
 int pipeEnds[2] = {-1, -1};
+volatile sig_atomic_t received = 0;
 
-// A signal handler may only write; the event loop reads the byte and quits.
-extern "C" void askToQuit(int)
+// The quit asked for, carried out by the system: the hosted app's code shares the main thread
+// and may hold it, so an orderly quit can't be the only way out.
+extern "C" void endNow(int)
 {
+    const int signal = received;
+    ::signal(signal, SIG_DFL);
+    ::raise(signal);
+}
+
+// A signal handler may only write; the event loop reads the byte and quits. A second signal,
+// or none answered within a few seconds, ends the process as that signal would have.
+extern "C" void askToQuit(int signal)
+{
+    if (received) {
+        endNow(signal);
+        return;
+    }
+    received = signal;
+    ::signal(SIGALRM, endNow);
+    ::alarm(orderlySeconds);
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(pipeEnds[1], &byte, 1);
 }

@@ -2,6 +2,7 @@
 
 #include "agent/AgentWiring.h"
 #include "runtime/AppName.h"
+#include "runtime/KitPreparation.h"
 #include "runtime/Relaunch.h"
 #include "runtime/Workspace.h"
 #include "ui/AppIcon.h"
@@ -29,6 +30,8 @@ int ZentoroApp::run(int argc, char **argv)
 {
     // The copy's name and the path a restart comes back by are the file the user started,
     // before Qt resolves links.
+    if (argc > 1 && qstrcmp(argv[1], "--prepare-kit") == 0)
+        return Kit::prepare(argc, argv);
     const QString argv0 = QString::fromLocal8Bit(argc > 0 ? argv[0] : "");
     Relaunch::rememberExecutable(argv0);
 

@@ -41,9 +41,10 @@ TEST(AgentLoop, AssistantRowComesFirstAndCallsRunInOrderOneAfterAnother)
 {
     RunHarness harness;
     harness.script.push_back([] {
-        // Arguments that aren't a JSON object run the tool with an empty one.
+        // Arguments that aren't a JSON object run the tool with an empty one; a call named
+        // twice runs once.
         return response({functionCall("c1", "read_file", "{\"path\": "), functionCall("c2", "list_files", "[1]"),
-                         textMessage("Looking.")});
+                         functionCall("c1", "delete_file", "{}"), textMessage("Looking.")});
     });
     QStringList seenBeforeSecond;
     harness.duringPerform = [&](const QString &name) {
@@ -129,6 +130,7 @@ TEST(AgentLoop, ACutShortResponseShowsWhyAndStillRunsItsCalls)
     EXPECT_EQ(harness.texts(), (QStringList{"user: go", "error: The response was cut short (max_output_tokens).",
                                             "tool: row list_files",
                                             "error: The response was cut short (unknown reason)."}));
+    EXPECT_FALSE(harness.agent.items()[1].failed);
 }
 
 TEST(AgentLoop, EightyStepsEndTheRunWithTheLastOutputsQueued)
@@ -157,6 +159,7 @@ TEST(AgentLoop, AFailureEndsInOneErrorRowAndKeepsTheInput)
     harness.fail({OpenAI::Failure(429, "rate_limit", std::nullopt, "Slow down.")});
     harness.sendAndFinish("hi");
     EXPECT_EQ(harness.texts().last(), "error: OpenAI error 429: Slow down.");
+    EXPECT_EQ(harness.agent.items().last().toJSON().boolAt("failed"), false);
     EXPECT_EQ(harness.agent.pendingInput().size(), 2);
     EXPECT_TRUE(harness.agent.history().isEmpty());
 }

@@ -1,5 +1,7 @@
 #include "agent/Agent.h"
 #include "agent/BuildTools.h"
+#include "agent/HistoryUpkeep.h"
+#include "agent/ModelRequest.h"
 #include "runtime/CrashLog.h"
 #include "runtime/Runtime.h"
 
@@ -128,4 +130,34 @@ TEST_F(BuildToolsTest, AScreenshotIsHandedOverByReferenceOrElseInline)
     EXPECT_EQ(inlined.item.imagePath, std::nullopt);
     EXPECT_EQ(inlined.output, JSON::array({caption, JSON::object({{"type", "input_image"},
                                                                   {"image_url", "data:image/png;base64,cG5n"}})}));
+}
+
+// A copy may be named anything its file can be: its pictures still reach the model as data,
+// both when the whole conversation goes out and when only the new input does.
+TEST(ScreenshotReference, APictureOfACopyNamedAnyWayReachesTheModelAsData)
+{
+    QTemporaryDir dir;
+    const QByteArray png("\x89PNG of a named copy");
+    const QString data = "data:image/png;base64," + QString::fromLatin1(png.toBase64());
+    const JSON call =
+        JSON::object({{"type", "function_call"}, {"call_id", "c1"}, {"name", "screenshot"}, {"arguments", "{}"}});
+    for (const QString name : {"Kitchen Timer", "Tea #2", "100% Juice", "Done?", "Café Ölçer", "a%20b"}) {
+        const Workspace workspace{name, dir.path() + "/Apps/" + name};
+        const ToolResult result = BuildTools::screenshotResult(png, workspace.build() + "/Screenshots");
+        ASSERT_TRUE(result.item.imagePath) << name.toStdString();
+        const QList<JSON> pending{Agent::output("c1", result.output)};
+        const QUuid id = QUuid::createUuid();
+        for (const JSON &body : {ModelRequest::body(QString(), Provider::ChatGPT, {call}, pending, std::nullopt, id),
+                                 ModelRequest::body(QString(), Provider::APIKey, {call}, pending, QStringLiteral("resp_1"), id)}) {
+            const QString sent = QString::fromUtf8(body.find("input")->encode());
+            EXPECT_TRUE(sent.contains(data)) << name.toStdString() << ": " << sent.toStdString();
+            EXPECT_FALSE(sent.contains("file:")) << name.toStdString();
+        }
+        // Conversations saved by earlier versions hold the address with blanks and letters
+        // unencoded; it still names the picture.
+        const JSON earlier = JSON::array({JSON::object(
+            {{"type", "input_image"}, {"image_url", QUrl::fromLocalFile(*result.item.imagePath).toString()}})});
+        const JSON::Array attached = HistoryUpkeep::attachingScreenshots({Agent::output("c1", earlier)}, 1);
+        EXPECT_EQ((*attached[0].arrayAt("output"))[0].stringAt("image_url"), data) << name.toStdString();
+    }
 }

@@ -141,11 +141,20 @@ TEST_F(FileToolsTest, ReadFileRefusesWhatIsNoReadableTextFile)
     expectRefused("read_file", "Nope.swift", "There's no file at Nope.swift.");
     expectRefused("read_file", "Views", "Views is a folder, not a file.");
     expectRefused("read_file", "Latin1.swift", "Latin1.swift isn't UTF-8 text.");
-    put("Huge.swift", QByteArray(1024 * 1024 + 1, 'a'));
-    const ToolResult huge = call("read_file", QStringLiteral("Huge.swift"));
-    EXPECT_TRUE(output(huge).startsWith("Error: Huge.swift is too large to read")) << output(huge).toStdString();
-    put("Limit.swift", QByteArray(1024 * 1024, 'a'));
-    EXPECT_FALSE(call("read_file", QStringLiteral("Limit.swift")).item.failed);
+
+    // A large source (generated tables, say) is read and edited whole; only a file far beyond
+    // any source is refused, and the model hears how large it is.
+    const QByteArray table = "let table = [\n" + QByteArray("    1, 2, 3, 4, 5, 6, 7, 8,\n").repeated(100000) + "]\n";
+    put("Table.swift", table);
+    EXPECT_EQ(output(call("read_file", QStringLiteral("Table.swift"))).size(), table.size());
+    const ToolResult edited =
+        call("edit_file", QStringLiteral("Table.swift"), {{"old_text", "]\n"}, {"new_text", "].map { $0 }\n"}});
+    EXPECT_FALSE(edited.item.failed);
+    QFile huge(source("Huge.swift"));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize((qint64(16) << 20) + 1));
+    huge.close();
+    expectRefused("read_file", "Huge.swift",
+                  "Huge.swift is too large to read: 16777217 bytes. Files of up to 16 MB can be read.");
 }
 
 TEST_F(FileToolsTest, WriteFileCreatesOrRewritesWholeFiles)
@@ -215,7 +224,7 @@ TEST_F(FileToolsTest, EditFileThatDoesNotMatchOnceLeavesTheFileAlone)
     expectRefused("edit_file", "Gone.swift", "There's no file at Gone.swift.");
 }
 
-TEST_F(FileToolsTest, DeleteFileRemovesOneFileAndLeavesActivityAlone)
+TEST_F(FileToolsTest, DeleteFileRemovesAFileOrAFolderAndLeavesActivityAlone)
 {
     put("Views/Old.swift", "x");
     agent.setActivity(QStringLiteral("Thinking…"));
@@ -224,10 +233,18 @@ TEST_F(FileToolsTest, DeleteFileRemovesOneFileAndLeavesActivityAlone)
     EXPECT_EQ(deleted.item.text, "Deleted Views/Old.swift");
     EXPECT_EQ(agent.activity(), "Thinking…");
     EXPECT_FALSE(QFileInfo::exists(source("Views/Old.swift")));
-
     expectRefused("delete_file", "Views/Old.swift", "There's no file at Views/Old.swift.");
-    expectRefused("delete_file", "Views", "Views is a folder, not a file.");
-    EXPECT_TRUE(QFileInfo(source("Views")).isDir());
+
+    // A folder goes with what it holds; a link in it goes, what the link leads to stays.
+    put("Views/Deep/Row.swift", "x");
+    const QString kept = dir.path() + QStringLiteral("/kept.txt");
+    test::writeFile(kept, "mine");
+    QFile::link(kept, source("Views/Deep/kept.txt"));
+    EXPECT_EQ(output(call("delete_file", QStringLiteral("Views"))), "Deleted Views.");
+    EXPECT_FALSE(QFileInfo::exists(source("Views")));
+    EXPECT_EQ(contents(kept), "mine");
+    expectRefused("delete_file", ".", ". is outside the source folder.");
+    EXPECT_TRUE(QFileInfo(workspace.sources()).isDir());
 }
 
 TEST_F(FileToolsTest, NoToolReachesPastALinkLeadingOut)
@@ -249,4 +266,25 @@ TEST_F(FileToolsTest, NoToolReachesPastALinkLeadingOut)
     EXPECT_EQ(QDir(outside).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList({".bashrc"}));
     EXPECT_TRUE(QFileInfo(source("rc.swift")).isSymLink());
+}
+
+// Paths and folders no one meant: a NUL that would cut the path short, a name spelled in the
+// other Unicode form than the file on disk, and a folder of thousands of files, which the
+// model is shown in part.
+TEST_F(FileToolsTest, HostilePathsAndHugeFoldersGetClearAnswers)
+{
+    put("Café.swift", "let a = 1\n"); // composed é
+    expectRefused("write_file", QStringLiteral("AppRoot.swift") + QChar(0) + "/../../x",
+                  "A path can't contain a NUL character.", {{"content", "x"}});
+    const QString decomposed = QStringLiteral("Cafe\u0301.swift");
+    EXPECT_EQ(output(call("read_file", decomposed)), "let a = 1\n");
+    EXPECT_FALSE(call("write_file", decomposed, {{"content", "let a = 2\n"}}).item.failed);
+    EXPECT_EQ(contents(source("Café.swift")), "let a = 2\n");
+    EXPECT_EQ(QDir(workspace.sources()).entryList(QDir::Files).size(), 1);
+
+    for (int file = 0; file < 1200; ++file)
+        put(QStringLiteral("Many/F%1.swift").arg(file, 4, 10, QChar(u'0')), "x");
+    const QStringList listed = output(call("list_files")).split(u'\n');
+    ASSERT_EQ(listed.size(), 1001);
+    EXPECT_EQ(listed.last(), "… and 201 more files");
 }

@@ -1,4 +1,5 @@
 #include "agent/Agent.h"
+#include "agent/FileTools.h"
 #include "agent/Instructions.h"
 #include "runtime/Workspace.h"
 
@@ -69,6 +70,15 @@ TEST(Instructions, TheStateNoteTellsTheRunningVersionAndTheFiles)
     EXPECT_EQ(note[2], "- Versions built so far: 2.");
     EXPECT_EQ(note[4], "- Files in the source folder: AppRoot.swift (3 lines), Model/Empty.swift (1 lines), "
                        "Model/Latin1.swift (0 lines).");
+
+    // A name that looks like a placeholder stands as it is, and a source of any size is counted
+    // as list_files counts it.
+    QDir(workspace.sources()).removeRecursively();
+    put(workspace, "Tally %1.swift", QByteArray("let x = 1\n").repeated(200000));
+    Agent agent{AgentOperations{}};
+    EXPECT_EQ(FileTools::listFiles(agent, workspace).output, JSON("Tally %1.swift (200001 lines)"));
+    EXPECT_EQ(context(state, 2, "x", workspace, now, english).split(u'\n')[4],
+              "- Files in the source folder: Tally %1.swift (200001 lines).");
 
     // A loaded version without a record is as good as nothing.
     EXPECT_EQ(context(state, 7, "x", workspace, now, english).split(u'\n')[1],

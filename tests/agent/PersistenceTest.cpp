@@ -1,12 +1,19 @@
 #include "agent/Agent.h"
+#include "agent/AgentWiring.h"
 #include "core/Defaults.h"
+#include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
 
 #include "support/Await.h"
+#include "support/DiskFaults.h"
 #include "support/FakeAgent.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
 
 #include <gtest/gtest.h>
 
@@ -182,16 +189,37 @@ TEST_F(Persistence, TheListSkipsWhatItCantReadAndLeavesItOnDisk)
     put("AF5241C3-6EB0-40CF-A3A9-6B7C8D9EAFB0.json", QByteArray(200000, '[')); // nested beyond reason
     put("B06352D4-7FC1-41D0-B4BA-7C8D9EAFB0C1.JSON", good);                    // capitals aren't "json"
     put("D28574F6-91E3-43F2-96DC-9EAFB0C1D2E3.json", minimalFile("Readable"));
-    {
-        QFile enormous(folder() + "/E39685A7-A2F4-4403-87ED-AFB0C1D2E3F4.json");
-        ASSERT_TRUE(enormous.open(QIODevice::WriteOnly));
-        enormous.write(good);
-        ASSERT_TRUE(enormous.resize(SavedConversation::largestFile + 1));
-    }
+    put("E39685A7-A2F4-4403-87ED-AFB0C1D2E3F4.json", good + QByteArray(4096, '\0')); // garbage behind the end
 
     OpenedAgent agent;
     EXPECT_EQ(titles(agent), QStringList{"Readable"});
     EXPECT_EQ(QDir(folder()).entryList(QDir::Files).size(), 7);
+}
+
+// A conversation grows without bound on the API-key path, where the history is never trimmed:
+// what was written is read back at the next start, the owed restart answer included.
+TEST_F(Persistence, AConversationOfAnySizeComesBack)
+{
+    const QString page(1 << 20, u'x');
+    Agent::Saved written;
+    {
+        OpenedAgent agent;
+        QList<JSON> history;
+        for (int i = 0; i < 130; ++i)
+            history.append(Agent::message("developer", page));
+        agent.load({.items = {userRow("Keep going")},
+                    .restartCallID = "call_restart",
+                    .unansweredCalls = {"call_restart"},
+                    .history = history});
+        agent.writeConversation();
+        written = agent.saved();
+    }
+    ASSERT_GT(QFileInfo(fileOf(*written.id)).size(), qint64(130) << 20);
+    OpenedAgent restored;
+    EXPECT_EQ(restored.conversationID(), *written.id);
+    EXPECT_EQ(restored.restartCallID(), "call_restart");
+    ASSERT_EQ(restored.history().size(), 130);
+    EXPECT_EQ(restored.history().last(), Agent::message("developer", page));
 }
 
 TEST_F(Persistence, ReadingFollowsTheKeysRules)
@@ -383,4 +411,28 @@ TEST_F(Persistence, AfterALaunchOpenCallsAreAnsweredAndOnlyAnAskedForRestartGoes
     EXPECT_EQ(onDisk.arrayAt("pendingInput")->size(), 2u);
     asked.task().cancel();
     ASSERT_TRUE(test::spinUntil([&] { return !asked.isRunning(); }));
+}
+
+TEST_F(Persistence, AFullDiskIsShownInTheWindowAndForgottenOnceASaveSucceeds)
+{
+    Runtime runtime(copy);
+    OpenedAgent agent;
+    agent.setOperations(programOperations(agent, runtime));
+    agent.setItems({userRow("Make a timer")});
+    agent.writeConversation();
+    const QString path = fileOf(agent.saved().id.value());
+    const QString before = test::readText(path);
+
+    agent.setItems({userRow("Make a timer"), userRow("Louder")});
+    {
+        test::DiskFaults full(ENOSPC);
+        agent.writeConversation();
+    }
+    ASSERT_TRUE(runtime.banner().has_value());
+    EXPECT_EQ(runtime.banner()->title, "The disk is full: Zentoro couldn't save this conversation.");
+    EXPECT_EQ(test::readText(path), before);
+
+    agent.writeConversation();
+    EXPECT_FALSE(runtime.banner().has_value());
+    EXPECT_NE(test::readText(path), before);
 }

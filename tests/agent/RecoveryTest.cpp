@@ -160,6 +160,9 @@ TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)
     const ChatItem limit = row(failure(429, "subscription_sharing_usage_limit_exceeded"), Provider::APIKey);
     EXPECT_EQ(limit.text, "Usage limit reached. Review your plan or Zentoro's limit in ChatGPT settings.");
     EXPECT_EQ(limit.link, usage);
+    // An error row is told apart by its kind; like every new row it isn't marked failed.
+    EXPECT_EQ(limit.kind, ChatItem::Kind::Error);
+    EXPECT_FALSE(limit.failed);
 
     EXPECT_EQ(row(failure(403, "subscription_sharing_user_not_eligible", std::nullopt, "Free plan")).text,
               "Your ChatGPT plan can't be used in Zentoro (Free plan). You can add an OpenAI API key in Settings "

@@ -1,4 +1,5 @@
 #include "model_service/OpenAI.h"
+#include "model_service/ResponseStream.h"
 
 #include "support/Await.h"
 #include "support/FakeResponsesServer.h"
@@ -443,4 +444,40 @@ TEST(OpenAIFailure, TakesTheMessageCodeAndParamFromTheBody)
     // "é" is two bytes and the 400th byte is its first half: the cut character is repaired.
     const QByteArray cut = QByteArray(399, 'a') + "é" + QByteArray(100, 'b');
     EXPECT_EQ(OpenAI::failure(502, cut).message, QString(399, u'a') + QChar(QChar::ReplacementCharacter));
+}
+
+// A service gone wrong: a line that never ends or items that never stop fail the response
+// with words once they pass what Zentoro keeps, while a call with 10 MB of arguments is read.
+TEST(ResponseStreamLimits, EndlessLinesAndItemsFailWithWordsWhileLargeArgumentsAreRead)
+{
+    const OpenAI::Failure tooLarge(0, std::nullopt, std::nullopt, "The response was larger than Zentoro can read.");
+    const QByteArray spaces(1 << 20, ' ');
+
+    OpenAI::ResponseStream endlessLine([](const JSON &) {});
+    endlessLine.feed("data: {\"type\":\"response.output_text.delta\",\"delta\":\"");
+    for (int megabyte = 0; megabyte < 80 && !endlessLine.hasEnded(); ++megabyte)
+        endlessLine.feed(spaces);
+    ASSERT_TRUE(endlessLine.hasEnded());
+    try {
+        endlessLine.result();
+        ADD_FAILURE() << "an endless line was taken";
+    } catch (const OpenAI::Failure &failure) {
+        EXPECT_EQ(failure, tooLarge);
+    }
+
+    const QByteArray arguments = QByteArray(10 << 20, 'x');
+    const QByteArray call = "{\"type\":\"function_call\",\"call_id\":\"c1\",\"name\":\"write_file\",\"arguments\":\"" +
+                            arguments + "\"}";
+    OpenAI::ResponseStream large([](const JSON &) {});
+    large.feed("data: {\"type\":\"response.output_item.done\",\"item\":" + call + "}\n\n");
+    large.feed("data: {\"type\":\"response.completed\",\"response\":{\"id\":\"r\",\"output\":[]}}\n\n");
+    ASSERT_TRUE(large.hasEnded());
+    EXPECT_EQ(large.result().arrayAt(QStringLiteral("output"))->front().stringAt(QStringLiteral("arguments"))->size(),
+              arguments.size());
+
+    OpenAI::ResponseStream endlessItems([](const JSON &) {});
+    for (int item = 0; item < 40 && !endlessItems.hasEnded(); ++item)
+        endlessItems.feed("data: {\"type\":\"response.output_item.done\",\"item\":" + call + "}\n\n");
+    ASSERT_TRUE(endlessItems.hasEnded());
+    EXPECT_THROW(endlessItems.result(), OpenAI::Failure);
 }

@@ -16,8 +16,8 @@ TEST(BuildSteps, SwiftLiteralsEscapeWhatWouldEndOrBreakThemInTheEntryFile)
     // every build that loads.
     const QString entry =
         BuildSteps::entryFile(QStringLiteral("Bob's \"Timer\""), QStringLiteral("dev.vantu.zentoro.app.Bob's \"Timer\""));
-    EXPECT_TRUE(entry.contains(QStringLiteral("static let name = \"Bob's \\\"Timer\\\"\" }"))) << entry.toStdString();
-    EXPECT_TRUE(entry.contains(QStringLiteral("UserDefaults(suiteName: \"dev.vantu.zentoro.app.Bob's \\\"Timer\\\"\")!")));
+    EXPECT_TRUE(entry.contains(QStringLiteral("appName: \"Bob's \\\"Timer\\\"\")"))) << entry.toStdString();
+    EXPECT_TRUE(entry.contains(QStringLiteral("UserDefaults(suiteName: \"dev.vantu.zentoro.app.Bob's \\\"Timer\\\"\")")));
 }
 
 TEST(BuildSteps, CleanShowsRelativePathsAndNamesTheGeneratedEntry)

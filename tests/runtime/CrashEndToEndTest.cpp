@@ -24,6 +24,14 @@ const QByteArray trappingRoot = "import SwiftUI\n\n"
                                 "    }\n"
                                 "}\n";
 
+// An app that ends the process itself, as if it were done, as it appears.
+const QByteArray exitingRoot = "import SwiftUI\nimport Foundation\n\n"
+                               "struct AppRoot: View {\n"
+                               "    var body: some View {\n"
+                               "        Text(\"Leaving\").onAppear { exit(0) }\n"
+                               "    }\n"
+                               "}\n";
+
 // Everything the program said to the agent, from the saved conversations.
 QString conversations(const Workspace &workspace)
 {
@@ -37,19 +45,23 @@ QString conversations(const Workspace &workspace)
 } // namespace
 
 // A version whose view traps as it appears, a process killed from outside, a crash long
-// after the start, safe mode, and a quit within the proving time, each with the real
+// after the start, safe mode, a quit within the proving time, and an app that exits by
+// itself as it starts, each with the real
 // program, the real compiler and the real kit.
 TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
 {
     ZENTORO_REQUIRE_PROGRAM();
     Program program(QStringLiteral("Crash Harness"));
     const Workspace &workspace = program.workspace;
-    // Version 2 traps on a force unwrap of nil as its view appears; the program starts on it.
-    ASSERT_TRUE(buildVersions(workspace, {{QStringLiteral("AppRoot.swift"), trappingRoot}}));
+    // Version 3 traps on a force unwrap of nil as its view appears; the program starts on it.
+    // Version 2 exits as it appears.
+    ASSERT_TRUE(buildVersions(workspace, {{QStringLiteral("AppRoot.swift"), exitingRoot},
+                                          {QStringLiteral("AppRoot.swift"), trappingRoot}}));
     RuntimeState state = RuntimeState::read(workspace.stateFile());
-    ASSERT_EQ(state.versions.size(), 2);
+    ASSERT_EQ(state.versions.size(), 3);
     state.lastGood = 1;
-    state.current = 2;
+    state.current = 3;
+    state.versions[1].crashed = true; // not a way back until its own turn at the end
     state.loading.reset();
     state.write(workspace.stateFile());
 
@@ -71,7 +83,7 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
     // The trap kills the process within the proving time, and the runtime's words are in the log.
     program.start();
     QElapsedTimer clock;
-    ASSERT_TRUE(logShows(QStringLiteral("Zentoro: loaded version 2")));
+    ASSERT_TRUE(logShows(QStringLiteral("Zentoro: loaded version 3")));
     clock.start();
     ASSERT_TRUE(ended());
     EXPECT_LT(clock.elapsed(), 4000);
@@ -82,12 +94,12 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
     program.start();
     ASSERT_TRUE(logShows(QStringLiteral("Zentoro: loaded version 1")));
     state = RuntimeState::read(workspace.stateFile());
-    EXPECT_TRUE(state.versions[1].crashed);
+    EXPECT_TRUE(state.versions[2].crashed);
     EXPECT_FALSE(state.versions[0].crashed);
     EXPECT_EQ(state.current, 1);
     EXPECT_TRUE(readText(workspace.logs() + QStringLiteral("/crash.log")).contains(QStringLiteral("Fatal error: Unexpectedly found nil")));
     EXPECT_EQ(readText(workspace.sources() + QStringLiteral("/AppRoot.swift")).toUtf8(), trappingRoot);
-    ASSERT_TRUE(said(QStringLiteral("Version 2 crashed while starting; running version 1.")));
+    ASSERT_TRUE(said(QStringLiteral("Version 3 crashed while starting; running version 1.")));
     EXPECT_TRUE(conversations(workspace).contains(QStringLiteral("Fatal error: Unexpectedly found nil")));
 
     // A quit within the proving time is no crash.
@@ -129,4 +141,21 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
     send(SIGTERM);
     ASSERT_TRUE(ended());
     EXPECT_EQ(signal(), 0);
+
+    // An app that exits by itself within the proving time has crashed while starting too.
+    state = RuntimeState::read(workspace.stateFile());
+    state.versions[0].crashed = false;
+    state.versions[1].crashed = false;
+    state.lastGood = 1;
+    state.current = 2;
+    state.write(workspace.stateFile());
+    program.start();
+    ASSERT_TRUE(logShows(QStringLiteral("Zentoro: loaded version 2")));
+    ASSERT_TRUE(ended());
+    EXPECT_EQ(signal(), 0);
+    program.start();
+    ASSERT_TRUE(logShows(QStringLiteral("Zentoro: loaded version 1")));
+    ASSERT_TRUE(said(QStringLiteral("Version 2 crashed while starting; running version 1.")));
+    send(SIGTERM);
+    ASSERT_TRUE(ended());
 }

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <functional>
@@ -16,6 +17,7 @@
 #include <gtest/gtest.h>
 
 using namespace zentoro;
+using namespace std::chrono_literals;
 
 // The reference apps, driven through the Qt host as a user drives them: clicks, typing and
 // drags go to the view, and what the app shows is read back from its pixels.
@@ -23,7 +25,7 @@ namespace {
 
 void *loadApp(const QString &name)
 {
-    const QString file = QFileInfo(QStringLiteral(__FILE__)).dir().filePath(QStringLiteral("../kit_apps/%1/App.swift").arg(name));
+    const QString file = QStringLiteral(ZENTORO_TESTS_DIR "/kit_apps/%1/App.swift").arg(name);
     return test::loadApp(QStringLiteral("Ref") + name, test::readText(file));
 }
 
@@ -89,6 +91,15 @@ TEST(KitApps, TodoListAddsChecksDeletesAndKeepsItsItemsAcrossRestarts)
         QTest::keyClicks(fields.first(), QStringLiteral("Buy milk"));
         QTest::keyClick(fields.first(), Qt::Key_Return);
         ASSERT_TRUE(test::spinUntil([&] { return fields.first()->text().isEmpty(); })) << "the field clears after adding";
+        // Within a moment the item is on disk in the copy's own settings, with no help from the host.
+        const QString settings =
+            qEnvironmentVariable("XDG_CONFIG_HOME") + u'/' + test::kitTestCopy().defaultsSuite() + ".plist";
+        const auto stored = [&] {
+            static const QRegularExpression data(QStringLiteral("<key>todoItems</key>\\s*<data>([^<]*)</data>"));
+            return QByteArray::fromBase64(data.match(test::readText(settings)).captured(1).toLatin1());
+        };
+        EXPECT_TRUE(test::spinUntil([&] { return stored().contains("Buy milk"); }, 1s))
+            << test::readText(settings).toStdString();
 
         // The new row's empty circle sits before its title (the first dark text under the field,
         // below the grey section header); a click checks it.

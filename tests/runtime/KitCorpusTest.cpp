@@ -42,7 +42,7 @@ bool rendersWithoutCrash(const QString &library)
 TEST(KitCorpus, MostProgramsCompileUnchangedAndRender)
 {
     ZENTORO_REQUIRE_SWIFTC();
-    const QDir folder(QFileInfo(QStringLiteral(__FILE__)).dir().filePath(QStringLiteral("../kit_corpus")));
+    const QDir folder(QStringLiteral(ZENTORO_TESTS_DIR "/kit_corpus"));
     const QStringList programs = folder.entryList({QStringLiteral("*.swift")}, QDir::Files, QDir::Name);
     ASSERT_GE(programs.size(), 20);
     int working = 0;

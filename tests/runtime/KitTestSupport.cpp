@@ -1,5 +1,6 @@
 #include "KitTestSupport.h"
 
+#include "runtime/BuildSteps.h"
 #include "runtime/Shell.h"
 
 #include "support/Await.h"
@@ -27,6 +28,12 @@ std::optional<QString> swiftc()
     return std::nullopt;
 }
 
+const Workspace &kitTestCopy()
+{
+    static const Workspace copy = Workspace::forName(QStringLiteral("Kit Test"));
+    return copy;
+}
+
 const Kit::Build &sharedKit()
 {
     static const Kit::Build build = await(Kit::ensureBuilt({}, *swiftc(), QStringLiteral("Swift test")));
@@ -39,11 +46,7 @@ QString buildApp(const QString &module, const QString &source, QString *error)
     const QString dir = folder.path() + u'/' + module;
     const QString entry = dir + QStringLiteral("/ZentoroEntry.swift");
     const QString app = dir + QStringLiteral("/App.swift");
-    writeFile(entry, "import SwiftUI\n"
-                     "enum AppInfo { static let name = \"Kit Test\" }\n"
-                     "extension UserDefaults { static let app = UserDefaults(suiteName: \"dev.vantu.zentoro.app.Kit Test\")! }\n"
-                     "@_cdecl(\"zentoro_make_root_view\")\n"
-                     "public func zentoro_make_root_view() -> UnsafeMutableRawPointer { ZentoroHosting.makeRootView(AppRoot()) }");
+    writeFile(entry, BuildSteps::entryFile(kitTestCopy().name, kitTestCopy().defaultsSuite()).toUtf8());
     writeFile(app, source.toUtf8());
     const QString output = dir + QStringLiteral("/lib") + module + QStringLiteral(".so");
     QStringList arguments{QStringLiteral("-emit-library"), QStringLiteral("-parse-as-library"),

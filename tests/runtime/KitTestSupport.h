@@ -2,6 +2,7 @@
 
 #include "runtime/Kit.h"
 #include "runtime/KitHostView.h"
+#include "runtime/Workspace.h"
 
 #include <QImage>
 #include <QString>
@@ -13,6 +14,9 @@ namespace zentoro::test {
 
 // The Swift compiler: `swiftc` on PATH, else the toolchain in /opt/swift; none when absent.
 std::optional<QString> swiftc();
+
+// The copy whose name and settings suite the apps of `buildApp` are built with.
+const Workspace &kitTestCopy();
 
 // The kit built once for this test program, in its private support folder.
 const Kit::Build &sharedKit();

@@ -1,3 +1,5 @@
+#include "runtime/DiskFull.h"
+#include "runtime/Runtime.h"
 #include "runtime/Toolchain.h"
 
 #include "core/Defaults.h"
@@ -5,6 +7,7 @@
 #include "support/Await.h"
 #include "support/Files.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -86,4 +89,43 @@ TEST(Toolchain, SimulatedMissingToolsWinOverAWorkingCompiler)
     const Toolchain simulated = test::await(Toolchain::detect());
     Defaults::remove(QStringLiteral("ZentoroSimulateMissingTools"));
     EXPECT_EQ(simulated, Toolchain::missing());
+}
+
+// Just after a start the compiler is still being looked for; a build asked for then waits for
+// the answer instead of calling the compiler unavailable.
+TEST(Toolchain, ABuildAskedForDuringTheCheckWaitsForIt)
+{
+    QTemporaryDir bin;
+    PathOverride path(bin.path());
+    writeScript(bin.path() + QStringLiteral("/swiftc"),
+                "/bin/sleep 0.3\necho 'Swift version 6.3.1 (swift-6.3.1-RELEASE)'\n");
+    QTemporaryDir dir;
+    const Workspace workspace{QStringLiteral("Early"), dir.path() + QStringLiteral("/Apps/Early")};
+    QDir().mkpath(workspace.sources());
+    Runtime runtime(workspace);
+    const TaskHandle checking =
+        startTask([&runtime](TaskHandle) -> QCoro::Task<> { co_await runtime.checkToolchain(); });
+    ASSERT_EQ(runtime.toolchain().kind(), Toolchain::Case::Checking);
+    const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("Early")));
+    EXPECT_TRUE(checking.isFinished());
+    ASSERT_TRUE(outcome.failure());
+    EXPECT_EQ(outcome.failure()->text, QStringLiteral("There are no .swift files in the source folder."));
+}
+
+TEST(Toolchain, ABuildThatRanOutOfSpaceIsToldAsAFullDiskNotAsACompilerError)
+{
+    QTemporaryDir bin;
+    PathOverride path(bin.path());
+    writeScript(bin.path() + QStringLiteral("/swiftc"),
+                "case \"$1\" in --version) echo 'Swift version 6.3.1 (swift-6.3.1-RELEASE)';;\n"
+                "*) echo 'error: unable to write module: No space left on device' >&2; exit 1;; esac\n");
+    QTemporaryDir dir;
+    const Workspace workspace{QStringLiteral("Full"), dir.path() + QStringLiteral("/Apps/Full")};
+    test::writeFile(workspace.sources() + QStringLiteral("/AppRoot.swift"), "struct AppRoot {}");
+    workspace.prepare();
+    Runtime runtime(workspace);
+    test::await(runtime.checkToolchain());
+    const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("Full")));
+    ASSERT_TRUE(outcome.failure());
+    EXPECT_EQ(outcome.failure()->text, DiskFull::buildFailure());
 }

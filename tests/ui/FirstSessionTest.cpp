@@ -1,8 +1,8 @@
-// A person's first minutes with a new copy, through the real window, the program's own agent
-// against a fake of the model service, and the real Swift compiler and UI kit: a request typed
-// and sent with Return, an app written, built and screenshot, then a version back, a reset from
-// the Develop menu, and a restart. The restart is played in this process: everything is made
-// again from the same copy on disk, in the start-up order a new process follows.
+// A person's first minutes with a new copy named "Kitchen Timer", through the real window, the
+// program's own agent against a fake of the model service, and the real Swift compiler and UI
+// kit: a request typed and sent with Return, an app written, built and screenshot, then a version
+// back, a reset from the Develop menu, and a restart. The restart is played in this process:
+// everything is made again from the same copy on disk, in the start-up order a new process follows.
 #include "PanelHarness.h"
 
 #include "core/Defaults.h"
@@ -123,7 +123,7 @@ protected:
     }
 
     FakeResponsesServer server;
-    const Workspace copy = Workspace::forName(QStringLiteral("Tally"));
+    const Workspace copy = Workspace::forName(QStringLiteral("Kitchen Timer"));
     std::unique_ptr<ZentoroApp::Session> session;
 };
 
@@ -144,7 +144,7 @@ TEST_F(FirstSession, AskForAnAppGoBackResetAndRestart)
 
     // A new copy builds the starter app as its first version, with no one asking.
     start();
-    EXPECT_EQ(window().windowTitle(), QStringLiteral("Tally"));
+    EXPECT_EQ(window().windowTitle(), QStringLiteral("Kitchen Timer"));
     // The first build of a test folder compiles the UI kit too, which takes minutes on a busy machine.
     ASSERT_TRUE(shows(1, 1200s)) << "The starter app never showed; banner: "
                           << (runtime().banner() ? runtime().banner()->detail.value_or(QString()).toStdString() : "");
@@ -189,9 +189,11 @@ TEST_F(FirstSession, AskForAnAppGoBackResetAndRestart)
     EXPECT_TRUE(shot->showsImage());
     EXPECT_TRUE(near(QImage(*items[4].imagePath).pixelColor(4, 4), tallyGround)) << "The screenshot isn't of the new app";
     EXPECT_TRUE(labelTexts(row(5)).contains(QStringLiteral("it counts now")));
-    // The model saw the screenshot with the last request. The key from the environment is the
-    // bearer, and the service keeps the conversation: a later request carries only what is new.
-    EXPECT_TRUE(server.requests().last().body.contains("input_image"));
+    // The model saw the screenshot with the last request, as picture data: the copy's folder
+    // has a blank in its name. The key from the environment is the bearer, and the service
+    // keeps the conversation: a later request carries only what is new.
+    EXPECT_TRUE(server.requests().last().body.contains("\"image_url\":\"data:image/png;base64,iVBOR"));
+    EXPECT_FALSE(server.requests().last().body.contains("file:"));
     EXPECT_EQ(server.requests()[0].header("Authorization"), "Bearer sk-first-session");
     EXPECT_EQ(server.requests()[1].json().stringAt(QStringLiteral("previous_response_id")), QStringLiteral("resp_1"));
     EXPECT_FALSE(server.requests()[1].body.contains(request.toUtf8()));

@@ -117,7 +117,7 @@ final class Hosted {
     private var hostStorage: UnsafeMutablePointer<ZentoroHost>
 
     init<V: View>(_ root: V, width: Double = 400, height: Double = 300) {
-        view = ZentoroHosting.makeRootView(root)
+        view = ZentoroHosting.makeRootView(root, appName: "Kit Double")
         hostStorage = .allocate(capacity: 1)
         hostStorage.initialize(to: double.host)
         _zentoroViewAttach(view, UnsafeRawPointer(hostStorage))
@@ -135,8 +135,8 @@ final class Hosted {
         // As the window does, take what changed before painting.
         _ = update()
         if let clip {
-            var c = clip.c
-            _zentoroViewRender(view, &c)
+            var hostClip = clip.hostValue
+            _zentoroViewRender(view, &hostClip)
         } else {
             _zentoroViewRender(view, nil)
         }

@@ -177,9 +177,11 @@ extension TextAlignment {
 /// Hosting: how the generated entry file hands a root view to Zentoro's window.
 public enum ZentoroHosting {
     /// A hosted root view, retained once for the host, which releases it with
-    /// `zentoro_view_release`. The host calls the factory on the main thread.
-    public static func makeRootView<V: View>(_ view: @autoclosure () -> V) -> UnsafeMutableRawPointer {
-        MainActor.assumeIsolated {
+    /// `zentoro_view_release`. The host calls the factory on the main thread. `appName`,
+    /// the copy's name, is `AppInfo.name` from before the view is made.
+    public static func makeRootView<V: View>(_ view: @autoclosure () -> V, appName: String) -> UnsafeMutableRawPointer {
+        AppInfo.copyName = appName
+        return MainActor.assumeIsolated {
             Unmanaged.passRetained(RootView(ViewGraph(view()))).toOpaque()
         }
     }

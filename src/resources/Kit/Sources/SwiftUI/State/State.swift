@@ -242,7 +242,9 @@ public struct AppStorage<Value>: DynamicProperty, StorageBound {
     public var wrappedValue: Value {
         get { store.object(forKey: key).flatMap(decode) ?? defaultValue }
         nonmutating set {
+            let store = self.store
             if let encoded = encode(newValue) { store.set(encoded, forKey: key) } else { store.removeObject(forKey: key) }
+            StoredSettings.changed(store)
             if let graph = box.graph { MainActor.assumeIsolated { graph.invalidate() } }
         }
     }

@@ -19,7 +19,7 @@ extern "C" {
 
 /* Raised whenever a field, a function or a meaning below changes. The host refuses a kit
  * whose `zentoro_kit_interface_version()` differs from the value it was built with. */
-#define ZENTORO_HOST_INTERFACE_VERSION 2
+#define ZENTORO_HOST_INTERFACE_VERSION 3
 
 typedef struct { double x, y; } ZentoroPoint;
 typedef struct { double x, y, width, height; } ZentoroRect;
@@ -210,6 +210,12 @@ void zentoro_view_text_focus(void *view, int64_t identifier, int32_t focused);
  * there is none. Call it also after every other call into the kit. */
 int32_t zentoro_kit_main_queue_fd(void);
 double zentoro_kit_service_main(void);
+
+/* Writes the hosted app's stored settings to disk now: the standard defaults and the suite
+ * named `suite`. Foundation on Linux writes them only when asked; the kit writes each
+ * @AppStorage change a moment after it by itself, and the host calls this now and then and
+ * before every orderly end for what the app keeps in UserDefaults directly. */
+void zentoro_kit_save_settings(const char *suite);
 
 #ifdef __cplusplus
 }
