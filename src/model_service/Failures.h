@@ -21,7 +21,10 @@ struct Failure : DescribedError {
     Failure(int status, std::optional<QString> code, std::optional<QString> param, QString message)
         : status(status), code(std::move(code)), param(std::move(param)), message(std::move(message)) {}
     // "OpenAI error <status>: <message>", or the message alone when status is 0.
-    QString errorDescription() const override;
+    QString errorDescription() const override
+    {
+        return status == 0 ? message : QStringLiteral("OpenAI error %1: %2").arg(status).arg(message);
+    }
     bool operator==(const Failure &other) const
     {
         return status == other.status && code == other.code && param == other.param && message == other.message;
