@@ -1,5 +1,6 @@
 #include "runtime/Kit.h"
 
+#include "runtime/BuildSteps.h"
 #include "runtime/Shell.h"
 #include "runtime/Workspace.h"
 
@@ -25,7 +26,6 @@ namespace zentoro::Kit {
 namespace {
 
 const QString resourceRoot = QStringLiteral(":/Kit");
-const QString library = QStringLiteral("libSwiftUI.so");
 const QString module = QStringLiteral("SwiftUI.swiftmodule");
 
 QStringList resourceFiles()
@@ -47,9 +47,41 @@ QString safeName(const QString &text)
     return name;
 }
 
-bool isComplete(const QString &folder)
+// A folder left by an older Zentoro, whose library had another name, counts as incomplete.
+bool isComplete(const QString &folder, const QString &identity)
 {
-    return QFile::exists(folder + u'/' + library) && QFile::exists(folder + u'/' + module);
+    return QFile::exists(folder + u'/' + libraryName(identity)) && QFile::exists(folder + u'/' + module);
+}
+
+// Moves whatever stands at `folder` out of the way and `staging` in; true when `folder` then
+// holds a complete kit, this one or one that another copy put there first.
+bool putInPlace(const QString &staging, const QString &folder, const QString &identity)
+{
+    if (QDir().rename(staging, folder))
+        return true;
+    if (isComplete(folder, identity))
+        return true;
+    const QString aside = staging + QStringLiteral("-old");
+    if (!QDir().rename(folder, aside))
+        return false;
+    const bool moved = QDir().rename(staging, folder);
+    QDir(aside).removeRecursively();
+    return moved || isComplete(folder, identity);
+}
+
+// Called while `staging` still exists: the compiler may name it by the path that links lead to.
+QString failureText(const Shell::Result &result, const QString &staging)
+{
+    QString output = result.output;
+    for (const QString &folder : {staging, QFileInfo(staging).canonicalFilePath()}) {
+        if (folder.isEmpty())
+            continue;
+        output.remove(folder + QStringLiteral("/src/"));
+        output.remove(folder + u'/');
+    }
+    output = BuildSteps::capped(output);
+    return output.isEmpty() ? QStringLiteral("The UI kit didn't build (swiftc status %1).").arg(result.status)
+                            : QStringLiteral("The UI kit didn't build:\n") + output;
 }
 
 // Copies the kit's sources out of the program into `folder`; returns the Swift files.
@@ -94,22 +126,35 @@ QString version()
     return QString::fromLatin1(hash.result().toHex().left(12));
 }
 
+QString identity(const QString &compilerVersion)
+{
+    return version() + u'-' + safeName(compilerVersion);
+}
+
+QString libraryName(const QString &identity)
+{
+    return QStringLiteral("libSwiftUI-") + identity + QStringLiteral(".so");
+}
+
 QString cacheFolder(const QString &compilerVersion)
 {
-    return Workspace::support() + QStringLiteral("/KitCache/") + version() + u'-' + safeName(compilerVersion);
+    return Workspace::support() + QStringLiteral("/KitCache/") + identity(compilerVersion);
 }
 
 QStringList appArguments(const QString &folder)
 {
+    const QString name = QFileInfo(folder).fileName();
     return {QStringLiteral("-I"), folder, QStringLiteral("-I"), folder + QStringLiteral("/include"),
-            QStringLiteral("-L"), folder, QStringLiteral("-lSwiftUI"),
+            QStringLiteral("-L"), folder, QStringLiteral("-lSwiftUI-") + name,
             QStringLiteral("-Xlinker"), QStringLiteral("-rpath"), QStringLiteral("-Xlinker"), folder};
 }
 
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
 {
     const QString folder = cacheFolder(compilerVersion);
-    if (isComplete(folder))
+    const QString kit = identity(compilerVersion);
+    const QString library = libraryName(kit);
+    if (isComplete(folder, kit))
         co_return Build{appArguments(folder), {}};
 
     const QString staging = QFileInfo(folder).path() + QStringLiteral("/.building-")
@@ -136,12 +181,10 @@ QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, co
     arguments += *sources;
     const Shell::Result result = co_await Shell::run(swiftc, arguments, staging, task);
 
-    if (result.status != 0 || !isComplete(staging)) {
+    if (result.status != 0 || !isComplete(staging, kit)) {
+        const QString failure = failureText(result, staging);
         QDir(staging).removeRecursively();
-        const QString output = result.output.trimmed();
-        co_return Build{{}, output.isEmpty()
-                                ? QStringLiteral("The UI kit didn't build (swiftc status %1).").arg(result.status)
-                                : QStringLiteral("The UI kit didn't build:\n") + output};
+        co_return Build{{}, failure};
     }
     // What app builds need next to the library: the module and the host interface's module map.
     QDir(staging + QStringLiteral("/ModuleCache")).removeRecursively();
@@ -151,7 +194,7 @@ QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, co
     QDir(staging + QStringLiteral("/src")).removeRecursively();
 
     // Another copy may have finished first; then its cache stands and this one goes.
-    if (!QDir().rename(staging, folder) && !isComplete(folder)) {
+    if (!putInPlace(staging, folder, kit)) {
         QDir(staging).removeRecursively();
         co_return Build{{}, QStringLiteral("Couldn't put the UI kit into %1.").arg(folder)};
     }
