@@ -49,6 +49,11 @@ void showOriginalFailed(Runtime &runtime, const BuildOutcome &outcome)
 
 } // namespace
 
+Banner Runtime::couldNotLoad(int number, const QString &error)
+{
+    return Banner{QStringLiteral("Couldn't load version %1").arg(number), error, false};
+}
+
 void Runtime::revert(int number)
 {
     // The compiler reads the source folder while it runs; replacing it underneath would
@@ -64,8 +69,25 @@ void Runtime::revert(int number)
         setBanner(Banner{restoreFailedTitle(number), describe(std::current_exception()), false});
         return;
     }
-    if (const std::optional<QString> error = load(number)) {
-        setBanner(Banner{QStringLiteral("Couldn't load version %1").arg(number), error, false});
+    // A version built against another kit is built again from its copy of the sources first.
+    if (toolchain_.isReady() && !builtWithCurrentKit(number)) {
+        QPointer<Runtime> self(this);
+        startTask([self, number](TaskHandle) -> QCoro::Task<> {
+            if (!self)
+                co_return;
+            const std::optional<QString> error = co_await self->loadWithCurrentKit(number);
+            if (self)
+                self->tellReverted(number, error);
+        });
+        return;
+    }
+    tellReverted(number, load(number));
+}
+
+void Runtime::tellReverted(int number, const std::optional<QString> &error)
+{
+    if (error) {
+        setBanner(couldNotLoad(number, *error));
         return;
     }
     setBanner(std::nullopt);

@@ -129,6 +129,11 @@ QString Workspace::dylib(int number) const
     return version(number) + QStringLiteral("/libZentoroApp") + QString::number(number) + QStringLiteral(".so");
 }
 
+QString Workspace::kitStamp(int number) const
+{
+    return version(number) + QStringLiteral("/kit.json");
+}
+
 QString Workspace::defaultsSuite() const
 {
     return QString::fromLatin1(bundleIdentifier) + QStringLiteral(".app.") + name;

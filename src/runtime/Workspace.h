@@ -35,6 +35,8 @@ struct Workspace {
     QString conversation(const QUuid &id) const;
     QString version(int number) const;
     QString dylib(int number) const;
+    // "kit.json" in `version(number)`: what its library was built against.
+    QString kitStamp(int number) const;
     // The hosted app's own settings suite: "dev.vantu.zentoro.app.<name>".
     QString defaultsSuite() const;
 
@@ -52,6 +54,8 @@ struct Workspace {
     QStringList files() const;
     // The files whose extension is exactly "swift".
     QStringList swiftFiles() const;
+    // The same for another source tree, such as a version's copy of the sources.
+    static QStringList swiftFiles(const QString &folder);
     // Turns a path the agent gave into an absolute path inside "Sources", or throws Failure.
     // Beyond the textual rule, a path that passes through a symbolic link leading out of
     // "Sources" is refused, so no tool can reach the rest of the disk.
