@@ -1,10 +1,10 @@
 // Saving a long conversation against writing the same bytes plainly, and building the
 // whole-history request for it.
+#include "Measure.h"
 #include "agent/Agent.h"
 #include "agent/HistoryUpkeep.h"
 #include "agent/ModelRequest.h"
 #include "runtime/Workspace.h"
-#include "Measure.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -37,8 +37,8 @@ ChatItem errorRow(const QString &text)
 void logRunEnd(const QList<ChatItem> &items)
 {
     const QString last = items.isEmpty() ? QStringLiteral("none")
-                                          : ChatItem::kindText(items.last().kind) + QStringLiteral(": ") +
-                                                Text::firstCharacters(items.last().text, 300);
+                                         : ChatItem::kindText(items.last().kind) + QStringLiteral(": ") +
+                                               Text::firstCharacters(items.last().text, 300);
     qCDebug(logAgent, "The run ended; its last row is %s", qUtf8Printable(last));
 }
 
@@ -98,7 +98,8 @@ void Agent::send(const QString &text)
         QStringList lines;
         for (const QString &note : std::as_const(notes_))
             lines.append(QStringLiteral("- ") + note);
-        pendingInput_.append(message(QStringLiteral("developer"), QStringLiteral("Meanwhile, in Zentoro:\n") + lines.join(u'\n')));
+        pendingInput_.append(
+            message(QStringLiteral("developer"), QStringLiteral("Meanwhile, in Zentoro:\n") + lines.join(u'\n')));
         notes_.clear();
     }
     pendingInput_.append(message(QStringLiteral("developer"), operations_.context()));

@@ -3,8 +3,8 @@
 #include "agent/AgentOperations.h"
 #include "agent/ChatItem.h"
 #include "agent/SavedConversation.h"
-#include "core/MainTask.h"
 #include "core/JSON.h"
+#include "core/MainTask.h"
 #include "model_service/Provider.h"
 #include "runtime/Workspace.h"
 

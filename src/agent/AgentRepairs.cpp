@@ -11,6 +11,12 @@ bool isType(const JSON &item, QStringView type)
     return item.stringAt(QStringLiteral("type")) == type;
 }
 
+QString chainLostNotice()
+{
+    return QStringLiteral("Earlier parts of this conversation were lost; look at the files again before relying on "
+                          "them.");
+}
+
 } // namespace
 
 void Agent::dropResponseChain()
@@ -20,9 +26,7 @@ void Agent::dropResponseChain()
         return;
     // The chain was all there was: the calls of these outputs are gone with it.
     pendingInput_.removeIf([](const JSON &item) { return isType(item, u"function_call_output"); });
-    pendingInput_.prepend(message(
-        QStringLiteral("developer"),
-        QStringLiteral("Earlier parts of this conversation were lost; look at the files again before relying on them.")));
+    pendingInput_.prepend(message(QStringLiteral("developer"), chainLostNotice()));
 }
 
 bool Agent::trimHistory()

@@ -44,4 +44,3 @@ std::shared_ptr<const KitEntryPoints> KitEntryPoints::find(void *library, QStrin
 }
 
 } // namespace zentoro
-

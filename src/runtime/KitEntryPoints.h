@@ -32,4 +32,3 @@ struct KitEntryPoints {
 };
 
 } // namespace zentoro
-

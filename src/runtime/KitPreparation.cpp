@@ -1,5 +1,6 @@
 #include "runtime/KitPreparation.h"
 
+#include "core/Log.h"
 #include "core/MainTask.h"
 #include "runtime/Kit.h"
 #include "runtime/Toolchain.h"
@@ -7,18 +8,32 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
-#include <cstdio>
-
 namespace zentoro::Kit {
 
 namespace {
+
+void logNoCompiler()
+{
+    qCInfo(logKit, "Zentoro: no Swift compiler found, so the UI kit will be prepared at the first build.");
+}
+
+void logPrepared(const QString &compilerVersion, const QString &folder, qint64 milliseconds)
+{
+    qCInfo(logKit, "Zentoro: the UI kit for %s is ready in %s (%.1f s).", qUtf8Printable(compilerVersion),
+           qUtf8Printable(folder), double(milliseconds) / 1000);
+}
+
+void logFailed(const QString &error)
+{
+    qCWarning(logKit, "%s", qUtf8Printable(error));
+}
 
 QCoro::Task<int> prepareNow()
 {
     const Toolchain toolchain = co_await Toolchain::detect();
     const Toolchain::Compiler *compiler = toolchain.compiler();
     if (!compiler) {
-        std::printf("Zentoro: no Swift compiler found, so the UI kit will be prepared at the first build.\n");
+        logNoCompiler();
         co_return 0;
     }
     QElapsedTimer clock;
@@ -26,11 +41,10 @@ QCoro::Task<int> prepareNow()
     const QString folder = preparedFolder(compiler->version);
     const Build build = co_await buildInto(folder, TaskHandle(), compiler->swiftc);
     if (!build.ok()) {
-        std::fprintf(stderr, "%s\n", qPrintable(build.error));
+        logFailed(build.error);
         co_return 1;
     }
-    std::printf("Zentoro: the UI kit for %s is ready in %s (%.1f s).\n", qPrintable(compiler->version),
-                qPrintable(folder), double(clock.elapsed()) / 1000);
+    logPrepared(compiler->version, folder, clock.elapsed());
     co_return 0;
 }
 

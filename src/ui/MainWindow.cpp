@@ -140,7 +140,8 @@ void MainWindow::paintEvent(QPaintEvent *event)
         return;
     toldFirstFrame_ = true;
     const int version = *runtime_.loadedVersion();
-    QMetaObject::invokeMethod(this, [version] { qCInfo(logUI, "Showing version %d.", version); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [version] { qCInfo(logUI, "Showing version %d.", version); }, Qt::QueuedConnection);
 }
 
 bool MainWindow::showsSetup() const

@@ -67,19 +67,22 @@ TEST_F(ModelRequestTest, TheAPIKeyPathChainsToThePreviousResponseAndThePlanPathS
 {
     // No reasoning key while the effort is unset.
     Defaults::setValue("reasoningEffort", "");
-    const JSON chained = ModelRequest::body(prompt, Provider::APIKey, history, pending, QStringLiteral("resp_1"), conversation);
+    const JSON chained = ModelRequest::body(prompt, Provider::APIKey, history, pending, QStringLiteral("resp_1"),
+                                            conversation);
     EXPECT_EQ(chained, expected(pending, {{"previous_response_id", "resp_1"}, {"truncation", "auto"}}));
     const JSON whole = ModelRequest::body(prompt, Provider::APIKey, history, pending, std::nullopt, conversation);
     EXPECT_EQ(whole, expected(history + pending, {{"truncation", "auto"}}));
     // A response id left from the API-key path doesn't chain a plan request.
-    const JSON plan = ModelRequest::body(prompt, Provider::ChatGPT, history, pending, QStringLiteral("resp_1"), conversation);
+    const JSON plan = ModelRequest::body(prompt, Provider::ChatGPT, history, pending, QStringLiteral("resp_1"),
+                                         conversation);
     EXPECT_EQ(plan, expected(history + pending, {{"store", false}}));
 
     Defaults::setValue("reasoningEffort", "high");
     Defaults::setValue("model", "gpt-test");
     const JSON tuned = ModelRequest::body(prompt, Provider::ChatGPT, {}, pending, std::nullopt, conversation);
-    EXPECT_EQ(tuned, expected(pending,
-                              {{"store", false}, {"model", "gpt-test"}, {"reasoning", JSON::object({{"effort", "high"}})}}));
+    EXPECT_EQ(tuned,
+              expected(pending,
+                       {{"store", false}, {"model", "gpt-test"}, {"reasoning", JSON::object({{"effort", "high"}})}}));
 }
 
 TEST_F(ModelRequestTest, TheCatalogIsOneNamespaceOfNineStrictFunctionsRequiringEveryProperty)
