@@ -37,7 +37,7 @@ void Runtime::launch()
 
     const std::optional<CrashLog::PreviousCrash> crash = CrashLog::start(workspace_.logs());
 
-    RuntimeState stored = RuntimeState::read(workspace_.stateFile());
+    RuntimeState stored = RuntimeState::readKeepingUnreadable(workspace_.stateFile());
     if (stored != state_) {
         state_ = std::move(stored);
         emit stateChanged();

@@ -15,6 +15,16 @@ QString restoreFailedTitle(int number)
     return QStringLiteral("Couldn't restore version %1's sources").arg(number);
 }
 
+Banner buildRunning(const QString &title, const QString &action)
+{
+    return Banner{title, QStringLiteral("A build is running. %1 once it has finished.").arg(action), false};
+}
+
+Banner resetDuringBuild()
+{
+    return buildRunning(QStringLiteral("Couldn't reset"), QStringLiteral("Reset"));
+}
+
 QString rebuildSummary()
 {
     return QStringLiteral("Rebuilt from the source folder");
@@ -59,8 +69,7 @@ void Runtime::revert(int number)
     // The compiler reads the source folder while it runs; replacing it underneath would
     // make the version being built a mixture of both.
     if (isBuilding_) {
-        setBanner(Banner{restoreFailedTitle(number),
-                         QStringLiteral("A build is running. Go back once it has finished."), false});
+        setBanner(buildRunning(restoreFailedTitle(number), QStringLiteral("Go back")));
         return;
     }
     try {
@@ -108,6 +117,12 @@ QCoro::Task<> Runtime::rebuild()
 QCoro::Task<> Runtime::resetToOriginal()
 {
     QPointer<Runtime> self(this);
+    // As with going back: the compiler reads the source folder while it runs, and the
+    // version it makes keeps a copy of it.
+    if (isBuilding_) {
+        setBanner(resetDuringBuild());
+        co_return;
+    }
     if (!installSeed())
         co_return;
     tellReset(*this);
