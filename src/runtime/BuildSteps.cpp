@@ -96,7 +96,12 @@ QString clean(const QString &output, const QString &sources, const QString &entr
     QString text = output;
     text.remove(QDir::cleanPath(sources) + u'/');
     text.replace(entry, QStringLiteral("<Zentoro's generated entry point>"));
-    text = text.trimmed();
+    return capped(text);
+}
+
+QString capped(const QString &output)
+{
+    const QString text = output.trimmed();
     if (Text::characterCount(text) <= outputLimit)
         return text;
     return Text::firstCharacters(text, outputLimit) + QStringLiteral("\n… (output truncated)");

@@ -32,5 +32,7 @@ QStringList compilerArguments(const CompileInputs &inputs);
 // Compiler output fit for the model: paths relative to `sources`, the entry file named
 // as generated code, trimmed and cut to `outputLimit` characters.
 QString clean(const QString &output, const QString &sources, const QString &entry);
+// `text` trimmed and cut to `outputLimit` characters, saying so when it was cut.
+QString capped(const QString &text);
 
 } // namespace zentoro::BuildSteps

@@ -1,6 +1,7 @@
 #include "runtime/Kit.h"
 
 #include "core/Log.h"
+#include "runtime/BuildSteps.h"
 #include "runtime/Shell.h"
 #include "runtime/Workspace.h"
 
@@ -30,7 +31,6 @@ namespace zentoro::Kit {
 namespace {
 
 const QString resourceRoot = QStringLiteral(":/Kit");
-const QString library = QStringLiteral("libSwiftUI.so");
 const QString module = QStringLiteral("SwiftUI.swiftmodule");
 
 QStringList resourceFiles()
@@ -52,9 +52,41 @@ QString safeName(const QString &text)
     return name;
 }
 
-bool isComplete(const QString &folder)
+// A folder left by an older Zentoro, whose library had another name, counts as incomplete.
+bool isComplete(const QString &folder, const QString &identity)
 {
-    return QFile::exists(folder + u'/' + library) && QFile::exists(folder + u'/' + module);
+    return QFile::exists(folder + u'/' + libraryName(identity)) && QFile::exists(folder + u'/' + module);
+}
+
+// Moves whatever stands at `folder` out of the way and `staging` in; true when `folder` then
+// holds a complete kit, this one or one that another copy put there first.
+bool putInPlace(const QString &staging, const QString &folder, const QString &identity)
+{
+    if (QDir().rename(staging, folder))
+        return true;
+    if (isComplete(folder, identity))
+        return true;
+    const QString aside = staging + QStringLiteral("-old");
+    if (!QDir().rename(folder, aside))
+        return false;
+    const bool moved = QDir().rename(staging, folder);
+    QDir(aside).removeRecursively();
+    return moved || isComplete(folder, identity);
+}
+
+// Called while `staging` still exists: the compiler may name it by the path that links lead to.
+QString failureText(const Shell::Result &result, const QString &staging)
+{
+    QString output = result.output;
+    for (const QString &folder : {staging, QFileInfo(staging).canonicalFilePath()}) {
+        if (folder.isEmpty())
+            continue;
+        output.remove(folder + QStringLiteral("/src/"));
+        output.remove(folder + u'/');
+    }
+    output = BuildSteps::capped(output);
+    return output.isEmpty() ? QStringLiteral("The UI kit didn't build (swiftc status %1).").arg(result.status)
+                            : QStringLiteral("The UI kit didn't build:\n") + output;
 }
 
 // Copies the kit's sources out of the program into `folder`; returns the Swift files.
@@ -109,40 +141,54 @@ QString version()
     return QString::fromLatin1(hash.result().toHex().left(12));
 }
 
+QString identity(const QString &compilerVersion)
+{
+    return version() + u'-' + safeName(compilerVersion);
+}
+
+QString libraryName(const QString &identity)
+{
+    return QStringLiteral("libSwiftUI-") + identity + QStringLiteral(".so");
+}
+
 QString cacheFolder(const QString &compilerVersion)
 {
-    return Workspace::support() + QStringLiteral("/KitCache/") + version() + u'-' + safeName(compilerVersion);
+    return Workspace::support() + QStringLiteral("/KitCache/") + identity(compilerVersion);
 }
 
 QString preparedFolder(const QString &compilerVersion)
 {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/KitCache/") + version() + u'-' +
-           safeName(compilerVersion);
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/KitCache/") + identity(compilerVersion);
 }
 
 bool isReady(const QString &compilerVersion)
 {
-    return isComplete(preparedFolder(compilerVersion)) || isComplete(cacheFolder(compilerVersion));
+    const QString kit = identity(compilerVersion);
+    return isComplete(preparedFolder(compilerVersion), kit) || isComplete(cacheFolder(compilerVersion), kit);
 }
 
 QStringList appArguments(const QString &folder)
 {
+    const QString name = QFileInfo(folder).fileName();
     return {QStringLiteral("-I"), folder, QStringLiteral("-I"), folder + QStringLiteral("/include"),
-            QStringLiteral("-L"), folder, QStringLiteral("-lSwiftUI"),
+            QStringLiteral("-L"), folder, QStringLiteral("-lSwiftUI-") + name,
             QStringLiteral("-Xlinker"), QStringLiteral("-rpath"), QStringLiteral("-Xlinker"), folder};
 }
 
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
 {
     const QString prepared = preparedFolder(compilerVersion);
-    if (isComplete(prepared))
+    if (isComplete(prepared, identity(compilerVersion)))
         co_return Build{appArguments(prepared), {}};
     co_return co_await buildInto(cacheFolder(compilerVersion), task, swiftc);
 }
 
 QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, const QString &swiftc)
 {
-    if (isComplete(folder))
+    // The folder is named by the kit's identity, which names its library too.
+    const QString kit = QFileInfo(folder).fileName();
+    const QString library = libraryName(kit);
+    if (isComplete(folder, kit))
         co_return Build{appArguments(folder), {}};
     logBuilding(folder);
 
@@ -173,13 +219,11 @@ QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, cons
     arguments += *sources;
     const Shell::Result result = co_await Shell::run(swiftc, arguments, staging, task);
 
-    if (result.status != 0 || !isComplete(staging)) {
+    if (result.status != 0 || !isComplete(staging, kit)) {
+        const QString failure = failureText(result, staging);
         QDir(staging).removeRecursively();
-        const QString output = result.output.trimmed();
-        logFailure(result.status, output);
-        co_return Build{{}, output.isEmpty()
-                                ? QStringLiteral("The UI kit didn't build (swiftc status %1).").arg(result.status)
-                                : QStringLiteral("The UI kit didn't build:\n") + output};
+        logFailure(result.status, result.output.trimmed());
+        co_return Build{{}, failure};
     }
     // What app builds need next to the library: the module and the host interface's module map.
     QDir(staging + QStringLiteral("/ModuleCache")).removeRecursively();
@@ -189,7 +233,7 @@ QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, cons
     QDir(staging + QStringLiteral("/src")).removeRecursively();
 
     // Another copy may have finished first; then its cache stands and this one goes.
-    if (!QDir().rename(staging, folder) && !isComplete(folder)) {
+    if (!putInPlace(staging, folder, kit)) {
         QDir(staging).removeRecursively();
         co_return Build{{}, QStringLiteral("Couldn't put the UI kit into %1.").arg(folder)};
     }

@@ -3,6 +3,7 @@
 #include "core/AtomicFile.h"
 #include "core/Log.h"
 #include "runtime/DiskFull.h"
+#include "runtime/KitEntryPoints.h"
 #include "runtime/PluginContainerView.h"
 
 #include <QFile>
@@ -143,6 +144,10 @@ std::optional<QString> Runtime::load(int version)
     } else if (!symbol) {
         // The handle stays open: libraries are never closed.
         error = QStringLiteral("The library has no zentoro_make_root_view.");
+    } else {
+        // A kit the host can't speak to would leave the window blank while the version
+        // passed for running.
+        KitEntryPoints::find(handle, error);
     }
     if (!error.isEmpty()) {
         qCWarning(logRuntime, "Couldn't load version %d: %s", version, qUtf8Printable(error));

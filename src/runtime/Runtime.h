@@ -3,6 +3,7 @@
 #include "core/MainTask.h"
 #include "runtime/Banner.h"
 #include "runtime/BuildOutcome.h"
+#include "runtime/KitStamp.h"
 #include "runtime/RuntimeState.h"
 #include "runtime/Toolchain.h"
 #include "runtime/Workspace.h"
@@ -125,6 +126,34 @@ private:
     void setIsBuilding(bool building);
     void setIsPreparingKit(bool preparing);
     QCoro::Task<BuildOutcome> compileAndLoad(int number, QString summary);
+    // The number the next build takes: `nextNumber`, or past it while a version folder there
+    // isn't empty, so that a lost "state.json" never costs a version.
+    int freeNumber() const;
+
+    // One run of the compiler over the Swift files in `sources` as version `number`'s module,
+    // against the kit of the compiler found, into the library `output`. A failure's words, or
+    // the cleaned output of a success.
+    struct Compilation {
+        std::optional<QString> failure;
+        QString output;
+    };
+    QCoro::Task<Compilation> compile(int number, QString sources, QString output);
+    // What a version built now is built against; empty fields when there is no compiler.
+    KitStamp currentKitStamp() const;
+    // Whether version `number` may be loaded before the compiler has told its version: it
+    // was built with this kit by the compiler file found now, or there is no compiler that
+    // could build it again.
+    bool runsAsBuilt(int number) const;
+    // Whether version `number`'s stamp names the kit of the compiler found.
+    bool builtWithCurrentKit(int number) const;
+    // The end of going back to version `number`: the banner, or the news for the agent.
+    void tellReverted(int number, const std::optional<QString> &error);
+    // The banner for a version that couldn't be loaded.
+    static Banner couldNotLoad(int number, const QString &error);
+    // Loads version `number`, first building it again from its own copy of the sources when
+    // it was built against another kit or compiler than the one found: a process holds one
+    // Swift runtime and one kit per soname. Tells the agent when it was built again.
+    QCoro::Task<std::optional<QString>> loadWithCurrentKit(int number);
     // Puts the starter app in the source folder; false, with a banner, when that fails.
     bool installSeed();
     // Starts saving the hosted app's settings every second, once a version is loaded.

@@ -1,11 +1,13 @@
 #include "runtime/Runtime.h"
 
-#include "core/AtomicFile.h"
-#include "core/Log.h"
 #include "runtime/BuildSteps.h"
 #include "runtime/DiskFull.h"
 #include "runtime/Kit.h"
+#include "runtime/KitStamp.h"
 #include "runtime/Shell.h"
+
+#include "core/AtomicFile.h"
+#include "core/Log.h"
 
 #include <QDir>
 #include <QCoroSignal>
@@ -59,21 +61,32 @@ QCoro::Task<BuildOutcome> Runtime::build(QString summary)
     if (isBuilding_)
         co_return BuildOutcome{BuildOutcome::Failure{QStringLiteral("Another build is already running.")}};
     setIsBuilding(true);
-    BuildOutcome outcome = co_await compileAndLoad(state_.nextNumber, std::move(summary));
+    BuildOutcome outcome = co_await compileAndLoad(freeNumber(), std::move(summary));
     setIsBuilding(false);
     co_return outcome;
 }
 
-QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
+int Runtime::freeNumber() const
 {
-    // The number is not reserved: only a success moves `nextNumber` on.
-    const QString folder = workspace_.version(number);
-    QDir(folder).removeRecursively();
-    QDir().mkpath(folder);
+    // A version folder without a record is a version whose record was lost with "state.json":
+    // its number stays taken. An empty folder is what a build that never compiled left.
+    int number = state_.nextNumber;
+    while (!QDir(workspace_.version(number)).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
+        ++number;
+    return number;
+}
 
-    const QStringList sources = workspace_.swiftFiles();
-    if (sources.isEmpty())
-        co_return BuildOutcome{BuildOutcome::Failure{QStringLiteral("There are no .swift files in the source folder.")}};
+KitStamp Runtime::currentKitStamp() const
+{
+    const Toolchain::Compiler *compiler = toolchain_.compiler();
+    return compiler ? KitStamp{Kit::identity(compiler->version), Toolchain::fingerprint(compiler->swiftc)} : KitStamp{};
+}
+
+QCoro::Task<Runtime::Compilation> Runtime::compile(int number, QString sources, QString output)
+{
+    const QStringList files = Workspace::swiftFiles(sources);
+    if (files.isEmpty())
+        co_return Compilation{QStringLiteral("There are no .swift files in the source folder."), {}};
 
     const QString entry = workspace_.build() + QStringLiteral("/ZentoroEntry.swift");
     AtomicFile::write(entry, BuildSteps::entryFile(workspace_.name, workspace_.defaultsSuite()).toUtf8());
@@ -83,37 +96,51 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
     const Kit::Build kit = co_await Kit::ensureBuilt(TaskHandle(), compiler.swiftc, compiler.version);
     setIsPreparingKit(false);
     if (!kit.ok()) {
-        QDir(folder).removeRecursively();
         if (DiskFull::explainsBuildFailure(kit.error, workspace_.build()))
-            co_return BuildOutcome{BuildOutcome::Failure{DiskFull::buildFailure()}};
-        co_return BuildOutcome{BuildOutcome::Failure{kit.error}};
+            co_return Compilation{DiskFull::buildFailure(), {}};
+        co_return Compilation{kit.error, {}};
     }
-    const QString library = workspace_.dylib(number);
     BuildSteps::CompileInputs inputs;
     inputs.module = QStringLiteral("ZentoroApp") + QString::number(number);
-    inputs.output = library;
+    inputs.output = output;
     inputs.moduleCache = workspace_.build() + QStringLiteral("/ModuleCache");
     inputs.sdk = compiler.sdk;
     inputs.kitFlags = kit.arguments;
-    inputs.files = QStringList(entry) + sources;
+    inputs.files = QStringList(entry) + files;
     const QStringList arguments = BuildSteps::compilerArguments(inputs);
     QElapsedTimer clock;
     clock.start();
-    logCompile(number, sources.size());
+    logCompile(number, files.size());
     const Shell::Result result = co_await Shell::run(compiler.swiftc, arguments, workspace_.build());
     logCompiled(number, result.status, clock.elapsed());
-    const QString output = BuildSteps::clean(result.output, workspace_.sources(), entry);
+    const QString cleaned = BuildSteps::clean(result.output, sources, entry);
+    if (result.status == 0 && QFile::exists(output))
+        co_return Compilation{std::nullopt, cleaned};
+    if (DiskFull::explainsBuildFailure(result.output, workspace_.build()))
+        co_return Compilation{DiskFull::buildFailure(), {}};
+    co_return Compilation{cleaned.isEmpty() ? QStringLiteral("swiftc failed (status %1).").arg(result.status) : cleaned, {}};
+}
 
-    if (result.status != 0 || !QFile::exists(library)) {
+QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
+{
+    // The number is not reserved: only a success moves `nextNumber` on.
+    const QString folder = workspace_.version(number);
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+
+    QElapsedTimer clock;
+    clock.start();
+    const QString sources = workspace_.sources();
+    const QString library = workspace_.dylib(number);
+    const Compilation compiled = co_await compile(number, sources, library);
+    if (compiled.failure) {
         QDir(folder).removeRecursively();
-        if (DiskFull::explainsBuildFailure(result.output, workspace_.build()))
-            co_return BuildOutcome{BuildOutcome::Failure{DiskFull::buildFailure()}};
-        co_return BuildOutcome{BuildOutcome::Failure{
-            output.isEmpty() ? QStringLiteral("swiftc failed (status %1).").arg(result.status) : output}};
+        co_return BuildOutcome{BuildOutcome::Failure{*compiled.failure}};
     }
 
     // A version whose snapshot fails to copy still runs; it just can't be gone back to.
-    copyFolder(workspace_.sources(), folder + QStringLiteral("/Sources"));
+    copyFolder(sources, folder + QStringLiteral("/Sources"));
+    currentKitStamp().write(workspace_.kitStamp(number));
     RuntimeState built = state_;
     built.versions.append({number, QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(), Qt::UTC), summary, false});
     built.nextNumber = number + 1;
@@ -123,7 +150,7 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
         co_return BuildOutcome{
             BuildOutcome::Failure{QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(QString::number(number), *error)}};
     }
-    co_return BuildOutcome{BuildOutcome::Success{number, clock.elapsed() / 1000.0, output}};
+    co_return BuildOutcome{BuildOutcome::Success{number, clock.elapsed() / 1000.0, compiled.output}};
 }
 
 } // namespace zentoro

@@ -37,7 +37,7 @@ void Runtime::launch()
 
     const std::optional<CrashLog::PreviousCrash> crash = CrashLog::start(workspace_.logs());
 
-    RuntimeState stored = RuntimeState::read(workspace_.stateFile());
+    RuntimeState stored = RuntimeState::readKeepingUnreadable(workspace_.stateFile());
     if (stored != state_) {
         state_ = std::move(stored);
         emit stateChanged();
@@ -62,20 +62,42 @@ void Runtime::launch()
         saveState(quitting);
     });
 
+    // A version built against another kit or compiler waits for the compiler's answer, to be
+    // built again first; any other starts before the first frame.
+    std::optional<int> waiting;
     if (safeModeAsked()) {
         safeMode_ = true;
         emit safeModeChanged();
     } else if (state_.current && state_.record(*state_.current)) {
         const int version = *state_.current;
-        if (const std::optional<QString> error = load(version))
-            setBanner(Banner{QStringLiteral("Couldn't load version %1").arg(version), error, false});
+        if (!runsAsBuilt(version))
+            waiting = version;
+        else if (const std::optional<QString> error = load(version))
+            setBanner(couldNotLoad(version, *error));
     }
 
     QPointer<Runtime> self(this);
-    startTask([self](TaskHandle) -> QCoro::Task<> {
+    startTask([self, waiting](TaskHandle) -> QCoro::Task<> {
         if (!self)
             co_return;
         co_await self->checkToolchain();
+        if (!self)
+            co_return;
+        // Unless the user went elsewhere meanwhile. A version loaded at once whose compiler
+        // turns out to have changed all the same (behind a proxy such as swiftly's) is built
+        // again too.
+        std::optional<int> version = waiting;
+        if (!waiting && self->loadedVersion_ && !self->builtWithCurrentKit(*self->loadedVersion_))
+            version = self->loadedVersion_;
+        const bool stillWanted = version && self->state_.current == version &&
+                                 (waiting ? !self->loadedVersion_ : self->loadedVersion_ == version);
+        if (stillWanted) {
+            const std::optional<QString> error = co_await self->loadWithCurrentKit(*version);
+            if (!self)
+                co_return;
+            if (error)
+                self->setBanner(couldNotLoad(*version, *error));
+        }
         // A new copy gets its first version as soon as there is a compiler.
         if (!self || !self->state_.versions.isEmpty() || self->safeMode_ || !self->toolchain_.isReady())
             co_return;

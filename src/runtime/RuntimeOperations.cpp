@@ -15,6 +15,16 @@ QString restoreFailedTitle(int number)
     return QStringLiteral("Couldn't restore version %1's sources").arg(number);
 }
 
+Banner buildRunning(const QString &title, const QString &action)
+{
+    return Banner{title, QStringLiteral("A build is running. %1 once it has finished.").arg(action), false};
+}
+
+Banner resetDuringBuild()
+{
+    return buildRunning(QStringLiteral("Couldn't reset"), QStringLiteral("Reset"));
+}
+
 QString rebuildSummary()
 {
     return QStringLiteral("Rebuilt from the source folder");
@@ -49,13 +59,17 @@ void showOriginalFailed(Runtime &runtime, const BuildOutcome &outcome)
 
 } // namespace
 
+Banner Runtime::couldNotLoad(int number, const QString &error)
+{
+    return Banner{QStringLiteral("Couldn't load version %1").arg(number), error, false};
+}
+
 void Runtime::revert(int number)
 {
     // The compiler reads the source folder while it runs; replacing it underneath would
     // make the version being built a mixture of both.
     if (isBuilding_) {
-        setBanner(Banner{restoreFailedTitle(number),
-                         QStringLiteral("A build is running. Go back once it has finished."), false});
+        setBanner(buildRunning(restoreFailedTitle(number), QStringLiteral("Go back")));
         return;
     }
     try {
@@ -64,8 +78,25 @@ void Runtime::revert(int number)
         setBanner(Banner{restoreFailedTitle(number), describe(std::current_exception()), false});
         return;
     }
-    if (const std::optional<QString> error = load(number)) {
-        setBanner(Banner{QStringLiteral("Couldn't load version %1").arg(number), error, false});
+    // A version built against another kit is built again from its copy of the sources first.
+    if (toolchain_.isReady() && !builtWithCurrentKit(number)) {
+        QPointer<Runtime> self(this);
+        startTask([self, number](TaskHandle) -> QCoro::Task<> {
+            if (!self)
+                co_return;
+            const std::optional<QString> error = co_await self->loadWithCurrentKit(number);
+            if (self)
+                self->tellReverted(number, error);
+        });
+        return;
+    }
+    tellReverted(number, load(number));
+}
+
+void Runtime::tellReverted(int number, const std::optional<QString> &error)
+{
+    if (error) {
+        setBanner(couldNotLoad(number, *error));
         return;
     }
     setBanner(std::nullopt);
@@ -86,6 +117,12 @@ QCoro::Task<> Runtime::rebuild()
 QCoro::Task<> Runtime::resetToOriginal()
 {
     QPointer<Runtime> self(this);
+    // As with going back: the compiler reads the source folder while it runs, and the
+    // version it makes keeps a copy of it.
+    if (isBuilding_) {
+        setBanner(resetDuringBuild());
+        co_return;
+    }
     if (!installSeed())
         co_return;
     tellReset(*this);

@@ -140,6 +140,22 @@ RuntimeState RuntimeState::read(const QString &path)
     return decode(file.readAll()).value_or(RuntimeState{});
 }
 
+RuntimeState RuntimeState::readKeepingUnreadable(const QString &path)
+{
+    QFile file(path);
+    if (!file.exists())
+        return {};
+    if (file.open(QIODevice::ReadOnly)) {
+        if (std::optional<RuntimeState> state = decode(file.readAll()))
+            return *state;
+        file.close();
+    }
+    const QString aside = path + QStringLiteral(".unreadable");
+    QFile::remove(aside);
+    QFile::rename(path, aside);
+    return {};
+}
+
 std::optional<QString> RuntimeState::write(const QString &path) const
 {
     return AtomicFile::write(path, encode());

@@ -42,6 +42,10 @@ struct RuntimeState {
 
     // An unreadable or undecodable file gives the default state.
     static RuntimeState read(const QString &path);
+    // `read` at start: a file that is there but unreadable or undecodable is first moved aside
+    // to "<path>.unreadable", replacing an earlier one, so the next save doesn't write over
+    // what someone may still want to rescue.
+    static RuntimeState readKeepingUnreadable(const QString &path);
     // Whole or not at all; the next write tries again after a failure, whose words this returns.
     std::optional<QString> write(const QString &path) const;
 };

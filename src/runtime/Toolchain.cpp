@@ -3,6 +3,7 @@
 #include "core/Defaults.h"
 #include "runtime/Shell.h"
 
+#include <QDateTime>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -68,14 +69,30 @@ QString Toolchain::description() const
     return {};
 }
 
-QCoro::Task<Toolchain> Toolchain::detect()
+QString Toolchain::locate()
 {
     if (Defaults::flag(QStringLiteral("ZentoroSimulateMissingTools")))
-        co_return missing();
+        return {};
     const QString swiftc = findOnPathOrIn(QStringLiteral("swiftc"), installFolders());
-    if (swiftc.isEmpty())
+    return swiftc.isEmpty() ? QString() : QFileInfo(swiftc).absoluteFilePath();
+}
+
+QString Toolchain::fingerprint(const QString &swiftc)
+{
+    const QFileInfo file(QFileInfo(swiftc).canonicalFilePath());
+    if (swiftc.isEmpty() || !file.isFile())
+        return {};
+    return QStringLiteral("%1 %2 %3")
+        .arg(file.filePath())
+        .arg(file.size())
+        .arg(file.lastModified().toMSecsSinceEpoch());
+}
+
+QCoro::Task<Toolchain> Toolchain::detect()
+{
+    const QString absolute = locate();
+    if (absolute.isEmpty())
         co_return missing();
-    const QString absolute = QFileInfo(swiftc).absoluteFilePath();
     const QStringList arguments{QStringLiteral("--version")};
     const Shell::Result version = co_await Shell::run(absolute, arguments);
     if (version.status != 0)

@@ -40,6 +40,11 @@ public:
     // Looks for `swiftc` on PATH and then in the usual install folders, and asks it for
     // its version. Gives `broken`, `ready` or `missing`.
     static QCoro::Task<Toolchain> detect();
+    // Where `detect` will find `swiftc`, without running anything; empty when it finds none.
+    static QString locate();
+    // Tells one compiler file from another without running it: the file it leads to, its
+    // size and its time of change. Empty when there is no such file.
+    static QString fingerprint(const QString &swiftc);
     // Starts an installation without waiting for it: swiftly where it is installed,
     // otherwise the Swift install page in the browser. True when something was started.
     static QCoro::Task<bool> startInstall();

@@ -52,6 +52,14 @@ void removeItem(const QString &path)
         throw Workspace::Failure(QStringLiteral("Couldn't remove “%1”: %2.").arg(path, systemWords(error)));
 }
 
+void renameItem(const QString &from, const QString &to)
+{
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(from).toStdString(), QFile::encodeName(to).toStdString(), error);
+    if (error)
+        throw Workspace::Failure(QStringLiteral("Couldn't put the new sources in place: %1.").arg(systemWords(error)));
+}
+
 // Copies the tree at `from` (a folder on disk or in the resources) to the new folder `to`.
 // Files are written fresh, so resource files don't arrive read-only; links stay links.
 void copyTree(const QString &from, const QString &to)
@@ -129,6 +137,11 @@ QString Workspace::dylib(int number) const
     return version(number) + QStringLiteral("/libZentoroApp") + QString::number(number) + QStringLiteral(".so");
 }
 
+QString Workspace::kitStamp(int number) const
+{
+    return version(number) + QStringLiteral("/kit.json");
+}
+
 QString Workspace::defaultsSuite() const
 {
     return QString::fromLatin1(bundleIdentifier) + QStringLiteral(".app.") + name;
@@ -138,6 +151,7 @@ void Workspace::prepare() const
 {
     for (const QString &folder : {root, versions(), logs(), data(), build()})
         makeFolder(folder);
+    finishReplacingSources();
     if (!QFileInfo(sources()).exists() && !QFileInfo(sources()).isSymLink())
         installSeed();
 }
@@ -152,21 +166,49 @@ void Workspace::installSeed() const
 
 void Workspace::replaceSources(const QString &folder) const
 {
-    const QString staging = root + QStringLiteral("/.Sources-incoming");
-    removeItem(staging);
+    const QString incoming = incomingSources();
+    removeItem(incoming);
     try {
-        copyTree(folder, staging);
+        copyTree(folder, incoming);
     } catch (const Failure &) {
         std::error_code ignored;
-        std::filesystem::remove_all(QFile::encodeName(staging).toStdString(), ignored);
+        std::filesystem::remove_all(QFile::encodeName(incoming).toStdString(), ignored);
         throw;
     }
-    removeItem(sources());
-    std::error_code error;
-    std::filesystem::rename(QFile::encodeName(staging).toStdString(), QFile::encodeName(sources()).toStdString(),
-                            error);
-    if (error)
-        throw Failure(QStringLiteral("Couldn't put the new sources in place: %1.").arg(systemWords(error)));
+    // Two renames, and the old tree goes only once the new one stands: a process killed at any
+    // moment leaves a state that `finishReplacingSources` completes or undoes.
+    const QString outgoing = outgoingSources();
+    removeItem(outgoing);
+    if (QFileInfo(sources()).exists() || QFileInfo(sources()).isSymLink())
+        renameItem(sources(), outgoing);
+    std::error_code ignored;
+    try {
+        renameItem(incoming, sources());
+    } catch (const Failure &) {
+        std::filesystem::rename(QFile::encodeName(outgoing).toStdString(), QFile::encodeName(sources()).toStdString(),
+                                ignored);
+        std::filesystem::remove_all(QFile::encodeName(incoming).toStdString(), ignored);
+        throw;
+    }
+    // The new tree stands; an old one that won't go is removed at the next start.
+    std::filesystem::remove_all(QFile::encodeName(outgoing).toStdString(), ignored);
+}
+
+void Workspace::finishReplacingSources() const
+{
+    const QFileInfo current(sources());
+    const bool hasSources = current.exists() || current.isSymLink();
+    const bool hasOutgoing = QFileInfo::exists(outgoingSources());
+    std::error_code ignored;
+    if (!hasSources && hasOutgoing) {
+        // Between the two renames: the incoming copy was complete before the first.
+        const QString from = QFileInfo::exists(incomingSources()) ? incomingSources() : outgoingSources();
+        std::filesystem::rename(QFile::encodeName(from).toStdString(), QFile::encodeName(sources()).toStdString(),
+                                ignored);
+    }
+    std::filesystem::remove_all(QFile::encodeName(outgoingSources()).toStdString(), ignored);
+    // A copy cut short before any rename; the old sources stand.
+    std::filesystem::remove_all(QFile::encodeName(incomingSources()).toStdString(), ignored);
 }
 
 bool Workspace::lock() const

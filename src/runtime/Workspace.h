@@ -31,10 +31,15 @@ struct Workspace {
     QString logs() const { return root + QStringLiteral("/Logs"); }
     QString data() const { return root + QStringLiteral("/Data"); }
     QString stateFile() const { return root + QStringLiteral("/state.json"); }
+    // Where `replaceSources` builds the new tree, and where it puts the old one aside.
+    QString incomingSources() const { return root + QStringLiteral("/.Sources-incoming"); }
+    QString outgoingSources() const { return root + QStringLiteral("/.Sources-outgoing"); }
     // "Conversations/<UUID in upper case>.json" under root.
     QString conversation(const QUuid &id) const;
     QString version(int number) const;
     QString dylib(int number) const;
+    // "kit.json" in `version(number)`: what its library was built against.
+    QString kitStamp(int number) const;
     // The hosted app's own settings suite: "dev.vantu.zentoro.app.<name>".
     QString defaultsSuite() const;
 
@@ -44,14 +49,21 @@ struct Workspace {
     // Replaces "Sources" by the starter app carried in the program's resources.
     void installSeed() const;
     // Replaces "Sources" by a copy of `folder`. The copy is made beside the old tree first,
-    // so a copy that fails leaves the old sources in place.
+    // so a copy that fails leaves the old sources in place; then the old tree is renamed
+    // aside, the new one in, and the old one removed.
     void replaceSources(const QString &folder) const;
+    // Run by `prepare` at start: completes a replacement that a process ended between its two
+    // renames, and removes what one left beside "Sources", so the sources are never lost and
+    // never silently reseeded.
+    void finishReplacingSources() const;
 
     // Every regular file under "Sources", absolute paths sorted by `relativePath`. Hidden
     // items and symbolic links are left out; this is the order the compiler and the agent see.
     QStringList files() const;
     // The files whose extension is exactly "swift".
     QStringList swiftFiles() const;
+    // The same for another source tree, such as a version's copy of the sources.
+    static QStringList swiftFiles(const QString &folder);
     // Turns a path the agent gave into an absolute path inside "Sources", or throws Failure.
     // Beyond the textual rule, a path that passes through a symbolic link leading out of
     // "Sources" is refused, so no tool can reach the rest of the disk.

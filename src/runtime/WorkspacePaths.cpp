@@ -67,8 +67,17 @@ QStringList Workspace::files() const
 
 QStringList Workspace::swiftFiles() const
 {
+    return swiftFiles(sources());
+}
+
+QStringList Workspace::swiftFiles(const QString &folder)
+{
+    QStringList found;
+    collectFiles(folder, found);
+    // Below one folder, the order of whole paths is the order of relative ones.
+    std::sort(found.begin(), found.end());
     QStringList swift;
-    for (const QString &file : files()) {
+    for (const QString &file : found) {
         if (QFileInfo(file).suffix() == QStringLiteral("swift"))
             swift.append(file);
     }

@@ -1,4 +1,7 @@
 #include "KitTestSupport.h"
+#include "RealProgram.h"
+
+#include "core/Defaults.h"
 
 #include "runtime/KitHostView.h"
 #include "runtime/PluginContainerView.h"
@@ -10,11 +13,15 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QScopeGuard>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <ctime>
+
+#include <signal.h>
 
 using namespace zentoro;
 using namespace zentoro::test;
@@ -131,4 +138,61 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     EXPECT_EQ(empty.failure()->text, QStringLiteral("There are no .swift files in the source folder."));
     EXPECT_EQ(RuntimeState::read(workspace.stateFile()), runtime.state());
     EXPECT_EQ(runtime.state().nextNumber, 3);
+}
+
+// The Swift compiler is updated between two starts, so the kit the program builds against
+// changes. The version it starts on was built against the old kit: it is built again from its
+// own sources before it runs, and a build after it binds to the new kit alone.
+TEST(BuildEndToEnd, AVersionBuiltAgainstAnotherKitIsBuiltAgainBeforeItRuns)
+{
+    ZENTORO_REQUIRE_PROGRAM();
+    // Two releases of the compiler: the same compiler under two version names.
+    QTemporaryDir compilers;
+    const auto release = [&](const QString &name) {
+        const QString folder = compilers.filePath(name);
+        const QString file = folder + QStringLiteral("/swiftc");
+        writeFile(file, QStringLiteral("#!/bin/sh\n"
+                                         "if [ \"$1\" = --version ]; then echo 'Swift version 6.3.1-%1 (test)'; exit 0; fi\n"
+                                         "exec '%2' \"$@\"\n")
+                              .arg(name, *test::swiftc())
+                              .toUtf8());
+        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return folder;
+    };
+    const QString path = qEnvironmentVariable("PATH");
+    const QString before = release(QStringLiteral("before"));
+    const QString after = release(QStringLiteral("after"));
+
+    // The first start builds the starter app as version 1, against the kit of "before".
+    Program program(QStringLiteral("Kit Update"));
+    QDir(program.workspace.root).removeRecursively();
+    program.environment.insert(QStringLiteral("PATH"), before + u':' + path);
+    program.start();
+    ASSERT_TRUE(spinUntil([&] { return RuntimeState::read(program.workspace.stateFile()).current == 1; }, 10min));
+    ::kill(pid_t(program.process.processId()), SIGTERM);
+    ASSERT_TRUE(program.process.waitForFinished(20000));
+
+    // Started again, here, after the update.
+    qputenv("PATH", (after + u':' + path).toUtf8());
+    const auto restorePath = qScopeGuard([&] { qputenv("PATH", path.toUtf8()); });
+    Defaults::setValue(QStringLiteral("ZentoroNoLogRedirect"), true);
+    Runtime runtime(program.workspace);
+    QStringList shown;
+    runtime.onEvent = [&](const QString &line, const QString &) { shown.append(line); };
+    runtime.launch();
+    EXPECT_EQ(runtime.loadedVersion(), std::nullopt) << "the old build waits to be built again";
+    ASSERT_TRUE(spinUntil([&] { return runtime.loadedVersion() == 1; }, 10min)) << runtime.banner().value_or(Banner{}).detail.value_or(QString()).toStdString();
+    EXPECT_TRUE(shown.contains(QStringLiteral("Version 1 was built again for this Zentoro's UI kit."))) << shown.join(u'\n').toStdString();
+    EXPECT_EQ(runtime.state().versions.size(), 1);
+
+    const BuildOutcome again = await(runtime.build(QStringLiteral("Once more")));
+    ASSERT_TRUE(again.success()) << again.failure()->text.toStdString();
+    const QString maps = readText(QStringLiteral("/proc/self/maps"));
+    EXPECT_TRUE(maps.contains(program.workspace.dylib(2)));
+    // Maps name files by the paths that links lead to.
+    const auto kitFolder = [](const char *compiler) {
+        return QFileInfo(Kit::cacheFolder(QString::fromLatin1(compiler))).canonicalFilePath() + u'/';
+    };
+    EXPECT_TRUE(maps.contains(kitFolder("Swift 6.3.1-after")));
+    EXPECT_FALSE(maps.contains(kitFolder("Swift 6.3.1-before")));
 }

@@ -28,7 +28,7 @@ protected:
         QDir(workspace_.root).removeRecursively();
     }
 
-    void makeVersion(int number, const QByteArray &body = test::emptyFactory)
+    void makeVersion(int number, const QByteArray &body = test::standInLibrary())
     {
         test::buildVersionLibrary(cc_, workspace_, number, body);
     }
@@ -84,6 +84,14 @@ TEST_F(RuntimeLoad, AFailedLoadLeavesTheRunningVersionAndTheScreenAsTheyWere)
     const Runtime::Factory factory = runtime.factory();
 
     EXPECT_EQ(runtime.load(2), QStringLiteral("The library has no zentoro_make_root_view."));
+    // A library built against a kit this host can't speak to fails here, not blank in the window.
+    makeVersion(3, test::standInLibrary(ZENTORO_HOST_INTERFACE_VERSION - 1));
+    EXPECT_EQ(runtime.load(3), QStringLiteral("The library uses UI kit interface %1; this Zentoro speaks %2.")
+                                   .arg(ZENTORO_HOST_INTERFACE_VERSION - 1)
+                                   .arg(ZENTORO_HOST_INTERFACE_VERSION));
+    makeVersion(4, "void *zentoro_make_root_view(void) { return 0; }\n");
+    EXPECT_EQ(runtime.load(4), QStringLiteral("The library has no zentoro_kit_interface_version; it was not built "
+                                              "against Zentoro's UI kit."));
     EXPECT_EQ(runtime.generation(), 1);
     EXPECT_EQ(runtime.factory(), factory);
     EXPECT_EQ(onDisk().current, 1);

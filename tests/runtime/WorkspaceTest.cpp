@@ -104,7 +104,7 @@ TEST_F(WorkspaceTest, PrepareMakesTheFoldersAndSeedsOnlyWhenSourcesAreMissing)
     EXPECT_TRUE(workspace.files().isEmpty());
 }
 
-TEST_F(WorkspaceTest, ReplaceSourcesSwapsTheWholeTreeAndKeepsItWhenTheCopyFails)
+TEST_F(WorkspaceTest, ReplaceSourcesSwapsTheWholeTreeAndNeverLosesIt)
 {
     writeFile(source(QStringLiteral("Old.swift")), "x");
     const QString incoming = dir.path() + "/incoming";
@@ -123,6 +123,28 @@ TEST_F(WorkspaceTest, ReplaceSourcesSwapsTheWholeTreeAndKeepsItWhenTheCopyFails)
     workspace.installSeed();
     EXPECT_TRUE(relativeFiles().contains("AppRoot.swift"));
     EXPECT_FALSE(relativeFiles().contains("New.swift"));
+
+    // A process ended between the swap's two renames: the next start completes the swap when
+    // the new tree was whole, puts the old one back otherwise, and never reseeds.
+    const auto endedMidSwap = [&](bool incomingStands) {
+        QDir(workspace.sources()).removeRecursively();
+        writeFile(workspace.outgoingSources() + "/Old.swift", "old");
+        if (incomingStands)
+            writeFile(workspace.incomingSources() + "/New.swift", "new");
+        workspace.prepare();
+        EXPECT_FALSE(QFileInfo::exists(workspace.outgoingSources()));
+        EXPECT_FALSE(QFileInfo::exists(workspace.incomingSources()));
+        return relativeFiles();
+    };
+    EXPECT_EQ(endedMidSwap(true), QStringList{"New.swift"});
+    EXPECT_EQ(endedMidSwap(false), QStringList{"Old.swift"});
+    // Ended after the swap, or while copying: the sources in place stay.
+    writeFile(workspace.outgoingSources() + "/Old.swift", "old");
+    writeFile(workspace.incomingSources() + "/Half.swift", "half");
+    workspace.prepare();
+    EXPECT_EQ(relativeFiles(), QStringList{"Old.swift"});
+    EXPECT_FALSE(QFileInfo::exists(workspace.outgoingSources()));
+    EXPECT_FALSE(QFileInfo::exists(workspace.incomingSources()));
 }
 
 TEST_F(WorkspaceTest, FilesAreRegularVisibleFilesInPlainTextOrder)

@@ -2,13 +2,16 @@
 
 #include "runtime/Workspace.h"
 
+#include "resources/Kit/Sources/ZentoroHostInterface/include/zentoro_host.h"
+
 #include <QByteArray>
 #include <QString>
 
 namespace zentoro::test {
 
-// A factory that makes no view: enough of a version's library for loading without Swift.
-inline constexpr char emptyFactory[] = "void *zentoro_make_root_view(void) { return 0; }\n";
+// Enough of a version's library for loading without Swift: a factory that makes no view, and
+// the kit's entry points, answering with interface `interfaceVersion`.
+QByteArray standInLibrary(int interfaceVersion = ZENTORO_HOST_INTERFACE_VERSION);
 
 // The system's C compiler, or nothing when there is none.
 QString cCompiler();
@@ -16,6 +19,6 @@ QString cCompiler();
 // Compiles `body` (C source) with `cc` as version `number`'s library in `workspace`;
 // a failure to compile fails the test.
 void buildVersionLibrary(const QString &cc, const Workspace &workspace, int number,
-                         const QByteArray &body = emptyFactory);
+                         const QByteArray &body = standInLibrary());
 
 } // namespace zentoro::test

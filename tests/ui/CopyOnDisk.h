@@ -51,6 +51,12 @@ protected:
     {
         QDir().mkpath(workspace.root);
         state.write(workspace.stateFile());
+        return launchOnDisk();
+    }
+
+    // The same on whatever "state.json" the copy holds.
+    Runtime &launchOnDisk()
+    {
         runtime = std::make_unique<Runtime>(workspace);
         runtime->onEvent = [this](const QString &shown, const QString &told) {
             shownEvents.append(shown);

@@ -110,6 +110,38 @@ TEST_F(VersionOperations, ResetIsConfirmedThenPutsTheStarterAppBack)
     EXPECT_TRUE(QFile::exists(workspace.dylib(1)));
 }
 
+// A "state.json" that can't be read is kept aside, and the versions it listed stay on disk:
+// the start's first build takes a number that no version folder holds. A reset waits for a build.
+TEST_F(VersionOperations, AnUnreadableStateCostsNoVersionAndAResetWaitsForTheBuild)
+{
+    Defaults::remove(QStringLiteral("ZentoroSimulateMissingTools"));
+    if (Toolchain::locate().isEmpty())
+        GTEST_SKIP() << "No Swift compiler found (swiftc on PATH or in /opt/swift/usr/bin); skipped.";
+    makeVersion(1);
+    makeVersion(2);
+    test::writeFile(workspace.stateFile(), "{\"nextNumber\": 3, \"versions\": [");
+    Runtime &runtime = launchOnDisk();
+    EXPECT_EQ(test::readText(workspace.stateFile() + ".unreadable"), "{\"nextNumber\": 3, \"versions\": [");
+    ASSERT_TRUE(test::spinUntil([&] { return !runtime.state().versions.isEmpty() || runtime.banner(); }, std::chrono::minutes(10)));
+    ASSERT_EQ(runtime.state().versions.size(), 1) << runtime.banner().value_or(Banner{}).detail.value_or("").toStdString();
+    EXPECT_EQ(runtime.state().versions[0].number, 3);
+    EXPECT_EQ(runtime.loadedVersion(), 3);
+    for (int number : {1, 2})
+        EXPECT_TRUE(QFile::exists(workspace.dylib(number))) << number;
+
+    test::writeFile(sourcesFile("Extra.swift"), "// mine\n");
+    const TaskHandle building = startTask([&](TaskHandle) -> QCoro::Task<> { co_await runtime.rebuild(); });
+    ASSERT_TRUE(runtime.isBuilding());
+    test::await(runtime.resetToOriginal());
+    ASSERT_TRUE(runtime.banner());
+    EXPECT_EQ(runtime.banner()->title, "Couldn't reset");
+    EXPECT_EQ(runtime.banner()->detail, "A build is running. Reset once it has finished.");
+    EXPECT_TRUE(QFile::exists(sourcesFile("Extra.swift")));
+    ASSERT_TRUE(test::spinUntil([&] { return building.isFinished(); }, std::chrono::minutes(10)));
+    EXPECT_EQ(runtime.loadedVersion(), 4);
+    EXPECT_TRUE(QFile::exists(workspace.version(4) + "/Sources/Extra.swift"));
+}
+
 TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
 {
     // The menu's titles, with its first action.
