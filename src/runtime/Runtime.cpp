@@ -166,6 +166,15 @@ std::optional<QString> Runtime::load(int version)
     std::printf("Zentoro: loaded version %d\n", version);
     std::fflush(stdout);
 
+    return std::nullopt;
+}
+
+void Runtime::versionDrawn(int generation)
+{
+    if (generation != generation_ || provedGeneration_ == generation || !loadedVersion_)
+        return;
+    provedGeneration_ = generation;
+    const int version = *loadedVersion_;
     QPointer<Runtime> self(this);
     startTask([self, version](TaskHandle task) -> QCoro::Task<> {
         co_await sleep(task, provingTime);
@@ -176,7 +185,6 @@ std::optional<QString> Runtime::load(int version)
         proven.lastGood = version;
         self->saveState(proven);
     });
-    return std::nullopt;
 }
 
 } // namespace zentoro

@@ -1,12 +1,15 @@
 #include "RealProgram.h"
 
+#include "runtime/CrashLog.h"
 #include "runtime/Runtime.h"
 
 #include "support/Await.h"
 #include "support/Files.h"
+#include "support/VersionLibrary.h"
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QThread>
 
 #include <signal.h>
 
@@ -21,6 +24,28 @@ const QByteArray trappingRoot = "import SwiftUI\n\n"
                                 "    let title: String? = nil\n"
                                 "    var body: some View {\n"
                                 "        Text(title!)\n"
+                                "    }\n"
+                                "}\n";
+
+// An app whose teardown traps: releasing its view ends the process.
+const QByteArray trapsWhenReleased = "import SwiftUI\n\n"
+                                     "final class Keeper: ObservableObject {\n"
+                                     "    deinit { fatalError(\"The app's teardown crashed\") }\n"
+                                     "}\n\n"
+                                     "struct AppRoot: View {\n"
+                                     "    @StateObject private var keeper = Keeper()\n"
+                                     "    var body: some View { Text(\"Keeping\") }\n"
+                                     "}\n";
+
+// An app whose view never finishes its body: the event loop never runs again.
+const QByteArray spinningRoot = "import SwiftUI\n\n"
+                                "var spinning = true\n\n"
+                                "struct AppRoot: View {\n"
+                                "    var body: some View {\n"
+                                "        print(\"Spinning\")\n"
+                                "        fflush(stdout)\n"
+                                "        while spinning {}\n"
+                                "        return Text(\"Never\")\n"
                                 "    }\n"
                                 "}\n";
 
@@ -129,4 +154,107 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
     send(SIGTERM);
     ASSERT_TRUE(ended());
     EXPECT_EQ(signal(), 0);
+}
+
+// Ending the program from outside: a quit doesn't run the hosted app's teardown, so a crash
+// there isn't blamed on the run; a program stuck in hosted code still ends at a signal, after
+// a few seconds or at once at the second; and the program keeps answering a second start
+// while its own start is slow.
+TEST(CrashEndToEnd, QuitsAndSignalsEndTheProgramWithoutTheHostedApp)
+{
+    ZENTORO_REQUIRE_PROGRAM();
+    Program program(QStringLiteral("Quit Harness"));
+    const Workspace &workspace = program.workspace;
+    ASSERT_TRUE(buildVersions(workspace, {{QStringLiteral("AppRoot.swift"), trapsWhenReleased},
+                                          {QStringLiteral("AppRoot.swift"), spinningRoot}}));
+    const auto startOn = [&](int version, const QStringList &arguments = {}) {
+        RuntimeState state = RuntimeState::read(workspace.stateFile());
+        state.current = version;
+        state.lastGood = 1;
+        state.loading.reset();
+        state.write(workspace.stateFile());
+        program.start(arguments);
+    };
+    const auto log = [&] { return readText(workspace.logs() + QStringLiteral("/current.log")); };
+    const auto logShows = [&](const QString &text) {
+        const QString header = QStringLiteral(", pid %1\n").arg(program.process.processId());
+        return spinUntil([&] { return log().contains(header) && log().contains(text); }, 20s);
+    };
+    const auto send = [&](int signal) { ::kill(pid_t(program.process.processId()), signal); };
+    QElapsedTimer clock;
+    const auto endsWithin = [&](std::chrono::milliseconds limit) {
+        clock.start();
+        return spinUntil([&] { return program.process.state() == QProcess::NotRunning; }, limit);
+    };
+    const auto signal = [&] {
+        return program.process.exitStatus() == QProcess::CrashExit ? program.process.exitCode() : 0;
+    };
+
+    startOn(2);
+    ASSERT_TRUE(logShows(QStringLiteral("Showing version 2.")));
+    send(SIGTERM);
+    ASSERT_TRUE(endsWithin(20s));
+    EXPECT_EQ(signal(), 0);
+    EXPECT_FALSE(log().contains(QString::fromLatin1(CrashLog::marker))) << log().toStdString();
+
+    // Stuck in a view's body: the quit can't happen, so the signal's own action ends it.
+    startOn(3);
+    ASSERT_TRUE(logShows(QStringLiteral("Spinning")));
+    send(SIGTERM);
+    ASSERT_TRUE(endsWithin(20s));
+    EXPECT_EQ(signal(), SIGTERM);
+    EXPECT_GE(clock.elapsed(), 2000);
+    EXPECT_LT(clock.elapsed(), 10000);
+
+    startOn(3);
+    ASSERT_TRUE(logShows(QStringLiteral("Spinning")));
+    send(SIGINT);
+    QThread::msleep(100);
+    send(SIGINT);
+    ASSERT_TRUE(endsWithin(20s));
+    EXPECT_EQ(signal(), SIGINT);
+    EXPECT_LT(clock.elapsed(), 2000);
+}
+
+// A second start while the first is still loading its version (slowly, here) is answered:
+// it brings the first forward and ends, instead of saying the copy is already open.
+TEST(CrashEndToEnd, ASecondStartDuringASlowStartIsAnswered)
+{
+    ZENTORO_REQUIRE_PROGRAM();
+    const QString cc = cCompiler();
+    if (cc.isEmpty())
+        GTEST_SKIP() << "No C compiler to make a version library with.";
+    Program program(QStringLiteral("Slow Start"));
+    const Workspace &workspace = program.workspace;
+    QDir(workspace.root).removeRecursively();
+    workspace.prepare();
+    buildVersionLibrary(cc, workspace, 1,
+                        standInLibrary() + "#include <unistd.h>\n"
+                                           "__attribute__((constructor)) static void slowly(void) { sleep(3); }\n");
+    RuntimeState state;
+    state.versions = {{1, QDateTime::currentDateTimeUtc().addSecs(-60), QStringLiteral("Slow"), false}};
+    state.versions[0].date = QDateTime::fromSecsSinceEpoch(state.versions[0].date.toSecsSinceEpoch(), Qt::UTC);
+    state.current = state.lastGood = 1;
+    state.nextNumber = 2;
+    state.write(workspace.stateFile());
+
+    // No compiler, so the version loads as it is, before the first frame.
+    program.start({QStringLiteral("-ZentoroSimulateMissingTools"), QStringLiteral("YES")});
+    ASSERT_TRUE(spinUntil([&] { return readText(workspace.logs() + QStringLiteral("/current.log"))
+                                           .contains(QStringLiteral(", pid %1\n").arg(program.process.processId())); }, 20s));
+    QProcess second;
+    second.setProcessChannelMode(QProcess::MergedChannels);
+    second.setProgram(program.link);
+    second.setProcessEnvironment(program.environment);
+    second.start();
+    ASSERT_TRUE(second.waitForStarted());
+    const bool ended = spinUntil([&] { return second.state() == QProcess::NotRunning; }, 15s);
+    if (!ended) {
+        system(QStringLiteral("cat /proc/%1/wchan; echo; cat /proc/%1/stat; ls -l /proc/%1/fd").arg(second.processId()).toUtf8());
+        second.kill();
+    }
+    EXPECT_TRUE(ended) << "the second start is waiting at an alert: " << second.readAll().toStdString()
+                       << readText(workspace.logs() + QStringLiteral("/current.log")).toStdString();
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(program.process.state(), QProcess::Running);
 }
