@@ -1,9 +1,11 @@
 # The two set-up commands: `make run` and `make test`. Both install what is
-# missing, configure and build first.
+# missing, configure and build first. `make test` also checks the formatting of the lines
+# changed since the branch left main (on main, of the last commit); `make format` formats
+# every source as .clang-format and .swift-format say.
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: run test bench fuzz deps configure build clean
+.PHONY: run test bench fuzz format deps configure build clean
 
 deps:
 	@scripts/install-deps
@@ -18,7 +20,11 @@ run: build
 	$(BUILD_DIR)/zentoro
 
 test: build
+	@scripts/format --check
 	cd $(BUILD_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+format: deps
+	@scripts/format
 
 bench: build
 	@bench/run $(BUILD_DIR)

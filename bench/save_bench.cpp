@@ -1,9 +1,10 @@
 // Saving a long conversation against writing the same bytes plainly, and building the
 // whole-history request for it.
+#include "Measure.h"
 #include "agent/Agent.h"
+#include "agent/HistoryUpkeep.h"
 #include "agent/ModelRequest.h"
 #include "runtime/Workspace.h"
-#include "Measure.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -107,21 +108,26 @@ int main(int argc, char **argv)
     qputenv("XDG_DATA_HOME", (home.path() + "/data").toUtf8());
     qputenv("XDG_CONFIG_HOME", (home.path() + "/config").toUtf8());
     QCoreApplication application(argc, argv);
-    Workspace::initShared(QStringLiteral("Bench"));
     // The screenshots that the newest outputs refer to are on disk, as after a real session.
     QFile screenshot(QStringLiteral("/tmp/zentoro-bench-shot.png"));
     if (!screenshot.open(QIODevice::WriteOnly) || screenshot.write(QByteArray(pictureBytes, 'p')) != pictureBytes)
         return 1;
     screenshot.close();
 
-    Agent agent;
-    QList<ChatItem> items;
+    AgentOperations operations;
+    operations.forHistory = HistoryUpkeep::forHistory;
+    Agent agent(operations, Workspace::forName(QStringLiteral("Bench")));
+    Agent::Saved conversation;
     for (int index = 0; index < rows; ++index)
-        items.append(row(index));
-    agent.setItems(items);
+        conversation.items.append(row(index));
     for (int index = 0; index < historyItems; ++index)
-        agent.history.append(historyItem(index));
-    agent.pendingInput.append(Agent::message(QStringLiteral("user"), QStringLiteral("One more thing")));
+        conversation.history.append(historyItem(index));
+    conversation.pendingInput.append(Agent::message(QStringLiteral("user"), QStringLiteral("One more thing")));
+    agent.load(conversation);
+    // Each later step records one more output item, as a response does.
+    const auto recordOneMore = [&](int index) {
+        agent.record(JSON::object({{"output", JSON::array({historyItem(index)})}}), Provider::ChatGPT);
+    };
 
     const QByteArray bytes = agent.saved().encode();
     const QString plainPath = home.filePath(QStringLiteral("plain.json"));
@@ -133,7 +139,7 @@ int main(int argc, char **argv)
     const double firstSave = firstClock.nsecsElapsed() / 1e6;
     int added = historyItems;
     const double save = timed([&] {
-        agent.history.append(historyItem(added));
+        recordOneMore(added);
         agent.appendItem(row(added++));
         agent.writeConversation();
     });
@@ -146,8 +152,8 @@ int main(int argc, char **argv)
     const qsizetype inputSize = ModelRequest::request(agent, Provider::ChatGPT).arrayAt(QStringLiteral("input"))->size();
     const double firstRequest = firstRequestClock.nsecsElapsed() / 1e6;
     const double request = timed([&] { ModelRequest::request(agent, Provider::ChatGPT); },
-                                 [&] { agent.history.append(historyItem(added++)); });
-    if (!QFile::exists(Workspace::shared().conversation(agent.conversationID())) || inputSize == 0)
+                                 [&] { recordOneMore(added++); });
+    if (!QFile::exists(agent.workspace().conversation(agent.conversationID())) || inputSize == 0)
         return 1;
 
     std::printf("conversation: %d history items, %d rows, %.1f MB on disk\n", historyItems, rows, bytes.size() / 1e6);

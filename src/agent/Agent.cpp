@@ -1,8 +1,8 @@
 #include "agent/Agent.h"
 
-#include "agent/AgentWiring.h"
 #include "core/Defaults.h"
-#include "runtime/Workspace.h"
+#include "core/Log.h"
+#include "core/Text.h"
 
 #include <QPointer>
 
@@ -33,6 +33,15 @@ ChatItem errorRow(const QString &text)
     return ChatItem::make(ChatItem::Kind::Error, text);
 }
 
+// How a run ended shows in its last row: an answer, "Stopped", an error.
+void logRunEnd(const QList<ChatItem> &items)
+{
+    const QString last = items.isEmpty() ? QStringLiteral("none")
+                                         : ChatItem::kindText(items.last().kind) + QStringLiteral(": ") +
+                                               Text::firstCharacters(items.last().text, 300);
+    qCDebug(logAgent, "The run ended; its last row is %s", qUtf8Printable(last));
+}
+
 QString stepLimitText()
 {
     return QStringLiteral("Stopped after %1 steps. Say \"continue\" to keep going.").arg(Agent::stepLimit);
@@ -40,20 +49,19 @@ QString stepLimitText()
 
 } // namespace
 
-Agent::Agent(QObject *parent) : Agent(AgentOperations{}, parent)
+Agent::Agent(AgentOperations operations, Workspace workspace, QObject *parent)
+    : QObject(parent), workspace_(std::move(workspace))
 {
-    operations_ = programOperations(*this);
-    hasAPIKey_ = operations_.hasAPIKey();
-}
-
-Agent::Agent(AgentOperations operations, QObject *parent) : QObject(parent), operations_(std::move(operations))
-{
-    if (operations_.hasAPIKey)
-        hasAPIKey_ = operations_.hasAPIKey();
     if (auto stored = Defaults::string(providerKey))
         preferredProvider_ = providerFromText(*stored);
-    restore();
-    refreshConversations();
+    setOperations(std::move(operations));
+}
+
+void Agent::setOperations(AgentOperations operations)
+{
+    operations_ = std::move(operations);
+    if (operations_.hasAPIKey)
+        setHasAPIKey(operations_.hasAPIKey());
 }
 
 std::optional<Provider> Agent::provider() const
@@ -85,22 +93,25 @@ void Agent::send(const QString &text)
     if (trimmed.isEmpty() || isRunning_)
         return;
     appendItem(ChatItem::make(ChatItem::Kind::User, trimmed));
-    currentRequest = trimmed;
-    if (!notes.isEmpty()) {
+    currentRequest_ = trimmed;
+    if (!notes_.isEmpty()) {
         QStringList lines;
-        for (const QString &note : std::as_const(notes))
+        for (const QString &note : std::as_const(notes_))
             lines.append(QStringLiteral("- ") + note);
-        pendingInput.append(message(QStringLiteral("developer"), QStringLiteral("Meanwhile, in Zentoro:\n") + lines.join(u'\n')));
-        notes.clear();
+        pendingInput_.append(
+            message(QStringLiteral("developer"), QStringLiteral("Meanwhile, in Zentoro:\n") + lines.join(u'\n')));
+        notes_.clear();
     }
-    pendingInput.append(message(QStringLiteral("developer"), operations_.context()));
-    pendingInput.append(message(QStringLiteral("user"), trimmed));
+    pendingInput_.append(message(QStringLiteral("developer"), operations_.context()));
+    pendingInput_.append(message(QStringLiteral("user"), trimmed));
     save();
     start();
 }
 
 void Agent::start()
 {
+    qCDebug(logAgent, "A run starts with %lld items of history and %lld waiting.", qlonglong(history_.size()),
+            qlonglong(pendingInput_.size()));
     setRunning(true);
     startedAt_ = QDateTime::currentDateTimeUtc();
     emit startedAtChanged();
@@ -111,6 +122,7 @@ void Agent::start()
         co_await weak->loop(self);
         if (!weak)
             co_return;
+        logRunEnd(weak->items_);
         weak->setRunning(false);
         if (weak->startedAt_) {
             weak->startedAt_.reset();
@@ -142,7 +154,7 @@ QCoro::Task<> Agent::loop(TaskHandle self)
     const std::optional<Provider> runProvider = provider();
     if (!runProvider) {
         appendItem(errorRow(QStringLiteral("Sign in with ChatGPT or add an OpenAI API key first (%1 → Settings…).")
-                                .arg(Workspace::shared().name)));
+                                .arg(workspace_.name)));
         co_return;
     }
     const Provider provider = *runProvider;
@@ -207,19 +219,23 @@ QCoro::Task<> Agent::loop(TaskHandle self)
         }
 
         QList<JSON> calls;
+        QSet<QString> callIDs;
         if (const JSON::Array *outputItems = response.arrayAt("output")) {
             for (const JSON &item : *outputItems) {
-                if (item.stringAt("type") == u"function_call")
+                // A call named twice runs once: two outputs for one call would be refused.
+                if (item.stringAt("type") == u"function_call" && !callIDs.contains(item.stringAt("call_id").value_or(QString()))) {
+                    callIDs.insert(item.stringAt("call_id").value_or(QString()));
                     calls.append(item);
+                }
             }
         }
         // The calls are owed an answer from the save that records them on: a crash before
         // their own save would otherwise leave them in history with no output ever.
         record(response, provider);
-        unansweredCalls.clear();
+        unansweredCalls_.clear();
         for (const JSON &call : std::as_const(calls)) {
             if (auto id = call.stringAt("call_id"))
-                unansweredCalls.append(*id);
+                unansweredCalls_.append(*id);
         }
         save();
         showResponse(response);
@@ -260,10 +276,10 @@ void Agent::showResponse(const JSON &response)
 
 QCoro::Task<bool> Agent::runCalls(const TaskHandle &self, const QList<JSON> &calls)
 {
-    unansweredCalls.clear();
+    unansweredCalls_.clear();
     for (const JSON &call : calls) {
         if (auto id = call.stringAt("call_id"))
-            unansweredCalls.append(*id);
+            unansweredCalls_.append(*id);
     }
     save();
 
@@ -272,8 +288,8 @@ QCoro::Task<bool> Agent::runCalls(const TaskHandle &self, const QList<JSON> &cal
         const QString callID = call.stringAt("call_id").value_or(QString());
         const QString name = call.stringAt("name").value_or(QString());
         if (self.isCancelled()) {
-            pendingInput.append(output(callID, QStringLiteral("The user stopped you before this ran.")));
-            unansweredCalls.removeOne(callID);
+            pendingInput_.append(output(callID, QStringLiteral("The user stopped you before this ran.")));
+            unansweredCalls_.removeOne(callID);
             continue;
         }
         if (name == u"restart_app") {
@@ -288,8 +304,8 @@ QCoro::Task<bool> Agent::runCalls(const TaskHandle &self, const QList<JSON> &cal
         if (!arguments.objectValue())
             arguments = JSON::object();
         const ToolResult result = co_await operations_.perform(name, arguments);
-        pendingInput.append(output(callID, result.output));
-        unansweredCalls.removeOne(callID);
+        pendingInput_.append(output(callID, result.output));
+        unansweredCalls_.removeOne(callID);
         appendItem(result.item);
         save();
     }
@@ -297,12 +313,12 @@ QCoro::Task<bool> Agent::runCalls(const TaskHandle &self, const QList<JSON> &cal
     if (!restartCall)
         co_return false;
     if (self.isCancelled()) {
-        pendingInput.append(output(*restartCall, QStringLiteral("The user stopped you before the restart.")));
-        unansweredCalls.removeOne(*restartCall);
+        pendingInput_.append(output(*restartCall, QStringLiteral("The user stopped you before the restart.")));
+        unansweredCalls_.removeOne(*restartCall);
         co_return false;
     }
-    restartCallID = restartCall;
-    appendItem(ChatItem::make(ChatItem::Kind::Tool, QStringLiteral("Restarting %1…").arg(Workspace::shared().name),
+    restartCallID_ = restartCall;
+    appendItem(ChatItem::make(ChatItem::Kind::Tool, QStringLiteral("Restarting %1…").arg(workspace_.name),
                               QStringLiteral("arrow.clockwise")));
     save();
     operations_.relaunch(false);
@@ -311,16 +327,16 @@ QCoro::Task<bool> Agent::runCalls(const TaskHandle &self, const QList<JSON> &cal
 
 void Agent::record(const JSON &response, Provider provider)
 {
-    QList<JSON> recorded = pendingInput;
+    QList<JSON> recorded = pendingInput_;
     if (const JSON::Array *outputItems = response.arrayAt("output"))
         recorded.append(QList<JSON>(outputItems->begin(), outputItems->end()));
     for (const JSON &item : std::as_const(recorded)) {
         if (auto kept = operations_.forHistory(item))
-            history.append(*kept);
+            history_.append(*kept);
     }
     const auto id = response.stringAt("id");
-    previousResponseID = provider == Provider::APIKey && id ? id : std::nullopt;
-    pendingInput.clear();
+    previousResponseID_ = provider == Provider::APIKey && id ? id : std::nullopt;
+    pendingInput_.clear();
 }
 
 void Agent::started(const JSON &item)
@@ -415,18 +431,20 @@ void Agent::setConversationID(const QUuid &id)
 void Agent::note(const QString &shown, const QString &told)
 {
     appendItem(ChatItem::make(ChatItem::Kind::Event, shown, QStringLiteral("info.circle")));
-    notes.append(told);
+    notes_.append(told);
     save();
 }
 
 bool Agent::canRetry() const
 {
-    return !isRunning_ && !pendingInput.isEmpty() && !items_.isEmpty() && items_.last().kind == ChatItem::Kind::Error;
+    // Without a way to reach the model there is nothing to retry: the access row is the way on.
+    return !isRunning_ && provider().has_value() && !pendingInput_.isEmpty() && !items_.isEmpty() &&
+           items_.last().kind == ChatItem::Kind::Error;
 }
 
 void Agent::retry()
 {
-    if (isRunning_ || pendingInput.isEmpty())
+    if (isRunning_ || pendingInput_.isEmpty())
         return;
     start();
 }

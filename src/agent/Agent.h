@@ -3,14 +3,14 @@
 #include "agent/AgentOperations.h"
 #include "agent/ChatItem.h"
 #include "agent/SavedConversation.h"
-#include "core/MainTask.h"
 #include "core/JSON.h"
+#include "core/MainTask.h"
 #include "model_service/Provider.h"
+#include "runtime/Workspace.h"
 
 #include <QDateTime>
 #include <QList>
 #include <QObject>
-#include <QPointer>
 #include <QStringList>
 #include <QUuid>
 
@@ -18,22 +18,22 @@
 
 namespace zentoro {
 
-class Runtime;
-
 // The spine of the program: the open conversation, the user's messages, and the run
 // that drives the model step by step, carries out its tool calls and shows each as a row.
 //
 // `items` is what the user sees; `history` and `pendingInput` are what the model has
-// been or will be given. Neither is derived from the other.
+// been or will be given. Neither is derived from the other. The agent alone changes them,
+// through the operations below.
 class Agent : public QObject {
     Q_OBJECT
 public:
     static constexpr int stepLimit = 80;
     using Saved = SavedConversation;
 
-    explicit Agent(QObject *parent = nullptr);
-    // With `operations` in place of the program's own (tests drive the run with fakes).
-    Agent(AgentOperations operations, QObject *parent = nullptr);
+    // An agent of the copy in `workspace` (none: a copy with no root keeps no conversations)
+    // that starts with a blank conversation and calls `operations` in its runs. The program
+    // puts in its own operations with `setOperations` and then calls `restore`.
+    explicit Agent(AgentOperations operations, Workspace workspace = {}, QObject *parent = nullptr);
 
     // Observable state. A write that doesn't change a value notifies nobody.
     const QList<ChatItem> &items() const { return items_; }
@@ -49,20 +49,23 @@ public:
     std::optional<Provider> provider() const;
 
     // The model's side of the conversation and the rest of its working state.
-    std::optional<QString> previousResponseID;
-    QList<JSON> history;
-    QList<JSON> pendingInput;
-    QStringList notes;
-    std::optional<QString> restartCallID;
-    QStringList unansweredCalls;
-    QString currentRequest;
-    QDateTime createdAt = QDateTime::currentDateTimeUtc();
+    const std::optional<QString> &previousResponseID() const { return previousResponseID_; }
+    const QList<JSON> &history() const { return history_; }
+    const QList<JSON> &pendingInput() const { return pendingInput_; }
+    // What the model is to be told with the next message.
+    const QStringList &notes() const { return notes_; }
+    // The restart_app call whose answer waits for the next launch.
+    const std::optional<QString> &restartCallID() const { return restartCallID_; }
+    // The calls of the last response still owed an output.
+    const QStringList &unansweredCalls() const { return unansweredCalls_; }
+    // The user's words that started the present turn.
+    const QString &currentRequest() const { return currentRequest_; }
+    const QDateTime &createdAt() const { return createdAt_; }
 
-    // The runtime whose state the model is told of and whose loaded version a restart reports.
-    QPointer<Runtime> runtime;
-
+    const Workspace &workspace() const { return workspace_; }
     TaskHandle task() const { return task_; }
     AgentOperations &operations() { return operations_; }
+    void setOperations(AgentOperations operations);
 
     // Takes the user's words and starts a run; does nothing for blank text or while a run goes on.
     void send(const QString &text);
@@ -72,6 +75,18 @@ public:
     void afterStopping(std::function<void()> work);
     // Called as each output item of a response starts; only moves `activity`.
     void started(const JSON &item);
+    // Puts the queued input and the response's output into history, each in the form
+    // history keeps, and keeps the response's identity on the API-key path.
+    void record(const JSON &response, Provider provider);
+
+    // Repairs of the model's side after a failure; each says whether it changed anything.
+    // Forgets the chained response; when history holds nothing of it, the outputs of its
+    // calls go too and the model is told that earlier parts were lost.
+    void dropResponseChain();
+    // Drops the oldest turns of history to fit the model's context.
+    bool trimHistory();
+    // Takes the reasoning items out of history.
+    bool dropReasoning();
 
     // Tells the user of an event at once with `shown`, and the model later with `told`.
     void note(const QString &shown, const QString &told);
@@ -84,19 +99,19 @@ public:
     // Conversations on disk. `writeConversation` writes the open one and patches the list;
     // the program's `save` operation is this.
     void writeConversation();
-    void showDiskFull(const std::optional<QString> &error);
     Saved saved() const;
     // Replaces the working copy; touches neither the disk nor the list.
     void load(const Saved &saved);
-    // Reopens the conversation that the copy's settings name.
+    // At start-up: reopens the conversation that the copy's settings name and lists the rest.
     void restore();
     // Rebuilds the list from the folder, newest first.
     void refreshConversations();
     void openConversation(const QUuid &id);
     void newConversation();
     // Once per process after the launch: answers the calls a crash or quit left open and
-    // goes on with the turn when the agent itself asked for the restart.
-    void resumeAfterLaunch();
+    // goes on with the turn when the agent itself asked for the restart, telling the model
+    // that `loadedVersion` now runs.
+    void resumeAfterLaunch(std::optional<int> loadedVersion);
 
     void setPreferredProvider(std::optional<Provider> provider);
     void setActivity(std::optional<QString> activity);
@@ -124,7 +139,6 @@ private:
     QCoro::Task<> loop(TaskHandle self);
     // Carries out the calls of one response; returns true when the run ended in a restart.
     QCoro::Task<bool> runCalls(const TaskHandle &self, const QList<JSON> &calls);
-    void record(const JSON &response, Provider provider);
     void stopped();
     void showResponse(const JSON &response);
     void setRunning(bool running);
@@ -138,6 +152,17 @@ private:
     std::optional<Provider> preferredProvider_;
     QList<ConversationSummary> conversations_;
     QUuid conversationID_ = QUuid::createUuid();
+
+    std::optional<QString> previousResponseID_;
+    QList<JSON> history_;
+    QList<JSON> pendingInput_;
+    QStringList notes_;
+    std::optional<QString> restartCallID_;
+    QStringList unansweredCalls_;
+    QString currentRequest_;
+    QDateTime createdAt_ = QDateTime::currentDateTimeUtc();
+
+    Workspace workspace_;
     TaskHandle task_;
     AgentOperations operations_;
 };

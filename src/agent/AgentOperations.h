@@ -42,6 +42,9 @@ struct AgentOperations {
     std::function<ChatItem(std::exception_ptr failure, Provider provider)> errorItem;
     // Writes the open conversation; reports nothing.
     std::function<void()> save;
+    // After each save: whether it failed for want of disk space, the one save failure the
+    // user can act on.
+    std::function<void(bool full)> diskFull;
     // Ends this process and starts it anew.
     std::function<void(bool safeMode)> relaunch;
     // Whether the ChatGPT plan can be used now.

@@ -3,9 +3,6 @@
 #include "agent/ConversationEncoder.h"
 #include "core/AtomicFile.h"
 #include "core/Defaults.h"
-#include "runtime/DiskFull.h"
-#include "runtime/Runtime.h"
-#include "runtime/Workspace.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,15 +18,15 @@ namespace {
 
 const QString currentConversationKey = QStringLiteral("currentConversation");
 
-// A process started without a copy has nowhere to keep conversations.
-bool hasCopy()
+// An agent without a copy has nowhere to keep conversations.
+bool hasCopy(const Workspace &workspace)
 {
-    return !Workspace::shared().root.isEmpty();
+    return !workspace.root.isEmpty();
 }
 
-QString conversationsFolder()
+QString conversationsFolder(const Workspace &workspace)
 {
-    return Workspace::shared().root + QStringLiteral("/Conversations");
+    return workspace.root + QStringLiteral("/Conversations");
 }
 
 // Remembers the text of the last save, so that the next one encodes only what changed.
@@ -40,9 +37,9 @@ ConversationEncoder &encoder()
 }
 
 // The setting is written only when it changes: each write of it syncs a file.
-void nameCurrent(const QUuid &id)
+void nameCurrent(const Workspace &workspace, const QUuid &id)
 {
-    const QString suite = Workspace::shared().defaultsSuite();
+    const QString suite = workspace.defaultsSuite();
     const QString text = uuidText(id);
     if (Defaults::suiteValue(suite, currentConversationKey).toString() != text)
         Defaults::setSuiteValue(suite, currentConversationKey, text);
@@ -82,53 +79,41 @@ QString restartAnswer(std::optional<int> loadedVersion)
 
 } // namespace
 
-// A full disk is the one save failure the user can act on; the strip goes once a save succeeds.
-void Agent::showDiskFull(const std::optional<QString> &error)
-{
-    if (!runtime)
-        return;
-    const Banner full = DiskFull::banner(QStringLiteral("this conversation"));
-    if (error && AtomicFile::isDiskFull(*error))
-        runtime->setBanner(full);
-    else if (!error && runtime->banner() == full)
-        runtime->setBanner(std::nullopt);
-}
-
 Agent::Saved Agent::saved() const
 {
     Saved saved;
     saved.id = conversationID_;
-    saved.created = createdAt;
+    saved.created = createdAt_;
     saved.updated = QDateTime::currentDateTimeUtc();
     saved.items = items_;
-    saved.previousResponseID = previousResponseID;
-    saved.pendingInput = pendingInput;
-    saved.notes = notes;
-    saved.restartCallID = restartCallID;
-    saved.unansweredCalls = unansweredCalls;
-    saved.currentRequest = currentRequest;
-    saved.history = history;
+    saved.previousResponseID = previousResponseID_;
+    saved.pendingInput = pendingInput_;
+    saved.notes = notes_;
+    saved.restartCallID = restartCallID_;
+    saved.unansweredCalls = unansweredCalls_;
+    saved.currentRequest = currentRequest_;
+    saved.history = history_;
     return saved;
 }
 
 void Agent::writeConversation()
 {
-    if (!hasCopy())
+    if (!hasCopy(workspace_))
         return;
-    const Workspace &workspace = Workspace::shared();
     const Saved current = saved();
-    nameCurrent(conversationID_);
+    nameCurrent(workspace_, conversationID_);
 
-    const QString path = workspace.conversation(conversationID_);
-    if (!items_.isEmpty() || !pendingInput.isEmpty()) {
-        QDir().mkpath(conversationsFolder());
+    const QString path = workspace_.conversation(conversationID_);
+    if (!items_.isEmpty() || !pendingInput_.isEmpty()) {
+        QDir().mkpath(conversationsFolder(workspace_));
         try {
             // Written at once, so a crash in the next step finds it; flushed off the window's thread.
             const std::optional<QString> error =
                 AtomicFile::write(path, encoder().encode(current), 0644, AtomicFile::Durability::Written);
             if (!error)
                 AtomicFile::flushInBackground(path);
-            showDiskFull(error);
+            if (operations_.diskFull)
+                operations_.diskFull(error && AtomicFile::isDiskFull(*error));
         } catch (const JSON::Error &) {
             // A value JSON can't hold; the old file stands and the next save tries again.
         }
@@ -156,35 +141,35 @@ void Agent::writeConversation()
 void Agent::load(const Saved &saved)
 {
     setConversationID(saved.id.value_or(QUuid::createUuid()));
-    createdAt = saved.created.value_or(QDateTime::currentDateTimeUtc());
+    createdAt_ = saved.created.value_or(QDateTime::currentDateTimeUtc());
     setItems(saved.items);
-    previousResponseID = saved.previousResponseID;
-    pendingInput = saved.pendingInput;
-    notes = saved.notes;
-    restartCallID = saved.restartCallID;
-    unansweredCalls = saved.unansweredCalls;
-    currentRequest = saved.currentRequest;
-    history = saved.history;
+    previousResponseID_ = saved.previousResponseID;
+    pendingInput_ = saved.pendingInput;
+    notes_ = saved.notes;
+    restartCallID_ = saved.restartCallID;
+    unansweredCalls_ = saved.unansweredCalls;
+    currentRequest_ = saved.currentRequest;
+    history_ = saved.history;
 }
 
 void Agent::restore()
 {
-    if (!hasCopy())
+    if (!hasCopy(workspace_))
         return;
-    const Workspace &workspace = Workspace::shared();
-    const auto id = uuidFromText(Defaults::suiteValue(workspace.defaultsSuite(), currentConversationKey).toString());
-    if (!id)
-        return;
-    if (auto stored = Saved::read(workspace.conversation(*id)))
-        load(*stored);
+    const auto id = uuidFromText(Defaults::suiteValue(workspace_.defaultsSuite(), currentConversationKey).toString());
+    if (id) {
+        if (auto stored = Saved::read(workspace_.conversation(*id)))
+            load(*stored);
+    }
+    refreshConversations();
 }
 
 void Agent::refreshConversations()
 {
-    if (!hasCopy())
+    if (!hasCopy(workspace_))
         return;
     const QFileInfoList entries =
-        QDir(conversationsFolder()).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
+        QDir(conversationsFolder(workspace_)).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
     QList<ConversationSummary> list;
     for (const QFileInfo &entry : entries) {
         if (entry.suffix() != u"json")
@@ -209,9 +194,9 @@ void Agent::openConversation(const QUuid &id)
         return;
     QPointer<Agent> weak(this);
     afterStopping([weak, id] {
-        if (!weak || !hasCopy())
+        if (!weak || !hasCopy(weak->workspace_))
             return;
-        if (auto stored = Saved::read(Workspace::shared().conversation(id))) {
+        if (auto stored = Saved::read(weak->workspace_.conversation(id))) {
             weak->load(*stored);
             weak->save();
         } else {
@@ -233,25 +218,25 @@ void Agent::newConversation()
     });
 }
 
-void Agent::resumeAfterLaunch()
+void Agent::resumeAfterLaunch(std::optional<int> loadedVersion)
 {
-    for (const QString &callID : std::as_const(unansweredCalls)) {
-        if (callID != restartCallID)
-            pendingInput.append(output(callID, stoppedOutput()));
+    for (const QString &callID : std::as_const(unansweredCalls_)) {
+        if (callID != restartCallID_)
+            pendingInput_.append(output(callID, stoppedOutput()));
     }
-    unansweredCalls.clear();
+    unansweredCalls_.clear();
     save();
-    if (!restartCallID)
+    if (!restartCallID_)
         return;
 
-    const QString callID = *restartCallID;
-    restartCallID.reset();
-    QString answer = restartAnswer(runtime ? runtime->loadedVersion() : std::nullopt);
-    if (!notes.isEmpty()) {
-        answer += u'\n' + notes.join(u'\n');
-        notes.clear();
+    const QString callID = *restartCallID_;
+    restartCallID_.reset();
+    QString answer = restartAnswer(loadedVersion);
+    if (!notes_.isEmpty()) {
+        answer += u'\n' + notes_.join(u'\n');
+        notes_.clear();
     }
-    pendingInput.append(output(callID, answer));
+    pendingInput_.append(output(callID, answer));
     appendItem(ChatItem::make(ChatItem::Kind::Event, QStringLiteral("Restarted"), QStringLiteral("arrow.clockwise")));
     save();
     start();

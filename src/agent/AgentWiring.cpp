@@ -8,27 +8,29 @@
 #include "agent/Tools.h"
 #include "model_service/AgentConfig.h"
 #include "model_service/OpenAI.h"
+#include "runtime/DiskFull.h"
 #include "runtime/Runtime.h"
-#include "runtime/Workspace.h"
 
 #include <QPointer>
 
 namespace zentoro {
 
-AgentOperations programOperations(Agent &agent)
+AgentOperations programOperations(Agent &agent, Runtime &runtime)
 {
     QPointer<Agent> weak(&agent);
+    QPointer<Runtime> weakRuntime(&runtime);
     AgentOperations operations;
-    operations.bearer = ModelRequest::bearer;
+    operations.bearer = [copyName = agent.workspace().name](const TaskHandle &task, Provider provider, bool refresh) {
+        return ModelRequest::bearer(task, provider, refresh, copyName);
+    };
     operations.request = [weak](Provider provider) { return weak ? ModelRequest::request(*weak, provider) : JSON(); };
     operations.respond = OpenAI::respond;
-    // build, screenshot and read_log work on the agent's runtime.
-    Tools::RuntimeTools runtimeTools = BuildTools::runtimeTools();
+    Tools::RuntimeTools runtimeTools = BuildTools::runtimeTools(runtime);
     operations.perform = [weak, runtimeTools](const QString &name, const JSON &arguments) -> QCoro::Task<ToolResult> {
-        co_return co_await Tools::perform(*weak, Workspace::shared(), runtimeTools, name, arguments);
+        co_return co_await Tools::perform(*weak, weak->workspace(), runtimeTools, name, arguments);
     };
     operations.forHistory = HistoryUpkeep::forHistory;
-    operations.context = [weak] { return Instructions::context(weak ? weak->runtime.data() : nullptr); };
+    operations.context = [weakRuntime] { return weakRuntime ? Instructions::context(*weakRuntime) : QString(); };
     operations.recover = [weak](const TaskHandle &task, const OpenAI::Failure &failure, Provider provider,
                                 Recovery *recovery) -> QCoro::Task<bool> {
         if (!weak)
@@ -44,13 +46,21 @@ AgentOperations programOperations(Agent &agent)
         if (weak)
             weak->writeConversation();
     };
-    operations.relaunch = [weak](bool safeMode) {
-        if (weak && weak->runtime)
-            weak->runtime->relaunch(safeMode);
+    operations.diskFull = [weakRuntime](bool full) {
+        if (!weakRuntime)
+            return;
+        const Banner banner = DiskFull::banner(QStringLiteral("this conversation"));
+        if (full)
+            weakRuntime->setBanner(banner);
+        else if (weakRuntime->banner() == banner)
+            weakRuntime->setBanner(std::nullopt);
+    };
+    operations.relaunch = [weakRuntime](bool safeMode) {
+        if (weakRuntime)
+            weakRuntime->relaunch(safeMode);
     };
     operations.canUsePlan = [] { return false; };
     operations.hasAPIKey = [] { return AgentConfig::effectiveKey().has_value(); };
-    Q_UNUSED(weak);
     return operations;
 }
 

@@ -5,8 +5,9 @@
 namespace zentoro {
 
 class Agent;
+class Runtime;
 
-// The program's own operations for `agent`'s runs, each holding the agent weakly.
-AgentOperations programOperations(Agent &agent);
+// The program's own operations for `agent`'s runs on `runtime`, each holding both weakly.
+AgentOperations programOperations(Agent &agent, Runtime &runtime);
 
 } // namespace zentoro

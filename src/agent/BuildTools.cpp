@@ -25,7 +25,7 @@ ChatItem row(const QString &text, const char *symbol)
 
 QString summaryFor(const Agent &agent)
 {
-    return agent.currentRequest.isEmpty() ? QStringLiteral("Agent build") : agent.currentRequest;
+    return agent.currentRequest().isEmpty() ? QStringLiteral("Agent build") : agent.currentRequest();
 }
 
 void announce(Agent &agent, const char *activity)
@@ -146,23 +146,24 @@ ToolResult readLog(const Workspace &workspace, const QString &which)
     return ToolResult{JSON(text), item};
 }
 
-Tools::RuntimeTools runtimeTools()
+Tools::RuntimeTools runtimeTools(Runtime &runtime)
 {
+    QPointer<Runtime> weak(&runtime);
     Tools::RuntimeTools tools;
-    tools.build = [](Agent &agent, JSON) -> QCoro::Task<ToolResult> {
-        if (!agent.runtime)
+    tools.build = [weak](Agent &agent, JSON) -> QCoro::Task<ToolResult> {
+        if (!weak)
             co_return unavailable();
-        co_return co_await build(agent, *agent.runtime);
+        co_return co_await build(agent, *weak);
     };
-    tools.screenshot = [](Agent &agent, JSON) -> QCoro::Task<ToolResult> {
-        if (!agent.runtime)
+    tools.screenshot = [weak](Agent &agent, JSON) -> QCoro::Task<ToolResult> {
+        if (!weak)
             co_return unavailable();
-        co_return co_await screenshot(agent, *agent.runtime);
+        co_return co_await screenshot(agent, *weak);
     };
-    tools.readLog = [](Agent &agent, JSON arguments) -> QCoro::Task<ToolResult> {
-        if (!agent.runtime)
+    tools.readLog = [weak](Agent &, JSON arguments) -> QCoro::Task<ToolResult> {
+        if (!weak)
             co_return unavailable();
-        co_return readLog(agent.runtime->workspace(), whichArgument(arguments));
+        co_return readLog(weak->workspace(), whichArgument(arguments));
     };
     return tools;
 }

@@ -38,8 +38,8 @@ ToolResult buildResult(const BuildOutcome &outcome);
 // The result of a capture: `png` stored in `folder` when it can be written, else inline.
 ToolResult screenshotResult(const QByteArray &png, const QString &folder);
 
-// The three tools for the dispatch, each working on the agent's runtime.
-Tools::RuntimeTools runtimeTools();
+// The three tools for the dispatch, each working on `runtime` while it lives.
+Tools::RuntimeTools runtimeTools(Runtime &runtime);
 
 } // namespace BuildTools
 } // namespace zentoro

@@ -117,12 +117,6 @@ QString instructions(const QString &name, const QString &dataFolder)
     return lines.join(u'\n');
 }
 
-QString instructions()
-{
-    const Workspace &workspace = Workspace::shared();
-    return instructions(workspace.name, workspace.data());
-}
-
 QString context(const RuntimeState &state, std::optional<int> loadedVersion, const QString &compiler,
                 const Workspace &workspace, const QDateTime &now, const QLocale &locale)
 {
@@ -137,14 +131,10 @@ QString context(const RuntimeState &state, std::optional<int> loadedVersion, con
         .join(u'\n');
 }
 
-QString context(const Runtime *runtime)
+QString context(const Runtime &runtime)
 {
-    const QDateTime now = QDateTime::currentDateTime();
-    if (!runtime)
-        return context(RuntimeState(), std::nullopt, Toolchain().description(), Workspace::shared(), now,
-                       QLocale::system());
-    return context(runtime->state(), runtime->loadedVersion(), runtime->toolchainDescription(), runtime->workspace(),
-                   now, QLocale::system());
+    return context(runtime.state(), runtime.loadedVersion(), runtime.toolchainDescription(), runtime.workspace(),
+                   QDateTime::currentDateTime(), QLocale::system());
 }
 
 QString relativeAge(const QDateTime &date, const QDateTime &now)

@@ -19,8 +19,6 @@ namespace Instructions {
 
 // The system prompt for the copy named `name`, whose app keeps its files in `dataFolder`.
 QString instructions(const QString &name, const QString &dataFolder);
-// The prompt of this process's copy, built anew so that a renamed copy is named anew.
-QString instructions();
 
 // What the UI kit supports, as carried in the program; empty in a build without the list.
 QString kitList();
@@ -29,8 +27,8 @@ QString kitList();
 // files and today's date. `loadedVersion` is the version in the window, if any.
 QString context(const RuntimeState &state, std::optional<int> loadedVersion, const QString &compiler,
                 const Workspace &workspace, const QDateTime &now, const QLocale &locale);
-// The same from the running `runtime` of this process's copy; without one, nothing runs.
-QString context(const Runtime *runtime);
+// The same from the running `runtime`.
+QString context(const Runtime &runtime);
 
 // `date` as people say it relative to `now`: "2 hours ago", "yesterday", "last week".
 QString relativeAge(const QDateTime &date, const QDateTime &now);

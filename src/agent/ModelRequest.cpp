@@ -19,17 +19,16 @@ constexpr qsizetype wholeScreenshotKeep = 3;
 constexpr qsizetype chainedScreenshotKeep = std::numeric_limits<qsizetype>::max();
 
 using HistoryUpkeep::attachingScreenshots;
-using Instructions::instructions;
 
-QString missingKeyMessage()
+QString missingKeyMessage(const QString &copyName)
 {
-    return QStringLiteral("Add your OpenAI API key first (%1 → Settings…).").arg(Workspace::shared().name);
+    return QStringLiteral("Add your OpenAI API key first (%1 → Settings…).").arg(copyName);
 }
 
 // The plan's access token comes with a signed-in ChatGPT account; without one there is none.
-QString signInMessage()
+QString signInMessage(const QString &copyName)
 {
-    return QStringLiteral("Sign in with ChatGPT first (%1 → Settings…).").arg(Workspace::shared().name);
+    return QStringLiteral("Sign in with ChatGPT first (%1 → Settings…).").arg(copyName);
 }
 
 JSON::Array toArray(const QList<JSON> &list)
@@ -93,24 +92,26 @@ JSON buildFunctions()
 
 } // namespace
 
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh)
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QString copyName)
 {
     Q_UNUSED(task);
     Q_UNUSED(refresh);
     if (provider == Provider::ChatGPT)
-        throw Workspace::Failure(signInMessage());
+        throw Failure(signInMessage(copyName));
     const std::optional<QString> key = AgentConfig::effectiveKey();
     if (!key)
-        throw Workspace::Failure(missingKeyMessage());
+        throw Failure(missingKeyMessage(copyName));
     co_return *key;
 }
 
 JSON request(const Agent &agent, Provider provider)
 {
-    return body(provider, agent.history, agent.pendingInput, agent.previousResponseID, agent.conversationID());
+    const Workspace &workspace = agent.workspace();
+    return body(Instructions::instructions(workspace.name, workspace.data()), provider, agent.history(),
+                agent.pendingInput(), agent.previousResponseID(), agent.conversationID());
 }
 
-JSON body(Provider provider, const QList<JSON> &history, const QList<JSON> &pendingInput,
+JSON body(const QString &instructions, Provider provider, const QList<JSON> &history, const QList<JSON> &pendingInput,
           const std::optional<QString> &previousResponseID, const QUuid &conversationID)
 {
     const bool chained = provider == Provider::APIKey && previousResponseID.has_value();
@@ -123,7 +124,7 @@ JSON body(Provider provider, const QList<JSON> &history, const QList<JSON> &pend
 
     JSON body = JSON::object({
         {QStringLiteral("model"), AgentConfig::model()},
-        {QStringLiteral("instructions"), instructions()},
+        {QStringLiteral("instructions"), instructions},
         {QStringLiteral("input"), JSON(std::move(input))},
         {QStringLiteral("tools"), tools()},
         {QStringLiteral("stream"), true},

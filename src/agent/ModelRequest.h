@@ -21,15 +21,17 @@ class Agent;
 namespace ModelRequest {
 
 // The credential for `provider`: the plan's access token, or the saved API key, else the
-// environment's. Raises Workspace::Failure with words for the user when there is none.
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh);
+// environment's. Raises Failure with words for the user, who finds the settings in the menu
+// named `copyName`, when there is none.
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QString copyName);
 
 // The body of the agent's next request. Changes nothing.
 JSON request(const Agent &agent, Provider provider);
 
-// The same from the parts of a conversation. On the API-key path with a previous response
-// only the pending input goes out, chained to it; otherwise the whole conversation does.
-JSON body(Provider provider, const QList<JSON> &history, const QList<JSON> &pendingInput,
+// The same from the system prompt and the parts of a conversation. On the API-key path with
+// a previous response only the pending input goes out, chained to it; otherwise the whole
+// conversation does.
+JSON body(const QString &instructions, Provider provider, const QList<JSON> &history, const QList<JSON> &pendingInput,
           const std::optional<QString> &previousResponseID, const QUuid &conversationID);
 
 // The catalog: one namespace "zentoro" that holds `functions`. Built once.

@@ -1,10 +1,7 @@
 #include "agent/Recovery.h"
 
 #include "agent/Agent.h"
-#include "agent/HistoryUpkeep.h"
 #include "model_service/AgentConfig.h"
-
-#include <algorithm>
 
 namespace zentoro {
 
@@ -16,27 +13,10 @@ constexpr int waitLimit = 2;
 // What the rules that need no waiting decided.
 enum class Decision { Retry, Refuse, WaitForPlan };
 
-bool isType(const JSON &item, QStringView type)
-{
-    return item.stringAt(QStringLiteral("type")) == type;
-}
-
 bool chainLost(const OpenAI::Failure &failure, const QString &message)
 {
     return failure.param == u"previous_response_id" || message.contains(u"previous_response") ||
            message.contains(u"previous response");
-}
-
-void dropChain(Agent &agent)
-{
-    agent.previousResponseID.reset();
-    if (!agent.history.isEmpty())
-        return;
-    // The chain was all there was: the calls of these outputs are gone with it.
-    agent.pendingInput.removeIf([](const JSON &item) { return isType(item, u"function_call_output"); });
-    agent.pendingInput.prepend(Agent::message(
-        QStringLiteral("developer"),
-        QStringLiteral("Earlier parts of this conversation were lost; look at the files again before relying on them.")));
 }
 
 bool planBusy(const OpenAI::Failure &failure)
@@ -48,21 +28,17 @@ bool planBusy(const OpenAI::Failure &failure)
 Decision decide(Agent &agent, const OpenAI::Failure &failure, Provider provider, Recovery &recovery)
 {
     const QString message = failure.message.toLower();
-    if (agent.previousResponseID && !recovery.droppedResponse && chainLost(failure, message)) {
+    if (agent.previousResponseID() && !recovery.droppedResponse && chainLost(failure, message)) {
         recovery.droppedResponse = true;
-        dropChain(agent);
+        agent.dropResponseChain();
         return Decision::Retry;
     }
-    if (failure.code == u"context_length_exceeded" && recovery.trims < trimLimit &&
-        HistoryUpkeep::trimHistory(agent.history, agent.pendingInput)) {
+    if (failure.code == u"context_length_exceeded" && recovery.trims < trimLimit && agent.trimHistory()) {
         ++recovery.trims;
         return Decision::Retry;
     }
-    if (message.contains(u"encrypted") && !recovery.droppedReasoning &&
-        std::any_of(agent.history.begin(), agent.history.end(),
-                    [](const JSON &item) { return isType(item, u"reasoning"); })) {
+    if (message.contains(u"encrypted") && !recovery.droppedReasoning && agent.dropReasoning()) {
         recovery.droppedReasoning = true;
-        agent.history.removeIf([](const JSON &item) { return isType(item, u"reasoning"); });
         return Decision::Retry;
     }
     if (provider == Provider::ChatGPT && failure.status == 401 && !recovery.refreshed) {
@@ -114,14 +90,6 @@ ChatItem failureRow(const OpenAI::Failure &failure, Provider provider, const Pla
 }
 
 } // namespace
-
-PlanService PlanService::standard()
-{
-    QString origin = qEnvironmentVariable("ZENTORO_CHATGPT_BASE", QStringLiteral("https://chatgpt.com"));
-    while (origin.endsWith(u'/'))
-        origin.chop(1);
-    return PlanService{QUrl(origin + QStringLiteral("/settings/usage")), std::chrono::seconds(5)};
-}
 
 namespace FailureRecovery {
 

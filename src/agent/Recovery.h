@@ -1,15 +1,13 @@
 #pragma once
 
 #include "agent/ChatItem.h"
+#include "agent/PlanService.h"
 #include "core/MainTask.h"
 #include "model_service/Failures.h"
 #include "model_service/Provider.h"
 
-#include <QUrl>
-
 #include <QCoroTask>
 
-#include <chrono>
 #include <exception>
 
 namespace zentoro {
@@ -26,16 +24,6 @@ struct Recovery {
     int waits = 0;
 
     bool operator==(const Recovery &) const = default;
-};
-
-// What recovery needs of the ChatGPT plan's service: where its usage is managed, and how
-// long a busy plan is given before each new attempt (the first wait one unit, the second two).
-struct PlanService {
-    QUrl usageURL;
-    std::chrono::milliseconds busyWait{5000};
-
-    // The service's own usage page, under $ZENTORO_CHATGPT_BASE when that is set.
-    static PlanService standard();
 };
 
 namespace FailureRecovery {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "agent/ChatItem.h"
+#include "agent/ConversationSummary.h"
 #include "core/JSON.h"
 
 #include <QByteArray>

@@ -1,5 +1,8 @@
 #include "core/MainTask.h"
 
+#include "core/DescribedError.h"
+#include "core/Log.h"
+
 #include <QTimer>
 
 #include <QCoroSignal>
@@ -36,13 +39,20 @@ QCoro::Task<> TaskHandle::finished() const
 
 namespace {
 
+// A task's body reports its own failures; one that escapes only ends the task, and is told
+// here so that it is seen at all.
+void logEscaped(std::exception_ptr error)
+{
+    qCWarning(logCore, "A task ended on an error it didn't handle: %s", qUtf8Printable(describe(error)));
+}
+
 QCoro::Task<> runToEnd(std::function<QCoro::Task<>(TaskHandle)> body, TaskHandle handle,
                        std::shared_ptr<detail::TaskState> state)
 {
     try {
         co_await body(handle);
     } catch (...) {
-        // A task's body reports its own failures; one that escapes only ends the task.
+        logEscaped(std::current_exception());
     }
     state->finished = true;
     emit state->ended();

@@ -52,8 +52,8 @@ private:
 };
 
 // Starts `body` as a task on the main thread and returns its handle at once. The body
-// runs until its first suspension before this returns. Exceptions that escape the body
-// end the task; they are the body's own business to report.
+// runs until its first suspension before this returns. An exception that escapes the body
+// ends the task and is logged as a warning; reporting it to the user is the body's business.
 TaskHandle startTask(std::function<QCoro::Task<>(TaskHandle)> body);
 
 // Waits for `duration`, or less if `task` is cancelled meanwhile. Returns true when the

@@ -1,5 +1,6 @@
 #include "model_service/OpenAI.h"
 
+#include "core/Log.h"
 #include "model_service/ResponseStream.h"
 
 #include <QCoreApplication>
@@ -129,6 +130,10 @@ private:
 
     void end(std::exception_ptr failure, bool abort)
     {
+        if (failure)
+            qCDebug(logModel, "The response failed (HTTP status %d): %s", status_, qUtf8Printable(describe(failure)));
+        else
+            qCDebug(logModel, "The response is complete (HTTP status %d).", status_);
         hasEnded_ = true;
         failure_ = std::move(failure);
         release(abort);
@@ -161,6 +166,12 @@ private:
     std::exception_ptr failure_;
 };
 
+// Never the request's headers: they carry the credential.
+void logRequest(const QUrl &url, qsizetype bytes)
+{
+    qCDebug(logModel, "Sending a request of %lld bytes to %s.", qlonglong(bytes), qUtf8Printable(url.toString()));
+}
+
 } // namespace
 
 QString origin()
@@ -184,6 +195,7 @@ QCoro::Task<JSON> respond(const TaskHandle &task, const QString &bearer, const J
     request.setRawHeader("User-Agent", "Zentoro/" ZENTORO_VERSION);
     request.setTransferTimeout(requestTimeoutMilliseconds);
 
+    logRequest(request.url(), encoded.size());
     QNetworkReply *reply = manager().post(request, encoded);
     // The reply passes its read-buffer size to the network thread only once its request has
     // started, which post() leaves to the event loop; a size set before that is never applied.

@@ -1,6 +1,7 @@
 #include "runtime/CrashLog.h"
 
 #include "core/Defaults.h"
+#include "runtime/Watchdog.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -165,6 +166,9 @@ std::optional<PreviousCrash> start(const QString &logs)
     if (!Defaults::flag(QStringLiteral("ZentoroNoLogRedirect")))
         redirectOutput(current);
     installHandler();
+    // For the life of the process, like the redirection it looks after.
+    static const Watchdog *const watchdog = new Watchdog();
+    Q_UNUSED(watchdog);
 
     const QByteArray header = QStringLiteral("Zentoro started %1, pid %2\n")
                                   .arg(QDateTime::currentDateTimeUtc().toString(Qt::ISODate))

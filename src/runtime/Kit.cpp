@@ -1,14 +1,19 @@
 #include "runtime/Kit.h"
 
+#include "core/Log.h"
 #include "runtime/BuildSteps.h"
 #include "runtime/Shell.h"
 #include "runtime/Workspace.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QThread>
 #include <QUuid>
+
+#include <algorithm>
 
 // The kit's sources live in a resource list of the static core library; naming its
 // initialiser keeps it linked into every program that builds the kit.
@@ -112,6 +117,16 @@ QString targetTriple()
 #endif
 }
 
+void logBuilding(const QString &folder)
+{
+    qCInfo(logKit, "Building the UI kit into %s; this takes a minute or two.", qUtf8Printable(folder));
+}
+
+void logFailure(int status, const QString &output)
+{
+    qCWarning(logKit, "The UI kit didn't build (swiftc status %d):\n%s", status, qUtf8Printable(output));
+}
+
 } // namespace
 
 QString version()
@@ -141,6 +156,17 @@ QString cacheFolder(const QString &compilerVersion)
     return Workspace::support() + QStringLiteral("/KitCache/") + identity(compilerVersion);
 }
 
+QString preparedFolder(const QString &compilerVersion)
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/KitCache/") + identity(compilerVersion);
+}
+
+bool isReady(const QString &compilerVersion)
+{
+    const QString kit = identity(compilerVersion);
+    return isComplete(preparedFolder(compilerVersion), kit) || isComplete(cacheFolder(compilerVersion), kit);
+}
+
 QStringList appArguments(const QString &folder)
 {
     const QString name = QFileInfo(folder).fileName();
@@ -151,11 +177,20 @@ QStringList appArguments(const QString &folder)
 
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
 {
-    const QString folder = cacheFolder(compilerVersion);
-    const QString kit = identity(compilerVersion);
+    const QString prepared = preparedFolder(compilerVersion);
+    if (isComplete(prepared, identity(compilerVersion)))
+        co_return Build{appArguments(prepared), {}};
+    co_return co_await buildInto(cacheFolder(compilerVersion), task, swiftc);
+}
+
+QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, const QString &swiftc)
+{
+    // The folder is named by the kit's identity, which names its library too.
+    const QString kit = QFileInfo(folder).fileName();
     const QString library = libraryName(kit);
     if (isComplete(folder, kit))
         co_return Build{appArguments(folder), {}};
+    logBuilding(folder);
 
     const QString staging = QFileInfo(folder).path() + QStringLiteral("/.building-")
         + QUuid::createUuid().toString(QUuid::WithoutBraces);
@@ -172,7 +207,10 @@ QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, co
                           QStringLiteral("-module-name"), QStringLiteral("SwiftUI"),
                           QStringLiteral("-target"), targetTriple(),
                           QStringLiteral("-swift-version"), QStringLiteral("5"),
-                          QStringLiteral("-O"),
+                          // One module in one frontend, its code generated on every core: the
+                          // optimiser, not type checking, takes most of the time.
+                          QStringLiteral("-O"), QStringLiteral("-wmo"),
+                          QStringLiteral("-num-threads"), QString::number(std::max(1, QThread::idealThreadCount())),
                           QStringLiteral("-I"), include,
                           QStringLiteral("-module-cache-path"), staging + QStringLiteral("/ModuleCache"),
                           QStringLiteral("-emit-module-path"), staging + u'/' + module,
@@ -184,6 +222,7 @@ QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, co
     if (result.status != 0 || !isComplete(staging, kit)) {
         const QString failure = failureText(result, staging);
         QDir(staging).removeRecursively();
+        logFailure(result.status, result.output.trimmed());
         co_return Build{{}, failure};
     }
     // What app builds need next to the library: the module and the host interface's module map.

@@ -35,14 +35,26 @@ QString libraryName(const QString &identity);
 // `support/KitCache/<identity>`, shared by all copies.
 QString cacheFolder(const QString &compilerVersion);
 
+// `KitCache/<identity>` beside the program: the kit as `make` prepared it while building
+// Zentoro, so a new user's first build doesn't wait for it. Used as it is when complete;
+// never written by a running copy.
+QString preparedFolder(const QString &compilerVersion);
+
+// Whether the kit for this compiler is there, prepared or cached, so a build needn't wait for it.
+bool isReady(const QString &compilerVersion);
+
 // -I, -L, -l and the run path for apps built against the kit in `folder`.
 QStringList appArguments(const QString &folder);
 
 // Makes sure the kit is in the cache for this compiler, building it there when it is not:
 // in a folder of its own that is renamed into place, so a copy that builds at the same
 // time, or a crash, never leaves a half-written cache. The compiler runs off the main thread.
-// A failure's words are cleaned like any build output: paths relative to the kit's sources,
-// cut to the same length.
+// The prepared kit beside the program comes first when it is there. A failure's words are
+// cleaned like any build output: paths relative to the kit's sources, cut to the same length.
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion);
+
+// Builds the kit into `folder` unless it is complete there already, staged beside it and
+// renamed into place.
+QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, const QString &swiftc);
 
 } // namespace zentoro::Kit

@@ -31,30 +31,4 @@ struct KitEntryPoints {
     static std::shared_ptr<const KitEntryPoints> find(void *library, QString &error);
 };
 
-// Keeps the kit's main queue and main run loop going inside Qt's event loop: watches the
-// queue's descriptor and wakes up for the run loop's next timer. One per process, started
-// by the first hosted view.
-namespace KitMainQueue {
-void start(const std::shared_ptr<const KitEntryPoints> &kit);
-// Runs what is due now; called after every call into the kit.
-void service();
-} // namespace KitMainQueue
-
-} // namespace zentoro
-
-#include <QObject>
-#include <functional>
-
-namespace zentoro {
-
-// Tells a hosted text field's focus changes to the kit.
-class FocusWatcher : public QObject {
-public:
-    FocusWatcher(QObject *parent, std::function<void(bool)> changed) : QObject(parent), changed_(std::move(changed)) {}
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
-private:
-    std::function<void(bool)> changed_;
-};
-
 } // namespace zentoro

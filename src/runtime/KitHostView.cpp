@@ -1,13 +1,18 @@
 #include "runtime/KitHostView.h"
 
+#include "core/Log.h"
 #include "runtime/KitEntryPoints.h"
+#include "runtime/KitMainQueue.h"
 #include "runtime/KitPainting.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPaintEvent>
 #include <QPainter>
+
+#include <functional>
 
 namespace zentoro {
 
@@ -89,6 +94,7 @@ KitHostView::KitHostView(void *library, void *rootView, QWidget *parent)
     if (!kit_ || !root_) {
         if (error_.isEmpty())
             error_ = QStringLiteral("The library made no view.");
+        qCWarning(logKit, "The version can't be hosted: %s", qUtf8Printable(error_));
         return;
     }
     *host_ = ZentoroHost{ZENTORO_HOST_INTERFACE_VERSION,
@@ -211,6 +217,23 @@ void KitHostView::changeEvent(QEvent *event)
 }
 
 namespace {
+
+// Tells a hosted text field's focus changes to the kit.
+class FocusWatcher : public QObject {
+public:
+    FocusWatcher(QObject *parent, std::function<void(bool)> changed) : QObject(parent), changed_(std::move(changed)) {}
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+            changed_(event->type() == QEvent::FocusIn);
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void(bool)> changed_;
+};
+
 int modifierBits(Qt::KeyboardModifiers modifiers)
 {
     return (modifiers & Qt::ShiftModifier ? ZENTORO_MODIFIER_SHIFT : 0) | (modifiers & Qt::ControlModifier ? ZENTORO_MODIFIER_CONTROL : 0)

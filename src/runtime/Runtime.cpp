@@ -1,6 +1,7 @@
 #include "runtime/Runtime.h"
 
 #include "core/AtomicFile.h"
+#include "core/Log.h"
 #include "runtime/DiskFull.h"
 #include "runtime/KitEntryPoints.h"
 #include "runtime/PluginContainerView.h"
@@ -8,8 +9,6 @@
 #include <QFile>
 
 #include <dlfcn.h>
-
-#include <cstdio>
 
 namespace zentoro {
 
@@ -66,6 +65,14 @@ void Runtime::setToolchain(Toolchain toolchain)
         return;
     toolchain_ = std::move(toolchain);
     emit toolchainChanged();
+}
+
+void Runtime::setIsPreparingKit(bool preparing)
+{
+    if (isPreparingKit_ == preparing)
+        return;
+    isPreparingKit_ = preparing;
+    emit isPreparingKitChanged();
 }
 
 void Runtime::setIsBuilding(bool building)
@@ -143,6 +150,7 @@ std::optional<QString> Runtime::load(int version)
         KitEntryPoints::find(handle, error);
     }
     if (!error.isEmpty()) {
+        qCWarning(logRuntime, "Couldn't load version %d: %s", version, qUtf8Printable(error));
         RuntimeState failed = state_;
         failed.loading.reset();
         failed.current = fallback;
@@ -163,8 +171,7 @@ std::optional<QString> Runtime::load(int version)
         emit safeModeChanged();
     emit generationChanged();
     keepSavingHostedSettings();
-    std::printf("Zentoro: loaded version %d\n", version);
-    std::fflush(stdout);
+    qCInfo(logRuntime, "Zentoro: loaded version %d", version);
 
     return std::nullopt;
 }

@@ -30,6 +30,7 @@ class Runtime : public QObject {
     Q_OBJECT
     Q_PROPERTY(int generation READ generation NOTIFY generationChanged)
     Q_PROPERTY(bool isBuilding READ isBuilding NOTIFY isBuildingChanged)
+    Q_PROPERTY(bool isPreparingKit READ isPreparingKit NOTIFY isPreparingKitChanged)
     Q_PROPERTY(bool safeMode READ safeMode NOTIFY safeModeChanged)
 
 public:
@@ -42,7 +43,7 @@ public:
     // The summary of a version built from the starter app.
     static QString originalAppSummary() { return QStringLiteral("The original app"); }
 
-    explicit Runtime(Workspace workspace = Workspace::shared(), QObject *parent = nullptr);
+    explicit Runtime(Workspace workspace, QObject *parent = nullptr);
 
     const Workspace &workspace() const { return workspace_; }
     const RuntimeState &state() const { return state_; }
@@ -51,6 +52,9 @@ public:
     std::optional<int> loadedVersion() const { return loadedVersion_; }
     int generation() const { return generation_; }
     bool isBuilding() const { return isBuilding_; }
+    // The build under way is compiling the UI kit for this compiler first, which only the
+    // first build on a computer does, and which takes a while.
+    bool isPreparingKit() const { return isPreparingKit_; }
     bool safeMode() const { return safeMode_; }
     const std::optional<Banner> &banner() const { return banner_; }
     void setBanner(std::optional<Banner> banner);
@@ -115,6 +119,7 @@ signals:
     void loadedVersionChanged();
     void generationChanged();
     void isBuildingChanged();
+    void isPreparingKitChanged();
     void safeModeChanged();
     void bannerChanged();
 
@@ -123,6 +128,7 @@ private:
     void saveState(RuntimeState state);
     void setToolchain(Toolchain toolchain);
     void setIsBuilding(bool building);
+    void setIsPreparingKit(bool preparing);
     QCoro::Task<BuildOutcome> compileAndLoad(int number, QString summary);
     // The number the next build takes: `nextNumber`, or past it while a version folder there
     // isn't empty, so that a lost "state.json" never costs a version.
@@ -163,6 +169,7 @@ private:
     std::optional<int> loadedVersion_;
     int generation_ = 0;
     bool isBuilding_ = false;
+    bool isPreparingKit_ = false;
     bool safeMode_ = false;
     std::optional<Banner> banner_;
     Factory factory_ = nullptr;

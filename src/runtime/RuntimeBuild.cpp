@@ -7,6 +7,7 @@
 #include "runtime/Shell.h"
 
 #include "core/AtomicFile.h"
+#include "core/Log.h"
 
 #include <QDir>
 #include <QCoroSignal>
@@ -31,6 +32,17 @@ bool copyFolder(const QString &from, const QString &to)
             copied = QFile::copy(entry.filePath(), target) && copied;
     }
     return copied;
+}
+
+void logCompile(int number, qsizetype files)
+{
+    qCDebug(logRuntime, "Compiling version %d from %lld source files.", number, qlonglong(files));
+}
+
+void logCompiled(int number, int status, qint64 milliseconds)
+{
+    qCDebug(logRuntime, "The compiler ended with status %d for version %d after %lld ms.", status, number,
+            qlonglong(milliseconds));
 }
 
 } // namespace
@@ -80,7 +92,9 @@ QCoro::Task<Runtime::Compilation> Runtime::compile(int number, QString sources, 
     AtomicFile::write(entry, BuildSteps::entryFile(workspace_.name, workspace_.defaultsSuite()).toUtf8());
 
     const Toolchain::Compiler compiler = *toolchain_.compiler();
+    setIsPreparingKit(!Kit::isReady(compiler.version));
     const Kit::Build kit = co_await Kit::ensureBuilt(TaskHandle(), compiler.swiftc, compiler.version);
+    setIsPreparingKit(false);
     if (!kit.ok()) {
         if (DiskFull::explainsBuildFailure(kit.error, workspace_.build()))
             co_return Compilation{DiskFull::buildFailure(), {}};
@@ -94,7 +108,11 @@ QCoro::Task<Runtime::Compilation> Runtime::compile(int number, QString sources, 
     inputs.kitFlags = kit.arguments;
     inputs.files = QStringList(entry) + files;
     const QStringList arguments = BuildSteps::compilerArguments(inputs);
+    QElapsedTimer clock;
+    clock.start();
+    logCompile(number, files.size());
     const Shell::Result result = co_await Shell::run(compiler.swiftc, arguments, workspace_.build());
+    logCompiled(number, result.status, clock.elapsed());
     const QString cleaned = BuildSteps::clean(result.output, sources, entry);
     if (result.status == 0 && QFile::exists(output))
         co_return Compilation{std::nullopt, cleaned};

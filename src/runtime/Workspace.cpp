@@ -29,12 +29,6 @@ namespace zentoro {
 
 namespace {
 
-Workspace &sharedStorage()
-{
-    static Workspace workspace;
-    return workspace;
-}
-
 const QString seedFolder = QStringLiteral(":/Seed");
 
 QString systemWords(const std::error_code &error)
@@ -122,14 +116,9 @@ QString Workspace::support()
     return supportFolder();
 }
 
-const Workspace &Workspace::shared()
+Workspace Workspace::forExecutable(const QString &argv0)
 {
-    return sharedStorage();
-}
-
-void Workspace::initShared(const QString &argv0)
-{
-    sharedStorage() = forName(nameFromExecutable(argv0, qEnvironmentVariable("APPIMAGE")));
+    return forName(nameFromExecutable(argv0, qEnvironmentVariable("APPIMAGE")));
 }
 
 QString Workspace::conversation(const QUuid &id) const

@@ -22,9 +22,8 @@ struct Workspace {
     static Workspace forName(const QString &name);
     // `$XDG_DATA_HOME/Zentoro`, shared by all copies.
     static QString support();
-    // The Workspace of the running process; set up by `initShared` at start.
-    static const Workspace &shared();
-    static void initShared(const QString &argv0);
+    // The copy of the process started as `argv0` (or as the running AppImage).
+    static Workspace forExecutable(const QString &argv0);
 
     QString sources() const { return root + QStringLiteral("/Sources"); }
     QString versions() const { return root + QStringLiteral("/Versions"); }

@@ -8,6 +8,7 @@
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
 #include "ui/LazyColumn.h"
+#include "ui/SetupRows.h"
 #include "ui/PanelStyle.h"
 #include "ui/WorkingRow.h"
 
@@ -73,8 +74,22 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
                             [this](qsizetype row, int width) {
                                 return TranscriptRows::estimatedHeight(shown_[row], width, fontMetrics());
                             });
+    // At the head of the transcript: the way to connect while there is none, then the empty state.
+    auto *head = new QWidget;
+    auto *headColumn = new QVBoxLayout(head);
+    headColumn->setContentsMargins(0, 0, 0, 0);
+    headColumn->setSpacing(14);
+    accessBox_ = new QFrame;
+    accessBox_->setObjectName(QStringLiteral("access"));
+    accessBox_->setStyleSheet(QStringLiteral("#access { background: palette(alternate-base); border-radius: 10px; }"));
+    auto *accessColumn = new QVBoxLayout(accessBox_);
+    accessColumn->setContentsMargins(14, 14, 14, 14);
+    accessRow_ = new AgentAccessRow(agent_);
+    accessColumn->addWidget(accessRow_);
+    headColumn->addWidget(accessBox_);
     emptyState_ = new EmptyState;
-    transcript_->setHeader(emptyState_);
+    headColumn->addWidget(emptyState_);
+    transcript_->setHeader(head);
     workingRow_ = new WorkingRow(agent_);
     transcript_->setFooter(workingRow_);
     column->addWidget(transcript_, 1);
@@ -207,6 +222,12 @@ void AgentPanel::syncState()
     composer_->setRunning(running);
     composer_->setCanSend(canSend());
     emptyState_->setSuggestionsEnabled(hasProvider && !running);
+    if (accessBox_->isHidden() == hasProvider) {
+        accessBox_->setVisible(!hasProvider);
+        transcript_->layoutNow();
+    } else {
+        accessBox_->setVisible(!hasProvider);
+    }
     workingRow_->setVisible(running);
     newConversation_->setEnabled(!shown_.isEmpty());
     conversations_->setEnabled(!agent_.conversations().isEmpty());

@@ -3,6 +3,7 @@
 #include "agent/ChatItem.h"
 #include "ui/TranscriptRows.h"
 
+#include <QFrame>
 #include <QLabel>
 #include <QSet>
 #include <QToolButton>
@@ -12,6 +13,7 @@
 namespace zentoro {
 
 class Agent;
+class AgentAccessRow;
 class Composer;
 class EmptyState;
 class LazyColumn;
@@ -32,6 +34,8 @@ public:
     LazyColumn *transcript() const { return transcript_; }
     Composer *composer() const { return composer_; }
     EmptyState *emptyState() const { return emptyState_; }
+    // At the head of the transcript while no provider is available.
+    AgentAccessRow *accessRow() const { return accessRow_; }
     WorkingRow *workingRow() const { return workingRow_; }
     QToolButton *conversationsButton() const { return conversations_; }
     QToolButton *newConversationButton() const { return newConversation_; }
@@ -57,6 +61,8 @@ private:
     QToolButton *newConversation_ = nullptr;
     LazyColumn *transcript_ = nullptr;
     EmptyState *emptyState_ = nullptr;
+    QFrame *accessBox_ = nullptr;
+    AgentAccessRow *accessRow_ = nullptr;
     WorkingRow *workingRow_ = nullptr;
     Composer *composer_ = nullptr;
     bool focusedOnce_ = false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "agent/ChatItem.h"
+#include "agent/ConversationSummary.h"
 
 #include <QDateTime>
 #include <QList>

@@ -1,16 +1,17 @@
 #include "ui/MainWindow.h"
 
 #include "core/Defaults.h"
+#include "core/Log.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
 #include "ui/AgentPanel.h"
 #include "ui/BannerView.h"
 #include "ui/Brand.h"
-#include "ui/Commands.h"
 #include "ui/Icons.h"
 #include "ui/SetupView.h"
+#include "ui/Spinner.h"
 #include "ui/VersionMenu.h"
-#include "ui/WorkingRow.h"
+#include "ui/ZentoroCommands.h"
 
 #include <QMenu>
 #include <QSplitter>
@@ -139,7 +140,8 @@ void MainWindow::paintEvent(QPaintEvent *event)
         return;
     toldFirstFrame_ = true;
     const int version = *runtime_.loadedVersion();
-    QMetaObject::invokeMethod(this, [version] { qInfo("Showing version %d.", version); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [version] { qCInfo(logUI, "Showing version %d.", version); }, Qt::QueuedConnection);
 }
 
 bool MainWindow::showsSetup() const

@@ -3,13 +3,8 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
-#include <atomic>
-#include <thread>
-
 #include <fcntl.h>
-#include <semaphore.h>
 #include <signal.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace zentoro::QuitSignals {
@@ -17,40 +12,30 @@ namespace zentoro::QuitSignals {
 namespace {
 
 int pipeEnds[2] = {-1, -1};
-sem_t firstSignal;
-std::atomic<int> received{0};
-std::atomic<int> whichSignal{0};
+volatile sig_atomic_t received = 0;
 
-// Lets the signal do what it does when nobody handles it.
-void endBy(int signal)
+// The quit asked for, carried out by the system: the hosted app's code shares the main thread
+// and may hold it, so an orderly quit can't be the only way out.
+extern "C" void endNow(int)
 {
+    const int signal = received;
     ::signal(signal, SIG_DFL);
     ::raise(signal);
 }
 
-// A signal handler may only write, post and raise. The first signal asks the event loop to
-// quit and wakes the watchdog; a second one ends the process at once.
+// A signal handler may only write; the event loop reads the byte and quits. A second signal,
+// or none answered within a few seconds, ends the process as that signal would have.
 extern "C" void askToQuit(int signal)
 {
-    if (received.fetch_add(1) > 0) {
-        endBy(signal);
+    if (received) {
+        endNow(signal);
         return;
     }
-    whichSignal.store(signal);
+    received = signal;
+    ::signal(SIGALRM, endNow);
+    ::alarm(orderlySeconds);
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(pipeEnds[1], &byte, 1);
-    ::sem_post(&firstSignal);
-}
-
-void watch()
-{
-    while (::sem_wait(&firstSignal) != 0) {
-    }
-    timespec remaining{std::chrono::duration_cast<std::chrono::seconds>(grace).count(), 0};
-    while (::clock_nanosleep(CLOCK_MONOTONIC, 0, &remaining, &remaining) != 0) {
-    }
-    // Still here: the orderly quit never came to its end.
-    endBy(whichSignal.load());
 }
 
 } // namespace
@@ -59,8 +44,6 @@ void install()
 {
     if (pipeEnds[0] >= 0 || ::pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0)
         return;
-    ::sem_init(&firstSignal, 0, 0);
-    std::thread(watch).detach();
     auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [] {
         char byte = 0;

@@ -5,7 +5,7 @@
 #include "runtime/Runtime.h"
 #include "ui/Icons.h"
 #include "ui/PanelStyle.h"
-#include "ui/WorkingRow.h"
+#include "ui/Spinner.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

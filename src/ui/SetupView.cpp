@@ -5,12 +5,14 @@
 #include "ui/Brand.h"
 #include "ui/PanelStyle.h"
 #include "ui/SetupRows.h"
-#include "ui/WorkingRow.h"
+#include "ui/Spinner.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace zentoro {
@@ -36,7 +38,8 @@ public:
 
 SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
     : QScrollArea(parent), runtime_(runtime), toolchain_(new ToolchainRow(runtime)), access_(new AgentAccessRow(agent)),
-      building_(new QWidget), status_(new QLabel), button_(new QPushButton)
+      building_(new QWidget), buildingText_(new QLabel), preparing_(new QProgressBar), preparingTick_(new QTimer(this)),
+      status_(new QLabel), button_(new QPushButton)
 {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
@@ -79,11 +82,20 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
     needs->addWidget(access_);
     outer->addWidget(box, 0, Qt::AlignHCenter);
 
-    auto *buildingRow = new QHBoxLayout(building_);
-    buildingRow->setContentsMargins(0, 0, 0, 0);
+    auto *buildingColumn = new QVBoxLayout(building_);
+    buildingColumn->setContentsMargins(0, 0, 0, 0);
+    auto *buildingRow = new QHBoxLayout;
     buildingRow->addWidget(new Spinner);
-    buildingRow->addWidget(new QLabel(QStringLiteral("Building the app…")));
+    buildingRow->addWidget(buildingText_);
+    buildingColumn->addLayout(buildingRow);
+    preparing_->setRange(0, 0);
+    preparing_->setTextVisible(false);
+    preparing_->setFixedHeight(6);
+    preparing_->setAccessibleName(QStringLiteral("Preparing SwiftUI"));
+    buildingColumn->addWidget(preparing_);
     outer->addWidget(building_, 0, Qt::AlignHCenter);
+    preparingTick_->setInterval(1000);
+    connect(preparingTick_, &QTimer::timeout, this, &SetupView::showBuilding);
     PanelStyle::setTextColor(status_, PanelStyle::secondary(palette()));
     status_->setAlignment(Qt::AlignHCenter);
     outer->addWidget(status_, 0, Qt::AlignHCenter);
@@ -106,6 +118,15 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
     for (auto signal : {&Runtime::isBuildingChanged, &Runtime::safeModeChanged, &Runtime::toolchainChanged,
                         &Runtime::stateChanged})
         connect(&runtime_, signal, this, &SetupView::sync);
+    connect(&runtime_, &Runtime::isPreparingKitChanged, this, [this] {
+        if (runtime_.isPreparingKit()) {
+            preparingClock_.start();
+            preparingTick_->start();
+        } else {
+            preparingTick_->stop();
+        }
+        showBuilding();
+    });
     sync();
 }
 
@@ -122,14 +143,25 @@ std::optional<int> SetupView::versionToRun() const
 QString SetupView::statusText() const
 {
     if (!building_->isHidden())
-        return QStringLiteral("Building the app…");
+        return buildingText_->text();
     return status_->isHidden() ? QString() : status_->text();
+}
+
+// What the build under way is doing; the first one on a computer says how long it has taken.
+void SetupView::showBuilding()
+{
+    const bool preparing = runtime_.isPreparingKit();
+    buildingText_->setText(preparing ? QStringLiteral("Preparing SwiftUI for this computer… %1 s")
+                                           .arg(preparingClock_.isValid() ? preparingClock_.elapsed() / 1000 : 0)
+                                     : QStringLiteral("Building the app…"));
+    preparing_->setVisible(preparing);
 }
 
 void SetupView::sync()
 {
     const bool building = runtime_.isBuilding();
     building_->setVisible(building);
+    showBuilding();
     status_->setVisible(!building && runtime_.safeMode());
     status_->setText(QStringLiteral("Safe mode: the app's code isn't loaded."));
     QString action;

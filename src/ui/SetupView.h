@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QScrollArea>
 
 class QLabel;
+class QProgressBar;
+class QTimer;
 class QPushButton;
 
 namespace zentoro {
@@ -27,6 +30,7 @@ public:
 
 private:
     void sync();
+    void showBuilding();
     // The version a safe-mode start can run: the current one, else the newest.
     std::optional<int> versionToRun() const;
 
@@ -34,6 +38,11 @@ private:
     ToolchainRow *toolchain_;
     AgentAccessRow *access_;
     QWidget *building_;
+    QLabel *buildingText_;
+    // Under the words while the UI kit is prepared, the one long wait of a first build.
+    QProgressBar *preparing_;
+    QElapsedTimer preparingClock_;
+    QTimer *preparingTick_;
     QLabel *status_;
     QPushButton *button_;
 };

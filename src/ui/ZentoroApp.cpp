@@ -1,6 +1,8 @@
 #include "ui/ZentoroApp.h"
 
+#include "agent/AgentWiring.h"
 #include "runtime/AppName.h"
+#include "runtime/KitPreparation.h"
 #include "runtime/Relaunch.h"
 #include "runtime/Workspace.h"
 #include "ui/AppIcon.h"
@@ -15,14 +17,16 @@
 
 namespace zentoro {
 
-ZentoroApp::Session::Session()
+ZentoroApp::Session::Session(const Workspace &workspace) : runtime(workspace), agent(AgentOperations(), workspace)
 {
-    // The agent restores its conversation and hooks itself to the runtime's events before
-    // the launch, so that the launch's reports reach the conversation.
-    agent.runtime = &runtime;
+    // The agent's operations are in place before it opens its conversation, and it hooks
+    // itself to the runtime's events before the launch, so that the launch's reports reach
+    // the conversation.
+    agent.setOperations(programOperations(agent, runtime));
+    agent.restore();
     runtime.onEvent = [this](const QString &shown, const QString &told) { agent.note(shown, told); };
     runtime.launch();
-    agent.resumeAfterLaunch();
+    agent.resumeAfterLaunch(runtime.loadedVersion());
     window = std::make_unique<MainWindow>(runtime, agent);
 }
 
@@ -30,6 +34,8 @@ int ZentoroApp::run(int argc, char **argv)
 {
     // The copy's name and the path a restart comes back by are the file the user started,
     // before Qt resolves links.
+    if (argc > 1 && qstrcmp(argv[1], "--prepare-kit") == 0)
+        return Kit::prepare(argc, argv);
     const QString argv0 = QString::fromLocal8Bit(argc > 0 ? argv[0] : "");
     Relaunch::rememberExecutable(argv0);
 
@@ -39,8 +45,7 @@ int ZentoroApp::run(int argc, char **argv)
     QApplication::setApplicationVersion(QStringLiteral(ZENTORO_VERSION));
     QApplication::setWindowIcon(AppIcon::icon());
 
-    Workspace::initShared(argv0);
-    const Workspace &workspace = Workspace::shared();
+    const Workspace workspace = Workspace::forExecutable(argv0);
     if (!workspace.lock()) {
         HandOver::deferToRunningCopy(workspace);
         return 0;
@@ -51,7 +56,7 @@ int ZentoroApp::run(int argc, char **argv)
     AppName::apply(workspace.name);
     QuitSignals::install();
 
-    ZentoroApp::Session session;
+    ZentoroApp::Session session(workspace);
     MainWindow &window = *session.window;
     QObject::connect(&listener, &HandOver::Listener::raiseRequested, &window, &MainWindow::bringToFront);
     window.show();

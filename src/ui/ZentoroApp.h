@@ -13,12 +13,13 @@ namespace ZentoroApp {
 
 int run(int argc, char **argv);
 
-// What lives as long as the process once it holds the copy's lock, made in the start-up
-// order: the runtime, the agent hooked to its events, the launch, the agent's resumption,
-// and only then the window.
+// What lives as long as the process once it holds the lock of the copy in `workspace`,
+// made in the start-up order: the runtime, the agent with its operations and its restored
+// conversation, hooked to the runtime's events, the launch, the agent's resumption, and
+// only then the window.
 class Session {
 public:
-    Session();
+    explicit Session(const Workspace &workspace);
 
     Runtime runtime;
     Agent agent;

@@ -11,7 +11,7 @@ TEST(AgentLoop, SendQueuesNotesStateNoteAndTextButNotBlankOrBusySends)
     EXPECT_TRUE(harness.agent.items().isEmpty());
     EXPECT_FALSE(harness.agent.isRunning());
 
-    harness.agent.notes = QStringList{"Version 2 crashed", "The user went back to version 1"};
+    harness.agent.load({.notes = {"Version 2 crashed", "The user went back to version 1"}});
     harness.agent.send("  make it blue \n");
     ASSERT_TRUE(harness.agent.isRunning());
     harness.agent.send("ignored during the run");
@@ -24,13 +24,13 @@ TEST(AgentLoop, SendQueuesNotesStateNoteAndTextButNotBlankOrBusySends)
     EXPECT_EQ(input[0], Agent::message("developer", "Meanwhile, in Zentoro:\n- Version 2 crashed\n- The user went back to version 1"));
     EXPECT_EQ(input[1], Agent::message("developer", "state note"));
     EXPECT_EQ(input[2], Agent::message("user", "make it blue"));
-    EXPECT_TRUE(harness.agent.notes.isEmpty());
-    EXPECT_EQ(harness.agent.currentRequest, "make it blue");
+    EXPECT_TRUE(harness.agent.notes().isEmpty());
+    EXPECT_EQ(harness.agent.currentRequest(), "make it blue");
 
     // The input and the response's output are in history; nothing waits.
-    EXPECT_EQ(harness.agent.history.size(), 4);
-    EXPECT_TRUE(harness.agent.pendingInput.isEmpty());
-    EXPECT_EQ(harness.agent.previousResponseID, "resp_1");
+    EXPECT_EQ(harness.agent.history().size(), 4);
+    EXPECT_TRUE(harness.agent.pendingInput().isEmpty());
+    EXPECT_EQ(harness.agent.previousResponseID(), "resp_1");
     // Saved after send, after the response and at the end of the run.
     EXPECT_EQ(harness.saves, 3);
     EXPECT_FALSE(harness.agent.activity());
@@ -41,9 +41,10 @@ TEST(AgentLoop, AssistantRowComesFirstAndCallsRunInOrderOneAfterAnother)
 {
     RunHarness harness;
     harness.script.push_back([] {
-        // Arguments that aren't a JSON object run the tool with an empty one.
+        // Arguments that aren't a JSON object run the tool with an empty one; a call named
+        // twice runs once.
         return response({functionCall("c1", "read_file", "{\"path\": "), functionCall("c2", "list_files", "[1]"),
-                         textMessage("Looking.")});
+                         functionCall("c1", "delete_file", "{}"), textMessage("Looking.")});
     });
     QStringList seenBeforeSecond;
     harness.duringPerform = [&](const QString &name) {
@@ -58,7 +59,7 @@ TEST(AgentLoop, AssistantRowComesFirstAndCallsRunInOrderOneAfterAnother)
     // The second request carries both outputs, in call order.
     ASSERT_EQ(harness.inputs.size(), 2u);
     EXPECT_EQ(harness.inputs[1], (QList<JSON>{Agent::output("c1", "ran read_file"), Agent::output("c2", "ran list_files")}));
-    EXPECT_TRUE(harness.agent.unansweredCalls.isEmpty());
+    EXPECT_TRUE(harness.agent.unansweredCalls().isEmpty());
     ASSERT_EQ(harness.performed.size(), 2u);
     EXPECT_EQ(harness.performed[0].second, JSON::object());
     EXPECT_EQ(harness.performed[1].second, JSON::object());
@@ -75,9 +76,9 @@ TEST(AgentLoop, RestartWaitsBehindTheOtherCallsAndRelaunches)
     ASSERT_EQ(harness.performed.size(), 1u);
     EXPECT_EQ(harness.performed[0].first, "build");
     EXPECT_EQ(harness.relaunches, 1);
-    EXPECT_EQ(harness.agent.restartCallID, "r2");
+    EXPECT_EQ(harness.agent.restartCallID(), "r2");
     // The restart's answer is owed until the next launch; the first restart call stays unanswered too.
-    EXPECT_EQ(harness.agent.unansweredCalls, (QStringList{"r1", "r2"}));
+    EXPECT_EQ(harness.agent.unansweredCalls(), (QStringList{"r1", "r2"}));
     EXPECT_TRUE(harness.texts().last().startsWith("tool: Restarting "));
     EXPECT_EQ(harness.pendingOutputs(), QStringList{"b1 ran build"});
     EXPECT_EQ(harness.inputs.size(), 1u);
@@ -94,7 +95,7 @@ TEST(AgentLoop, AStopDuringACallAnswersTheRestWithoutRowsAndKeepsTheProcess)
     });
     QStringList unansweredDuringFirst;
     harness.duringPerform = [&](const QString &) {
-        unansweredDuringFirst = harness.agent.unansweredCalls;
+        unansweredDuringFirst = harness.agent.unansweredCalls();
         harness.agent.task().cancel();
     };
     harness.sendAndFinish("go");
@@ -104,9 +105,9 @@ TEST(AgentLoop, AStopDuringACallAnswersTheRestWithoutRowsAndKeepsTheProcess)
     EXPECT_EQ(harness.pendingOutputs(),
               (QStringList{"c1 ran write_file", "c2 The user stopped you before this ran.",
                            "c3 The user stopped you before this ran.", "r1 The user stopped you before the restart."}));
-    EXPECT_TRUE(harness.agent.unansweredCalls.isEmpty());
+    EXPECT_TRUE(harness.agent.unansweredCalls().isEmpty());
     EXPECT_EQ(harness.relaunches, 0);
-    EXPECT_FALSE(harness.agent.restartCallID);
+    EXPECT_FALSE(harness.agent.restartCallID());
     EXPECT_EQ(harness.inputs.size(), 1u);
 }
 
@@ -159,8 +160,8 @@ TEST(AgentLoop, AFailureEndsInOneErrorRowAndKeepsTheInput)
     harness.sendAndFinish("hi");
     EXPECT_EQ(harness.texts().last(), "error: OpenAI error 429: Slow down.");
     EXPECT_EQ(harness.agent.items().last().toJSON().boolAt("failed"), false);
-    EXPECT_EQ(harness.agent.pendingInput.size(), 2);
-    EXPECT_TRUE(harness.agent.history.isEmpty());
+    EXPECT_EQ(harness.agent.pendingInput().size(), 2);
+    EXPECT_TRUE(harness.agent.history().isEmpty());
 }
 
 TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlanAndWithoutOneTheRunAsksForIt)
@@ -176,17 +177,17 @@ TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlanAndWithoutOneTheRunAsksForIt)
     harness.agent.setHasAPIKey(false);
     EXPECT_EQ(harness.agent.provider(), Provider::ChatGPT);
     // Only the API-key path keeps the response's identity for the next request.
-    harness.agent.previousResponseID = "resp_old";
+    harness.agent.load({.previousResponseID = "resp_old"});
     harness.sendAndFinish("hi");
     EXPECT_EQ(harness.providers, std::vector<Provider>{Provider::ChatGPT});
-    EXPECT_FALSE(harness.agent.previousResponseID);
+    EXPECT_FALSE(harness.agent.previousResponseID());
 
     harness.available.reset();
     EXPECT_FALSE(harness.agent.provider());
     harness.sendAndFinish("hi again");
     EXPECT_TRUE(harness.texts().last().startsWith("error: Sign in with ChatGPT or add an OpenAI API key first ("));
     EXPECT_EQ(harness.inputs.size(), 1u);
-    EXPECT_EQ(harness.agent.pendingInput.size(), 2);
+    EXPECT_EQ(harness.agent.pendingInput().size(), 2);
 }
 
 TEST(AgentLoop, ActivityFollowsTheItemsAsTheyStart)
@@ -217,7 +218,7 @@ TEST(AgentLoop, AStopWhileWaitingForTheModelShowsStoppedAndRunsWhatWaitsForTheEn
     ASSERT_TRUE(spinUntil([&] { return ran; }, 2s));
     EXPECT_FALSE(runningWhenRan);
     EXPECT_EQ(harness.texts(), (QStringList{"user: hi", "event: Stopped"}));
-    EXPECT_EQ(harness.agent.pendingInput.size(), 2);
+    EXPECT_EQ(harness.agent.pendingInput().size(), 2);
 
     bool ranAtOnce = false;
     harness.agent.afterStopping([&] { ranAtOnce = true; });

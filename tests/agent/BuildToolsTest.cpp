@@ -24,17 +24,13 @@ protected:
     QTemporaryDir dir;
     Workspace workspace{QStringLiteral("Tools"), dir.path() + QStringLiteral("/Apps/Tools")};
     Runtime runtime{workspace};
-    Agent agent{AgentOperations{}};
+    Agent agent{AgentOperations{}, workspace};
 
-    void SetUp() override
-    {
-        agent.runtime = &runtime;
-        QDir().mkpath(workspace.logs());
-    }
+    void SetUp() override { QDir().mkpath(workspace.logs()); }
 
     ToolResult call(const QString &name, const JSON &arguments = JSON::object())
     {
-        return test::await(Tools::perform(agent, workspace, BuildTools::runtimeTools(), name, arguments));
+        return test::await(Tools::perform(agent, workspace, BuildTools::runtimeTools(runtime), name, arguments));
     }
     ToolResult readLog(const QString &which) { return call("read_log", JSON::object({{"which", which}})); }
     void writeLog(CrashLog::Which which, const QByteArray &bytes)
@@ -151,8 +147,8 @@ TEST(ScreenshotReference, APictureOfACopyNamedAnyWayReachesTheModelAsData)
         ASSERT_TRUE(result.item.imagePath) << name.toStdString();
         const QList<JSON> pending{Agent::output("c1", result.output)};
         const QUuid id = QUuid::createUuid();
-        for (const JSON &body : {ModelRequest::body(Provider::ChatGPT, {call}, pending, std::nullopt, id),
-                                 ModelRequest::body(Provider::APIKey, {call}, pending, QStringLiteral("resp_1"), id)}) {
+        for (const JSON &body : {ModelRequest::body(QString(), Provider::ChatGPT, {call}, pending, std::nullopt, id),
+                                 ModelRequest::body(QString(), Provider::APIKey, {call}, pending, QStringLiteral("resp_1"), id)}) {
             const QString sent = QString::fromUtf8(body.find("input")->encode());
             EXPECT_TRUE(sent.contains(data)) << name.toStdString() << ": " << sent.toStdString();
             EXPECT_FALSE(sent.contains("file:")) << name.toStdString();

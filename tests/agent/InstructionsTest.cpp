@@ -114,5 +114,5 @@ TEST(Instructions, NotesShowAtOnceAndWaitForTheNextMessage)
     EXPECT_EQ(harness.saves, 2);
     EXPECT_EQ(test::rowTexts(agent), (QStringList{"event: Version 3 crashed; back to version 2.",
                                                   "event: You went back to version 1."}));
-    EXPECT_EQ(agent.notes, (QStringList{"Version 3 crashed while starting.", "The user went back to version 1."}));
+    EXPECT_EQ(agent.notes(), (QStringList{"Version 3 crashed while starting.", "The user went back to version 1."}));
 }

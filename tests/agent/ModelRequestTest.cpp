@@ -20,6 +20,7 @@ const QUuid conversation = QUuid::fromString(QStringLiteral("{6f1c2a9e-0b7d-4c55
 const QList<JSON> history{JSON::object({{"role", "user"}, {"content", "earlier"}}),
                           JSON::object({{"type", "message"}, {"role", "assistant"}, {"content", JSON::array()}})};
 const QList<JSON> pending{JSON::object({{"role", "user"}, {"content", "now"}})};
+const QString prompt = QStringLiteral("You work on Tally.");
 
 class ModelRequestTest : public ::testing::Test {
 protected:
@@ -37,11 +38,11 @@ JSON::Array arrayOf(const QList<JSON> &list)
 }
 
 // What every request carries, with `input` and the path's own keys.
-JSON expected(const JSON &body, const QList<JSON> &input, std::initializer_list<std::pair<QString, JSON>> own)
+JSON expected(const QList<JSON> &input, std::initializer_list<std::pair<QString, JSON>> own)
 {
     JSON whole = JSON::object({{"include", JSON::array({"reasoning.encrypted_content"})},
                                {"input", JSON(arrayOf(input))},
-                               {"instructions", body.stringAt("instructions").value_or("")},
+                               {"instructions", prompt},
                                {"model", "gpt-6.1-sol"},
                                {"prompt_cache_key", "6F1C2A9E-0B7D-4C55-9A1E-3D2F8B7C6A10"},
                                {"stream", true},
@@ -66,20 +67,22 @@ TEST_F(ModelRequestTest, TheAPIKeyPathChainsToThePreviousResponseAndThePlanPathS
 {
     // No reasoning key while the effort is unset.
     Defaults::setValue("reasoningEffort", "");
-    const JSON chained = ModelRequest::body(Provider::APIKey, history, pending, QStringLiteral("resp_1"), conversation);
-    EXPECT_EQ(chained, expected(chained, pending, {{"previous_response_id", "resp_1"}, {"truncation", "auto"}}));
-    const JSON whole = ModelRequest::body(Provider::APIKey, history, pending, std::nullopt, conversation);
-    EXPECT_EQ(whole, expected(whole, history + pending, {{"truncation", "auto"}}));
+    const JSON chained = ModelRequest::body(prompt, Provider::APIKey, history, pending, QStringLiteral("resp_1"),
+                                            conversation);
+    EXPECT_EQ(chained, expected(pending, {{"previous_response_id", "resp_1"}, {"truncation", "auto"}}));
+    const JSON whole = ModelRequest::body(prompt, Provider::APIKey, history, pending, std::nullopt, conversation);
+    EXPECT_EQ(whole, expected(history + pending, {{"truncation", "auto"}}));
     // A response id left from the API-key path doesn't chain a plan request.
-    const JSON plan = ModelRequest::body(Provider::ChatGPT, history, pending, QStringLiteral("resp_1"), conversation);
-    EXPECT_EQ(plan, expected(plan, history + pending, {{"store", false}}));
-    EXPECT_FALSE(plan.stringAt("instructions").value_or("").isEmpty());
+    const JSON plan = ModelRequest::body(prompt, Provider::ChatGPT, history, pending, QStringLiteral("resp_1"),
+                                         conversation);
+    EXPECT_EQ(plan, expected(history + pending, {{"store", false}}));
 
     Defaults::setValue("reasoningEffort", "high");
     Defaults::setValue("model", "gpt-test");
-    const JSON tuned = ModelRequest::body(Provider::ChatGPT, {}, pending, std::nullopt, conversation);
-    EXPECT_EQ(tuned, expected(tuned, pending,
-                              {{"store", false}, {"model", "gpt-test"}, {"reasoning", JSON::object({{"effort", "high"}})}}));
+    const JSON tuned = ModelRequest::body(prompt, Provider::ChatGPT, {}, pending, std::nullopt, conversation);
+    EXPECT_EQ(tuned,
+              expected(pending,
+                       {{"store", false}, {"model", "gpt-test"}, {"reasoning", JSON::object({{"effort", "high"}})}}));
 }
 
 TEST_F(ModelRequestTest, TheCatalogIsOneNamespaceOfNineStrictFunctionsRequiringEveryProperty)
@@ -117,7 +120,7 @@ QCoro::Task<QString> credential(Provider provider)
 {
     const TaskHandle task;
     try {
-        co_return co_await ModelRequest::bearer(task, provider, false);
+        co_return co_await ModelRequest::bearer(task, provider, false, QString::fromUtf8("Tally"));
     } catch (const Workspace::Failure &failure) {
         co_return QString::fromUtf8("failure: ") + failure.message;
     }
@@ -129,8 +132,7 @@ TEST_F(ModelRequestTest, TheBearerIsTheEffectiveKeyOrAFailureForTheUser)
     QFile::remove(AgentConfig::keyPath());
     qunsetenv("OPENAI_API_KEY");
     const QString none = test::await(credential(Provider::APIKey));
-    EXPECT_TRUE(none.startsWith("failure: Add your OpenAI API key first (")) << none.toStdString();
-    EXPECT_TRUE(none.endsWith(" → Settings…)."));
+    EXPECT_EQ(none, "failure: Add your OpenAI API key first (Tally → Settings…).");
 
     // Which key is the effective one is AgentConfig's to say.
     qputenv("OPENAI_API_KEY", "sk-env");
@@ -165,7 +167,7 @@ TEST_F(ModelRequestTest, AWholeRequestSendsWholePairsAndTheNewestThreePicturesEx
     const QList<JSON> queued{output("e", paths[3]), output("z", paths[0])};
 
     const auto sent = [&] {
-        return ModelRequest::body(Provider::ChatGPT, conversationHistory, queued, std::nullopt, conversation)
+        return ModelRequest::body(prompt, Provider::ChatGPT, conversationHistory, queued, std::nullopt, conversation)
             .find("input")
             ->encode();
     };

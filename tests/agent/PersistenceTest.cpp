@@ -1,4 +1,5 @@
 #include "agent/Agent.h"
+#include "agent/AgentWiring.h"
 #include "core/Defaults.h"
 #include "runtime/Runtime.h"
 #include "runtime/Workspace.h"
@@ -23,34 +24,31 @@ namespace {
 
 const QString currentKey = QStringLiteral("currentConversation");
 
-// Every test works on a copy of its own, left behind clean, so that agents made later in
-// this program restore nothing.
+const Workspace copy = Workspace::forName(QStringLiteral("Persisting"));
+
+// An agent of the copy, opened as the program opens it, whose every save is the real one.
+struct OpenedAgent : Agent {
+    explicit OpenedAgent(AgentOperations operations = test::fakeOperations()) : Agent(std::move(operations), copy)
+    {
+        this->operations().save = [this] { writeConversation(); };
+        restore();
+    }
+};
+
+// Every test starts from a copy with no conversations.
 class Persistence : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        Workspace::initShared(QStringLiteral("/opt/Persisting"));
-        clean();
+        QDir(copy.root).removeRecursively();
+        QFile::remove(Defaults::path(copy.defaultsSuite()));
     }
-    void TearDown() override
-    {
-        running.reset();
-        clean();
-    }
+    void TearDown() override { running.reset(); }
 
-    static void clean()
-    {
-        QDir(Workspace::shared().root).removeRecursively();
-        QFile::remove(Defaults::path(Workspace::shared().defaultsSuite()));
-    }
-
-    static QString folder() { return Workspace::shared().root + "/Conversations"; }
-    static QString fileOf(const QUuid &id) { return Workspace::shared().conversation(id); }
-    static QVariant current() { return Defaults::suiteValue(Workspace::shared().defaultsSuite(), currentKey); }
-    static void setCurrent(const QString &text)
-    {
-        Defaults::setSuiteValue(Workspace::shared().defaultsSuite(), currentKey, text);
-    }
+    static QString folder() { return copy.root + "/Conversations"; }
+    static QString fileOf(const QUuid &id) { return copy.conversation(id); }
+    static QVariant current() { return Defaults::suiteValue(copy.defaultsSuite(), currentKey); }
+    static void setCurrent(const QString &text) { Defaults::setSuiteValue(copy.defaultsSuite(), currentKey, text); }
 
     static void put(const QString &name, const QByteArray &bytes)
     {
@@ -67,13 +65,12 @@ protected:
         return JSON::decode(file.readAll());
     }
 
-    // An agent whose every save is the real one and whose model never answers until stopped.
+    // An opened agent whose model never answers until stopped.
     Agent &hangingAgent()
     {
         AgentOperations ops = test::fakeOperations();
         ops.respond = test::respondOnlyToAStop;
-        ops.save = [this] { running->writeConversation(); };
-        running = std::make_unique<Agent>(ops);
+        running = std::make_unique<OpenedAgent>(ops);
         return *running;
     }
     std::unique_ptr<Agent> running;
@@ -114,20 +111,20 @@ TEST_F(Persistence, AConversationComesBackWholeInTheNextProcess)
 {
     Agent::Saved written;
     {
-        Agent agent;
-        agent.createdAt = QDateTime(QDate(2001, 1, 1), QTime(0, 0, 1, 250), QTimeZone::utc());
+        OpenedAgent agent;
         ChatItem tool = ChatItem::make(ChatItem::Kind::Tool, "Built version 3", "hammer");
         tool.detail = "warnings: none";
         tool.imagePath = "/tmp/shot.png";
-        agent.setItems({userRow("Make a timer"), tool});
-        agent.pendingInput = {Agent::output("call_2", "ran")};
-        agent.history = {Agent::message("user", "Make a timer"),
-                         JSON::object({{"type", "function_call"}, {"call_id", "call_2"}, {"name", "build"}})};
-        agent.notes = {"Version 2 crashed"};
-        agent.previousResponseID = "resp_9";
-        agent.restartCallID = "call_3";
-        agent.unansweredCalls = {"call_3"};
-        agent.currentRequest = "Make a timer";
+        agent.load({.created = QDateTime(QDate(2001, 1, 1), QTime(0, 0, 1, 250), QTimeZone::utc()),
+                    .items = {userRow("Make a timer"), tool},
+                    .previousResponseID = "resp_9",
+                    .pendingInput = {Agent::output("call_2", "ran")},
+                    .notes = {"Version 2 crashed"},
+                    .restartCallID = "call_3",
+                    .unansweredCalls = {"call_3"},
+                    .currentRequest = "Make a timer",
+                    .history = {Agent::message("user", "Make a timer"),
+                                JSON::object({{"type", "function_call"}, {"call_id", "call_2"}, {"name", "build"}})}});
         agent.writeConversation();
         written = agent.saved();
     }
@@ -137,7 +134,7 @@ TEST_F(Persistence, AConversationComesBackWholeInTheNextProcess)
     EXPECT_GT(*json.numberAt("updated"), 7e8); // seconds since 2001, not since 1970
     EXPECT_LT(*json.numberAt("updated"), 2e9);
 
-    Agent restored;
+    OpenedAgent restored;
     Agent::Saved read = restored.saved();
     read.updated = written.updated;
     EXPECT_EQ(read, written);
@@ -148,11 +145,11 @@ TEST_F(Persistence, SavesPatchTheListInPlaceAndOnlyConversationsWithRowsAreListe
 {
     put("96E41A52-2E41-4B0C-8E8A-8F3C0A5F7B11.json",
         minimalFile("Older one", 100, "96E41A52-2E41-4B0C-8E8A-8F3C0A5F7B11"));
-    Agent agent;
+    OpenedAgent agent;
     ASSERT_EQ(titles(agent), QStringList{"Older one"});
 
     // Queued input alone makes a file but no entry, and the settings name it from the first save.
-    agent.pendingInput = {Agent::message("user", "queued")};
+    agent.load({.pendingInput = {Agent::message("user", "queued")}});
     agent.writeConversation();
     EXPECT_TRUE(QFile::exists(fileOf(agent.conversationID())));
     EXPECT_EQ(titles(agent), QStringList{"Older one"});
@@ -174,8 +171,7 @@ TEST_F(Persistence, SavesPatchTheListInPlaceAndOnlyConversationsWithRowsAreListe
     EXPECT_GT(agent.conversations()[1].updated, QDateTime::currentDateTimeUtc().addSecs(-60));
 
     // A conversation emptied of everything loses its file and its entry.
-    agent.setItems({});
-    agent.pendingInput.clear();
+    agent.load({.id = agent.conversationID()});
     agent.writeConversation();
     EXPECT_FALSE(QFile::exists(fileOf(agent.conversationID())));
     EXPECT_EQ(titles(agent), QStringList{"Newer one"});
@@ -195,7 +191,7 @@ TEST_F(Persistence, TheListSkipsWhatItCantReadAndLeavesItOnDisk)
     put("D28574F6-91E3-43F2-96DC-9EAFB0C1D2E3.json", minimalFile("Readable"));
     put("E39685A7-A2F4-4403-87ED-AFB0C1D2E3F4.json", good + QByteArray(4096, '\0')); // garbage behind the end
 
-    Agent agent;
+    OpenedAgent agent;
     EXPECT_EQ(titles(agent), QStringList{"Readable"});
     EXPECT_EQ(QDir(folder()).entryList(QDir::Files).size(), 7);
 }
@@ -207,21 +203,23 @@ TEST_F(Persistence, AConversationOfAnySizeComesBack)
     const QString page(1 << 20, u'x');
     Agent::Saved written;
     {
-        Agent agent;
-        agent.setItems({userRow("Keep going")});
+        OpenedAgent agent;
+        QList<JSON> history;
         for (int i = 0; i < 130; ++i)
-            agent.history.append(Agent::message("developer", page));
-        agent.restartCallID = "call_restart";
-        agent.unansweredCalls = {"call_restart"};
+            history.append(Agent::message("developer", page));
+        agent.load({.items = {userRow("Keep going")},
+                    .restartCallID = "call_restart",
+                    .unansweredCalls = {"call_restart"},
+                    .history = history});
         agent.writeConversation();
         written = agent.saved();
     }
     ASSERT_GT(QFileInfo(fileOf(*written.id)).size(), qint64(130) << 20);
-    Agent restored;
+    OpenedAgent restored;
     EXPECT_EQ(restored.conversationID(), *written.id);
-    EXPECT_EQ(restored.restartCallID, "call_restart");
-    ASSERT_EQ(restored.history.size(), 130);
-    EXPECT_EQ(restored.history.last(), Agent::message("developer", page));
+    EXPECT_EQ(restored.restartCallID(), "call_restart");
+    ASSERT_EQ(restored.history().size(), 130);
+    EXPECT_EQ(restored.history().last(), Agent::message("developer", page));
 }
 
 TEST_F(Persistence, ReadingFollowsTheKeysRules)
@@ -283,7 +281,7 @@ TEST_F(Persistence, AFileWithoutIdIsListedUnderItsNameAndContinuesUnderAFreshId)
     put(".hidden.json", minimalFile("Hidden"));
     put("later.json", minimalFile("Dated", 5000));
 
-    Agent agent;
+    OpenedAgent agent;
     // Newest first; the undated sort last in the order of the listing.
     EXPECT_EQ(titles(agent), (QStringList{"Dated", "Hidden", "No id inside", "Oddly named"}));
     EXPECT_EQ(uuidText(agent.conversations()[2].id), name);
@@ -299,7 +297,7 @@ TEST_F(Persistence, AFileWithoutIdIsListedUnderItsNameAndContinuesUnderAFreshId)
 
     // Restoring the file without an id continues it under a new one; the old file stays.
     setCurrent(name);
-    Agent restored;
+    OpenedAgent restored;
     EXPECT_NE(uuidText(restored.conversationID()), name);
     ASSERT_EQ(restored.items().size(), 1);
     restored.writeConversation();
@@ -315,7 +313,7 @@ TEST_F(Persistence, AStaleOrUnreadableCurrentConversationGivesAFreshOne)
     for (const QString &named : {QStringLiteral("4A3615F1-5A9A-42E4-AB1D-1416F93D4412"), damaged,
                                  QStringLiteral("not an id"), QString()}) {
         setCurrent(named);
-        Agent agent;
+        OpenedAgent agent;
         EXPECT_TRUE(agent.items().isEmpty()) << named.toStdString();
         EXPECT_NE(uuidText(agent.conversationID()), named);
     }
@@ -327,9 +325,8 @@ TEST_F(Persistence, AStaleOrUnreadableCurrentConversationGivesAFreshOne)
 
 TEST_F(Persistence, ANewConversationLeavesNoFileAndTheSettingsNameIt)
 {
-    Agent agent;
-    agent.setItems({userRow("First")});
-    agent.notes = {"pending note"};
+    OpenedAgent agent;
+    agent.load({.items = {userRow("First")}, .notes = {"pending note"}});
     agent.writeConversation();
     const QUuid first = agent.conversationID();
     // Opening the open conversation touches nothing, not even the date in its file.
@@ -341,7 +338,7 @@ TEST_F(Persistence, ANewConversationLeavesNoFileAndTheSettingsNameIt)
     agent.newConversation();
     EXPECT_NE(agent.conversationID(), first);
     EXPECT_TRUE(agent.items().isEmpty());
-    EXPECT_TRUE(agent.notes.isEmpty());
+    EXPECT_TRUE(agent.notes().isEmpty());
     EXPECT_FALSE(QFile::exists(fileOf(agent.conversationID())));
     EXPECT_EQ(current().toString(), uuidText(agent.conversationID()));
     EXPECT_EQ(titles(agent), QStringList{"First"});
@@ -349,7 +346,7 @@ TEST_F(Persistence, ANewConversationLeavesNoFileAndTheSettingsNameIt)
     // And the old one opens again, with what it held.
     agent.openConversation(first);
     EXPECT_EQ(agent.conversationID(), first);
-    EXPECT_EQ(agent.notes, QStringList{"pending note"});
+    EXPECT_EQ(agent.notes(), QStringList{"pending note"});
     EXPECT_EQ(current().toString(), uuidText(first));
 }
 
@@ -379,33 +376,32 @@ TEST_F(Persistence, SwitchingDuringARunWaitsSoTheRunsLastSaveGoesToItsOwnFile)
 TEST_F(Persistence, AfterALaunchOpenCallsAreAnsweredAndOnlyAnAskedForRestartGoesOn)
 {
     Agent &crashed = hangingAgent();
-    crashed.setItems({userRow("build it"), ChatItem::make(ChatItem::Kind::Tool, "Edited AppRoot.swift")});
-    crashed.pendingInput = {Agent::output("c1", "edited")};
-    crashed.unansweredCalls = {"c2", "c3"};
-    crashed.resumeAfterLaunch();
+    crashed.load({.items = {userRow("build it"), ChatItem::make(ChatItem::Kind::Tool, "Edited AppRoot.swift")},
+                  .pendingInput = {Agent::output("c1", "edited")},
+                  .unansweredCalls = {"c2", "c3"}});
+    crashed.resumeAfterLaunch(std::nullopt);
     EXPECT_FALSE(crashed.isRunning());
     EXPECT_EQ(crashed.items().size(), 2);
-    EXPECT_EQ(crashed.pendingInput, (QList<JSON>{Agent::output("c1", "edited"), Agent::output("c2", stoppedText),
-                                                 Agent::output("c3", stoppedText)}));
-    EXPECT_TRUE(crashed.unansweredCalls.isEmpty());
+    EXPECT_EQ(crashed.pendingInput(), (QList<JSON>{Agent::output("c1", "edited"), Agent::output("c2", stoppedText),
+                                                   Agent::output("c3", stoppedText)}));
+    EXPECT_TRUE(crashed.unansweredCalls().isEmpty());
     EXPECT_TRUE(stored(crashed.conversationID()).arrayAt("unansweredCalls")->empty());
 
     Agent &asked = hangingAgent();
-    asked.load(Agent::Saved{}); // not the conversation above
-    asked.setItems({userRow("restart please")});
-    asked.unansweredCalls = {"c1", "restart"};
-    asked.restartCallID = "restart";
-    asked.notes = {"Version 4 crashed while starting; back to version 3.", "Second note"};
-    asked.resumeAfterLaunch();
+    asked.load({.items = {userRow("restart please")},
+                .notes = {"Version 4 crashed while starting; back to version 3.", "Second note"},
+                .restartCallID = "restart",
+                .unansweredCalls = {"c1", "restart"}});
+    asked.resumeAfterLaunch(std::nullopt);
 
     EXPECT_TRUE(asked.isRunning());
-    ASSERT_EQ(asked.pendingInput.size(), 2);
-    EXPECT_EQ(asked.pendingInput[0], Agent::output("c1", stoppedText));
-    EXPECT_EQ(asked.pendingInput[1],
+    ASSERT_EQ(asked.pendingInput().size(), 2);
+    EXPECT_EQ(asked.pendingInput()[0], Agent::output("c1", stoppedText));
+    EXPECT_EQ(asked.pendingInput()[1],
               Agent::output("restart", "Zentoro restarted; it is now running no version (the window is empty).\n"
                                        "Version 4 crashed while starting; back to version 3.\nSecond note"));
-    EXPECT_FALSE(asked.restartCallID);
-    EXPECT_TRUE(asked.notes.isEmpty());
+    EXPECT_FALSE(asked.restartCallID());
+    EXPECT_TRUE(asked.notes().isEmpty());
     EXPECT_EQ(asked.items().last().text, "Restarted");
     EXPECT_EQ(asked.items().last().symbol, "arrow.clockwise");
 
@@ -419,9 +415,9 @@ TEST_F(Persistence, AfterALaunchOpenCallsAreAnsweredAndOnlyAnAskedForRestartGoes
 
 TEST_F(Persistence, AFullDiskIsShownInTheWindowAndForgottenOnceASaveSucceeds)
 {
-    Runtime runtime(Workspace::shared());
-    Agent agent;
-    agent.runtime = &runtime;
+    Runtime runtime(copy);
+    OpenedAgent agent;
+    agent.setOperations(programOperations(agent, runtime));
     agent.setItems({userRow("Make a timer")});
     agent.writeConversation();
     const QString path = fileOf(agent.saved().id.value());

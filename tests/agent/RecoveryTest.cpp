@@ -30,33 +30,28 @@ QList<JSON> texts(int count)
 TEST(Recovery, ALostChainIsDroppedOnceAndTheNextRequestGoesOutWhole)
 {
     RunHarness harness;
-    harness.agent.previousResponseID = "resp_old";
-    harness.agent.history = texts(2);
+    harness.agent.load({.previousResponseID = "resp_old", .history = texts(2)});
     harness.fail({failure(400, std::nullopt, "previous_response_id", "Not found.")});
     harness.sendAndFinish("go on");
     EXPECT_EQ(harness.chains, (std::vector<std::optional<QString>>{"resp_old", std::nullopt}));
     EXPECT_EQ(harness.inputs[1], harness.inputs[0]); // history holds it all: no notice
     EXPECT_EQ(harness.last().text, "done");
 
-    // Once per run: a second loss in the same run is an error row.
+    // Once per run: a loss of the chain that a later step of the same run started is an error row.
     RunHarness twice;
-    twice.agent.previousResponseID = "resp_old";
-    twice.agent.history = texts(2);
-    twice.fail({failure(400, std::nullopt, std::nullopt, "Previous response with id 'x' not found."),
-                failure(404, std::nullopt, std::nullopt, "previous response is gone")});
-    twice.agent.operations().request = [&](Provider) {
-        twice.agent.previousResponseID = "resp_again";
-        return JSON::object();
-    };
+    twice.agent.load({.previousResponseID = "resp_old", .history = texts(2)});
+    twice.fail({failure(400, std::nullopt, std::nullopt, "Previous response with id 'x' not found.")});
+    twice.script.push_back([] { return response({functionCall("c1", "list_files")}, "resp_again"); });
+    twice.fail({failure(404, std::nullopt, std::nullopt, "previous response is gone")});
     twice.sendAndFinish("go on");
+    EXPECT_EQ(twice.chains, (std::vector<std::optional<QString>>{"resp_old", std::nullopt, "resp_again"}));
     EXPECT_EQ(twice.last().text, "OpenAI error 404: previous response is gone");
 }
 
 TEST(Recovery, ALostChainWithNothingKeptHereDropsTheOrphanedOutputsAndSaysSo)
 {
     RunHarness harness;
-    harness.agent.previousResponseID = "resp_old";
-    harness.agent.pendingInput = {Agent::output("c1", "built")};
+    harness.agent.load({.previousResponseID = "resp_old", .pendingInput = {Agent::output("c1", "built")}});
     harness.fail({failure(400, std::nullopt, "previous_response_id")});
     harness.sendAndFinish("and now?");
     ASSERT_EQ(harness.inputs.size(), 2u);
@@ -68,17 +63,17 @@ TEST(Recovery, ALostChainWithNothingKeptHereDropsTheOrphanedOutputsAndSaysSo)
 TEST(Recovery, TooLongIsTrimmedFourTimesAtMost)
 {
     RunHarness harness;
-    harness.agent.history = texts(200);
+    harness.agent.load({.history = texts(200)});
     const auto tooLong = failure(400, "context_length_exceeded");
     harness.fail({tooLong, tooLong, tooLong, tooLong, tooLong});
     harness.sendAndFinish("more");
     EXPECT_EQ(harness.inputs.size(), 5u);
     EXPECT_EQ(harness.last().text, "OpenAI error 400: It failed.");
-    EXPECT_LT(harness.agent.history.size(), 200 / 8);
+    EXPECT_LT(harness.agent.history().size(), 200 / 8);
     // The queued input goes out unchanged each time, and stays for another try.
     for (const QList<JSON> &input : harness.inputs)
         EXPECT_EQ(input, harness.inputs[0]);
-    EXPECT_EQ(harness.agent.pendingInput, harness.inputs[0]);
+    EXPECT_EQ(harness.agent.pendingInput(), harness.inputs[0]);
 
     RunHarness untrimmable;
     untrimmable.fail({tooLong});
@@ -90,13 +85,14 @@ TEST(Recovery, TooLongIsTrimmedFourTimesAtMost)
 TEST(Recovery, RefusedReasoningIsTakenOutOfHistoryOnce)
 {
     RunHarness harness;
-    harness.agent.history = {Agent::message("user", "a"), JSON::object({{"type", "reasoning"}, {"encrypted_content", "x"}})};
+    harness.agent.load(
+        {.history = {Agent::message("user", "a"), JSON::object({{"type", "reasoning"}, {"encrypted_content", "x"}})}});
     const auto refused = failure(400, "invalid_encrypted_content", std::nullopt, "Encrypted content could not be verified.");
     harness.fail({refused, refused});
     harness.sendAndFinish("next");
     EXPECT_EQ(harness.inputs.size(), 2u);
     EXPECT_EQ(harness.last().kind, ChatItem::Kind::Error);
-    for (const JSON &item : std::as_const(harness.agent.history))
+    for (const JSON &item : harness.agent.history())
         EXPECT_NE(item.stringAt("type"), "reasoning");
 }
 
@@ -150,7 +146,7 @@ TEST(Recovery, AStopDuringAWaitEndsWithStoppedNotAnError)
     ASSERT_TRUE(spinUntil([&] { return !harness.agent.isRunning(); }, 2s));
     EXPECT_EQ(harness.last().text, "Stopped");
     EXPECT_FALSE(harness.agent.canRetry());
-    EXPECT_FALSE(harness.agent.pendingInput.isEmpty());
+    EXPECT_FALSE(harness.agent.pendingInput().isEmpty());
 }
 
 TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)

@@ -14,8 +14,7 @@
 namespace zentoro::test {
 
 // Drives an Agent through a scripted model and fakes of the tools, the credentials and the
-// process, with the real history upkeep, recovery and error rows. Starts blank whatever
-// conversation an earlier test left to restore.
+// process, with the real history upkeep, recovery and error rows.
 struct RunHarness {
     std::deque<std::function<JSON()>> script; // each response in turn, or a throw; "done" once it runs out
     std::vector<Provider> providers;           // as each request was built, with:
@@ -33,7 +32,6 @@ struct RunHarness {
     explicit RunHarness(std::optional<Provider> available = Provider::APIKey)
         : available(available), agent(operations())
     {
-        agent.load(Agent::Saved{});
     }
 
     AgentOperations operations()
@@ -47,8 +45,8 @@ struct RunHarness {
         };
         ops.request = [this](Provider provider) {
             providers.push_back(provider);
-            chains.push_back(agent.previousResponseID);
-            inputs.push_back(agent.pendingInput);
+            chains.push_back(agent.previousResponseID());
+            inputs.push_back(agent.pendingInput());
             return JSON::object();
         };
         ops.respond = [this](const TaskHandle &task, const QString &, const JSON &,
@@ -107,7 +105,7 @@ struct RunHarness {
     QStringList pendingOutputs() const
     {
         QStringList result;
-        for (const JSON &item : agent.pendingInput) {
+        for (const JSON &item : agent.pendingInput()) {
             if (item.stringAt("type") == u"function_call_output")
                 result.append(*item.stringAt("call_id") + " " + item.stringAt("output").value_or("?"));
         }

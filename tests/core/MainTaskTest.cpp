@@ -73,11 +73,23 @@ TEST(MainTask, CancelHooksRunOnceAndAtOnceWhenAlreadyCancelled)
     ASSERT_TRUE(test::spinUntil([&] { return task.isFinished(); }));
 }
 
-TEST(MainTask, AnEscapingExceptionEndsTheTask)
+namespace {
+QStringList logged;
+void keep(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
+    logged.append(QString::number(type) + u' ' + QString::fromUtf8(context.category) + u' ' + message);
+}
+} // namespace
+
+TEST(MainTask, AnEscapingExceptionEndsTheTaskAndIsLogged)
+{
+    const QtMessageHandler previous = qInstallMessageHandler(keep);
     TaskHandle task = startTask([](TaskHandle self) -> QCoro::Task<> {
         co_await sleep(self, 1ms);
         throw std::runtime_error("boom");
     });
     EXPECT_TRUE(test::spinUntil([&] { return task.isFinished(); }));
+    qInstallMessageHandler(previous);
+    EXPECT_EQ(logged, QStringList{QString::number(QtWarningMsg) +
+                                  " zentoro.core A task ended on an error it didn't handle: boom"});
 }

@@ -439,7 +439,7 @@ QStringList judge(const Trial &trial, const Trial &reference)
         check(after.isEmpty(), QStringLiteral("a request went out after the kill with no restart in progress"));
         check(identities(settled.pendingInput).mid(0, waiting.size()) == waiting,
               QStringLiteral("waiting input was lost or reordered"));
-        const JSON next = ModelRequest::body(Provider::APIKey, settled.history, settled.pendingInput,
+        const JSON next = ModelRequest::body(QString(), Provider::APIKey, settled.history, settled.pendingInput,
                                              settled.previousResponseID, conversationID);
         const JSON::Array *input = next.arrayAt(QStringLiteral("input"));
         const bool chained = next.find(QStringLiteral("previous_response_id")) != nullptr;

@@ -7,6 +7,7 @@
 
 #include "runtime/Workspace.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -66,4 +67,20 @@ TEST(KitBuild, AFailedBuildSaysSoInCleanedWordsAndLeavesNoCache)
     EXPECT_LT(noisy.error.size(), 12100);
     // Compiler names become safe folder names.
     EXPECT_TRUE(Kit::cacheFolder(QStringLiteral("Swift 6.3.1 (x/y)")).endsWith(QStringLiteral("-Swift_6.3.1__x_y_")));
+}
+
+// The kit `make` prepared beside the program is taken as it is for its own compiler; for any
+// other, the ordinary cache is built.
+TEST(KitBuild, APreparedKitBesideTheProgramIsUsedOnlyForItsCompiler)
+{
+    const QString prepared = Kit::preparedFolder(QStringLiteral("Prepared 1.0"));
+    EXPECT_TRUE(prepared.startsWith(QCoreApplication::applicationDirPath() + QStringLiteral("/KitCache/")));
+    for (const QString &file : {u'/' + Kit::libraryName(Kit::identity(QStringLiteral("Prepared 1.0"))),
+                                QStringLiteral("/SwiftUI.swiftmodule")})
+        test::writeFile(prepared + file, "prepared");
+    const Kit::Build found = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Prepared 1.0")));
+    EXPECT_EQ(found, (Kit::Build{Kit::appArguments(prepared), {}}));
+    const Kit::Build other = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Prepared 2.0")));
+    EXPECT_TRUE(other.error.startsWith(QStringLiteral("The UI kit didn't build"))) << other.error.toStdString();
+    QDir(prepared).removeRecursively();
 }

@@ -122,6 +122,7 @@ TEST(Toolchain, ABuildThatRanOutOfSpaceIsToldAsAFullDiskNotAsACompilerError)
     QTemporaryDir dir;
     const Workspace workspace{QStringLiteral("Full"), dir.path() + QStringLiteral("/Apps/Full")};
     test::writeFile(workspace.sources() + QStringLiteral("/AppRoot.swift"), "struct AppRoot {}");
+    workspace.prepare();
     Runtime runtime(workspace);
     test::await(runtime.checkToolchain());
     const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("Full")));

@@ -1,7 +1,10 @@
 #include "PanelHarness.h"
 
+#include "model_service/AgentConfig.h"
+
 #include "ui/Composer.h"
 #include "ui/EmptyState.h"
+#include "ui/SetupRows.h"
 #include "ui/WorkingRow.h"
 
 #include <QPushButton>
@@ -109,6 +112,7 @@ TEST(AgentPanel, SuggestionsSendTheirTextOnlyWhenTheAgentCanRun)
     unconnected.available.reset();
     unconnected.agent.setHasAPIKey(false);
     AgentPanel panel(unconnected.agent);
+    panel.resize(380, 720); // the panel's width and a window's height
     panel.show();
     EXPECT_EQ(panel.composer()->field()->placeholderText(), QStringLiteral("Connect the agent to start"));
     EXPECT_FALSE(anySuggestionEnabled(panel));
@@ -116,6 +120,24 @@ TEST(AgentPanel, SuggestionsSendTheirTextOnlyWhenTheAgentCanRun)
     EXPECT_FALSE(panel.composer()->sendButton()->isEnabled());
     QTest::keyClick(panel.composer()->field(), Qt::Key_Return);
     EXPECT_TRUE(unconnected.agent.items().isEmpty());
+
+    // The way to connect stands at the head of the transcript, whatever version runs; a key
+    // pasted there connects the agent without leaving the panel.
+    AgentAccessRow *access = panel.accessRow();
+    panel.transcript()->layoutNow();
+    const QRect shownAt(access->mapTo(panel.transcript()->viewport(), QPoint()), access->size());
+    EXPECT_TRUE(access->isVisible());
+    EXPECT_GT(shownAt.height(), 0);
+    const QRect viewport = panel.transcript()->viewport()->rect();
+    EXPECT_TRUE(viewport.contains(shownAt)) << shownAt.x() << "," << shownAt.y() << " " << shownAt.width() << "x"
+                                            << shownAt.height() << " in " << viewport.width() << "x" << viewport.height();
+    QTest::keyClicks(access->keyField(), QStringLiteral("sk-typed-in-the-panel"));
+    QTest::mouseClick(access->saveButton(), Qt::LeftButton);
+    EXPECT_TRUE(unconnected.agent.provider().has_value());
+    EXPECT_FALSE(access->isVisible());
+    EXPECT_TRUE(anySuggestionEnabled(panel));
+    EXPECT_EQ(panel.composer()->field()->placeholderText(), QStringLiteral("Describe a change…"));
+    AgentConfig::saveAPIKey(std::nullopt);
 }
 
 TEST(AgentPanel, TryAgainStandsOnlyUnderAFailureThatIsLastAndRetries)

@@ -9,11 +9,11 @@
 #include "model_service/AgentConfig.h"
 #include "runtime/PluginContainerView.h"
 #include "support/Alert.h"
-#include "support/Files.h"
 #include "support/FakeResponsesServer.h"
-#include "ui/Commands.h"
+#include "support/Files.h"
 #include "ui/Composer.h"
 #include "ui/ZentoroApp.h"
+#include "ui/ZentoroCommands.h"
 
 #include <QFile>
 #include <QMenu>
@@ -77,8 +77,7 @@ protected:
     {
         if (!hasCompiler())
             GTEST_SKIP() << "No Swift compiler found (swiftc on PATH or in /opt/swift/usr/bin); skipped.";
-        Workspace::initShared(QStringLiteral("Kitchen Timer"));
-        QDir(Workspace::shared().root).removeRecursively();
+        QDir(copy.root).removeRecursively();
         Defaults::setValue(QStringLiteral("ZentoroNoLogRedirect"), true);
         Defaults::remove(QStringLiteral("showAgent"));
         AgentConfig::saveAPIKey(std::nullopt);
@@ -95,7 +94,7 @@ protected:
     // Starts as the process does once it holds the copy's lock, and shows the window.
     MainWindow &start()
     {
-        session = std::make_unique<ZentoroApp::Session>();
+        session = std::make_unique<ZentoroApp::Session>(copy);
         session->window->show();
         return *session->window;
     }
@@ -124,6 +123,7 @@ protected:
     }
 
     FakeResponsesServer server;
+    const Workspace copy = Workspace::forName(QStringLiteral("Kitchen Timer"));
     std::unique_ptr<ZentoroApp::Session> session;
 };
 
@@ -207,7 +207,7 @@ TEST_F(FirstSession, AskForAnAppGoBackResetAndRestart)
     goBack->actions()[1]->trigger();
     ASSERT_TRUE(shows(1, 5s));
     EXPECT_FALSE(showsTally(window()));
-    EXPECT_FALSE(readText(Workspace::shared().sources() + QStringLiteral("/AppRoot.swift")).contains(u"Tally"));
+    EXPECT_FALSE(readText(copy.sources() + QStringLiteral("/AppRoot.swift")).contains(u"Tally"));
     EXPECT_EQ(agent().items().last().text, QStringLiteral("Went back to version 1."));
 
     // Forward to version 2 again, then reset: the confirmation is answered "Reset".

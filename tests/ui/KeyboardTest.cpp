@@ -68,15 +68,14 @@ class Keyboard : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        Workspace::initShared(QStringLiteral("Keys"));
-        QDir(Workspace::shared().root).removeRecursively();
+        QDir(copy.root).removeRecursively();
         Defaults::setValue(QStringLiteral("ZentoroNoLogRedirect"), true);
         Defaults::setValue(QStringLiteral("ZentoroSimulateMissingTools"), true);
         Defaults::remove(QStringLiteral("showAgent"));
         AgentConfig::saveAPIKey(std::nullopt);
         qunsetenv("OPENAI_API_KEY");
         server.becomeModelService();
-        session = std::make_unique<ZentoroApp::Session>();
+        session = std::make_unique<ZentoroApp::Session>(copy);
         spinUntil([&] { return session->runtime.toolchain().kind() != Toolchain::Case::Checking; });
         window().show();
         QApplication::setActiveWindow(&window());
@@ -130,6 +129,7 @@ protected:
     }
 
     FakeResponsesServer server;
+    const Workspace copy = Workspace::forName(QStringLiteral("Keys"));
     std::unique_ptr<ZentoroApp::Session> session;
 };
 

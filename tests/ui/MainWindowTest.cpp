@@ -3,11 +3,11 @@
 
 #include "model_service/AgentConfig.h"
 #include "ui/BannerView.h"
-#include "ui/Commands.h"
 #include "ui/MainWindow.h"
 #include "ui/SetupRows.h"
 #include "ui/SetupView.h"
-#include "ui/WorkingRow.h"
+#include "ui/Spinner.h"
+#include "ui/ZentoroCommands.h"
 
 #include <QLineEdit>
 #include <QMenu>

@@ -2,14 +2,12 @@
 
 #include "agent/Agent.h"
 #include "model_service/Failures.h"
-#include "runtime/Workspace.h"
 #include "support/Await.h"
 #include "support/FakeAgent.h"
 #include "ui/AgentPanel.h"
 #include "ui/LazyColumn.h"
 #include "ui/TranscriptRows.h"
 
-#include <QDir>
 #include <QLabel>
 #include <QNetworkReply>
 
@@ -36,17 +34,6 @@ inline QString labelTexts(QWidget *row)
 // An Agent whose model answers when the test lets it, or fails, and whose tools are fakes:
 // the panel sees the states of a real run.
 struct PanelHarness {
-    // The agent keeps its conversation in the shared copy: each test starts from an empty
-    // one of its own, whatever copy a test before it opened.
-    struct EmptySharedCopy {
-        EmptySharedCopy()
-        {
-            const auto *test = ::testing::UnitTest::GetInstance()->current_test_info();
-            Workspace::initShared(QStringLiteral("Panel %1 %2").arg(QString::fromUtf8(test->test_suite_name()),
-                                                                      QString::fromUtf8(test->name())));
-            QDir(Workspace::shared().root).removeRecursively();
-        }
-    } copy;
     bool released = false;
     bool failNext = false;
     std::optional<Provider> available = Provider::APIKey;

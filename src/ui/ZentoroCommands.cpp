@@ -1,4 +1,4 @@
-#include "ui/Commands.h"
+#include "ui/ZentoroCommands.h"
 
 #include "agent/Agent.h"
 #include "runtime/Runtime.h"
