@@ -33,9 +33,39 @@ void PluginContainerView::showGeneration(int generation)
     }
     delete content_;
     content_ = next;
+    // A new generation is drawn even when it brings no view: that frame starts its proving time.
+    update();
     if (!content_)
         return;
+    content_->installEventFilter(this);
     layout()->addWidget(content_);
+}
+
+void PluginContainerView::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+    drawn();
+}
+
+bool PluginContainerView::eventFilter(QObject *watched, QEvent *event)
+{
+    // The hosted view paints over all of the container, which then gets no paint of its own.
+    if (watched == content_ && event->type() == QEvent::Paint)
+        drawn();
+    return QWidget::eventFilter(watched, event);
+}
+
+void PluginContainerView::drawn()
+{
+    if (drawnGeneration_ == shownGeneration_)
+        return;
+    drawnGeneration_ = shownGeneration_;
+    // Told after this frame is painted: a version that dies painting it is still unproved.
+    const int generation = shownGeneration_;
+    QMetaObject::invokeMethod(this, [this, generation] {
+        if (runtime_)
+            runtime_->versionDrawn(generation);
+    }, Qt::QueuedConnection);
 }
 
 } // namespace zentoro

@@ -20,11 +20,19 @@ public:
     // The hosted root view, owned by this container; null when there is none.
     QWidget *content() const { return content_; }
 
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void showGeneration(int generation);
+    // Tells the runtime, after this frame, that the shown generation reached the screen.
+    void drawn();
 
     QPointer<Runtime> runtime_;
     int shownGeneration_ = -1;
+    // The generation whose first frame has been told to the runtime.
+    int drawnGeneration_ = -1;
     QPointer<QWidget> content_;
 };
 

@@ -8,9 +8,9 @@
 
 namespace zentoro::Relaunch {
 
-// A shell script that waits for process `pid` to end and then becomes the program named by
-// its `$0`, with "-ZentoroSafeMode YES" for safe mode. An API key from the environment is
-// passed by reference to the shell's variable, never written into the text.
+// A shell script that waits for process `pid` to end (a zombie has ended) and then becomes
+// the program named by its `$0`, with "-ZentoroSafeMode YES" for safe mode. An API key from
+// the environment is passed by reference to the shell's variable, never written into the text.
 QString script(qint64 pid, bool safeMode);
 
 // The program as the user started it: the AppImage when running from one, otherwise `argv0`

@@ -173,6 +173,15 @@ std::optional<QString> Runtime::load(int version)
     keepSavingHostedSettings();
     qCInfo(logRuntime, "Zentoro: loaded version %d", version);
 
+    return std::nullopt;
+}
+
+void Runtime::versionDrawn(int generation)
+{
+    if (generation != generation_ || provedGeneration_ == generation || !loadedVersion_)
+        return;
+    provedGeneration_ = generation;
+    const int version = *loadedVersion_;
     QPointer<Runtime> self(this);
     startTask([self, version](TaskHandle task) -> QCoro::Task<> {
         co_await sleep(task, provingTime);
@@ -183,7 +192,6 @@ std::optional<QString> Runtime::load(int version)
         proven.lastGood = version;
         self->saveState(proven);
     });
-    return std::nullopt;
 }
 
 } // namespace zentoro

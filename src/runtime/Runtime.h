@@ -83,6 +83,10 @@ public:
     // Opens version `version` in this process and makes it the one shown. None on success,
     // otherwise the error text; a failure leaves what is on screen as it was.
     std::optional<QString> load(int version);
+    // A container has drawn generation `generation` on screen for the first time. The loaded
+    // version's proving time starts at the first such frame, not at the load: a version that
+    // is never drawn, or dies drawing, never passes for good.
+    void versionDrawn(int generation);
 
     // Once per process, before the first frame: starts the console log, judges the previous
     // run, loads the version to run and begins looking for the compiler. A second call does nothing.
@@ -172,6 +176,8 @@ private:
     void *library_ = nullptr;
     QList<QPointer<PluginContainerView>> containers_;
     bool launched_ = false;
+    // The generation whose proving time has started.
+    int provedGeneration_ = 0;
     // Looks for the compiler under way.
     int checks_ = 0;
     QTimer *settingsSaver_ = nullptr;

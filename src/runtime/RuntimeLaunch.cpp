@@ -87,7 +87,8 @@ void Runtime::launch()
         // turns out to have changed all the same (behind a proxy such as swiftly's) is built
         // again too.
         std::optional<int> version = waiting;
-        if (!waiting && self->loadedVersion_ && !self->builtWithCurrentKit(*self->loadedVersion_))
+        if (!waiting && self->loadedVersion_ && self->toolchain_.isReady() &&
+            !self->builtWithCurrentKit(*self->loadedVersion_))
             version = self->loadedVersion_;
         const bool stillWanted = version && self->state_.current == version &&
                                  (waiting ? !self->loadedVersion_ : self->loadedVersion_ == version);

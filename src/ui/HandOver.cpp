@@ -6,6 +6,7 @@
 #include <QLocalSocket>
 #include <QMessageBox>
 #include <QStandardPaths>
+#include <QThread>
 
 #include <unistd.h>
 
@@ -67,34 +68,42 @@ void deferToRunningCopy(const Workspace &workspace)
         showAlreadyOpen(workspace.name);
 }
 
-Listener::Listener(const Workspace &workspace, QObject *parent) : QObject(parent), server_(new QLocalServer(this))
+Listener::Listener(const Workspace &workspace, QObject *parent)
+    : QObject(parent), thread_(new QThread(this)), server_(new QLocalServer)
 {
     const QString name = serverName(workspace);
-    // Only the holder of the copy's lock listens, so a socket left by a crash is stale.
-    QLocalServer::removeServer(name);
-    server_->setSocketOptions(QLocalServer::UserAccessOption);
-    server_->listen(name);
-    connect(server_, &QLocalServer::newConnection, this, [this] {
+    server_->moveToThread(thread_);
+    connect(thread_, &QThread::finished, server_, &QObject::deleteLater);
+    thread_->start();
+    // Listening before this returns, so a second start from now on finds the socket.
+    QMetaObject::invokeMethod(server_, [this, name] {
+        // Only the holder of the copy's lock listens, so a socket left by a crash is stale.
+        QLocalServer::removeServer(name);
+        server_->setSocketOptions(QLocalServer::UserAccessOption);
+        listening_ = server_->listen(name);
+    }, Qt::BlockingQueuedConnection);
+    connect(server_, &QLocalServer::newConnection, server_, [this] {
         while (QLocalSocket *socket = server_->nextPendingConnection()) {
             connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
+            connect(socket, &QLocalSocket::readyRead, socket, [this, socket] {
                 if (!socket->canReadLine())
                     return;
                 if (socket->readLine() != request) {
                     socket->disconnectFromServer();
                     return;
                 }
-                emit raiseRequested();
                 socket->write(answer);
                 socket->flush();
+                emit raiseRequested();
             });
         }
     });
 }
 
-bool Listener::isListening() const
+Listener::~Listener()
 {
-    return server_->isListening();
+    thread_->quit();
+    thread_->wait();
 }
 
 } // namespace zentoro::HandOver

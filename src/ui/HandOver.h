@@ -7,6 +7,7 @@
 #include <chrono>
 
 class QLocalServer;
+class QThread;
 
 namespace zentoro::HandOver {
 
@@ -24,18 +25,24 @@ void showAlreadyOpen(const QString &name);
 // process of a copy ends after this, with status 0 either way.
 void deferToRunningCopy(const Workspace &workspace);
 
-// The running copy's side: answers each second process and asks for the window.
+// The running copy's side: answers each second process and asks for the window. It listens
+// and answers on a thread of its own, so a second start is answered at once even while this
+// process is busy starting up or stuck in hosted code; `raiseRequested` reaches the main
+// thread whenever it is free again.
 class Listener : public QObject {
     Q_OBJECT
 public:
     explicit Listener(const Workspace &workspace, QObject *parent = nullptr);
-    bool isListening() const;
+    ~Listener() override;
+    bool isListening() const { return listening_; }
 
 signals:
     void raiseRequested();
 
 private:
+    QThread *thread_;
     QLocalServer *server_;
+    bool listening_ = false;
 };
 
 } // namespace zentoro::HandOver

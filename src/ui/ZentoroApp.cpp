@@ -11,6 +11,10 @@
 
 #include <QApplication>
 
+#include <cstdio>
+
+#include <unistd.h>
+
 namespace zentoro {
 
 ZentoroApp::Session::Session(const Workspace &workspace) : runtime(workspace), agent(AgentOperations(), workspace)
@@ -46,15 +50,22 @@ int ZentoroApp::run(int argc, char **argv)
         HandOver::deferToRunningCopy(workspace);
         return 0;
     }
+    // Listening first: a second start during a slow one waits for the answer instead of
+    // finding nobody and saying the copy is already open.
+    HandOver::Listener listener(workspace);
     AppName::apply(workspace.name);
     QuitSignals::install();
 
     ZentoroApp::Session session(workspace);
     MainWindow &window = *session.window;
-    HandOver::Listener listener(workspace);
     QObject::connect(&listener, &HandOver::Listener::raiseRequested, &window, &MainWindow::bringToFront);
     window.show();
-    return application.exec();
+    const int status = application.exec();
+    // `aboutToQuit` has saved all there is to save. Taking the window down now would release
+    // the hosted views and run the app's own teardown code, and a crash there would be taken
+    // for one of this run at the next start.
+    std::fflush(nullptr);
+    ::_exit(status);
 }
 
 } // namespace zentoro

@@ -1,9 +1,11 @@
 #include "RealProgram.h"
 
+#include "runtime/CrashLog.h"
 #include "runtime/Runtime.h"
 
 #include "support/Await.h"
 #include "support/Files.h"
+#include "support/VersionLibrary.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -23,6 +25,16 @@ const QByteArray trappingRoot = "import SwiftUI\n\n"
                                 "        Text(title!)\n"
                                 "    }\n"
                                 "}\n";
+
+// An app whose teardown traps: releasing its view ends the process.
+const QByteArray trapsWhenReleased = "import SwiftUI\n\n"
+                                     "final class Keeper: ObservableObject {\n"
+                                     "    deinit { fatalError(\"The app's teardown crashed\") }\n"
+                                     "}\n\n"
+                                     "struct AppRoot: View {\n"
+                                     "    @StateObject private var keeper = Keeper()\n"
+                                     "    var body: some View { Text(\"Keeping\") }\n"
+                                     "}\n";
 
 // An app that ends the process itself, as if it were done, as it appears.
 const QByteArray exitingRoot = "import SwiftUI\nimport Foundation\n\n"
@@ -158,4 +170,65 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
     ASSERT_TRUE(said(QStringLiteral("Version 2 crashed while starting; running version 1.")));
     send(SIGTERM);
     ASSERT_TRUE(ended());
+}
+
+// A quit doesn't run the hosted app's teardown, so a crash there isn't blamed on the run.
+TEST(CrashEndToEnd, AQuitEndsTheProgramWithoutTheHostedAppsTeardown)
+{
+    ZENTORO_REQUIRE_PROGRAM();
+    Program program(QStringLiteral("Quit Harness"));
+    const Workspace &workspace = program.workspace;
+    ASSERT_TRUE(buildVersions(workspace, {{QStringLiteral("AppRoot.swift"), trapsWhenReleased}}));
+    RuntimeState state = RuntimeState::read(workspace.stateFile());
+    state.current = state.lastGood = 2;
+    state.loading.reset();
+    state.write(workspace.stateFile());
+    const auto log = [&] { return readText(workspace.logs() + QStringLiteral("/current.log")); };
+
+    program.start();
+    const QString header = QStringLiteral(", pid %1\n").arg(program.process.processId());
+    ASSERT_TRUE(spinUntil([&] { return log().contains(header) && log().contains(QStringLiteral("Showing version 2.")); }, 20s));
+    ::kill(pid_t(program.process.processId()), SIGTERM);
+    ASSERT_TRUE(spinUntil([&] { return program.process.state() == QProcess::NotRunning; }, 20s));
+    EXPECT_EQ(program.process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.process.exitCode(), 0);
+    EXPECT_FALSE(log().contains(QString::fromLatin1(CrashLog::marker))) << log().toStdString();
+}
+
+// A second start while the first is still loading its version (slowly, here) is answered:
+// it brings the first forward and ends, instead of saying the copy is already open.
+TEST(CrashEndToEnd, ASecondStartDuringASlowStartIsAnswered)
+{
+    ZENTORO_REQUIRE_PROGRAM();
+    const QString cc = cCompiler();
+    if (cc.isEmpty())
+        GTEST_SKIP() << "No C compiler to make a version library with.";
+    Program program(QStringLiteral("Slow Start"));
+    const Workspace &workspace = program.workspace;
+    QDir(workspace.root).removeRecursively();
+    workspace.prepare();
+    buildVersionLibrary(cc, workspace, 1,
+                        standInLibrary() + "#include <unistd.h>\n"
+                                           "__attribute__((constructor)) static void slowly(void) { sleep(3); }\n");
+    RuntimeState state;
+    state.versions = {{1, QDateTime(QDate(2025, 3, 1), QTime(9, 30), Qt::UTC), QStringLiteral("Slow"), false}};
+    state.current = state.lastGood = 1;
+    state.nextNumber = 2;
+    state.write(workspace.stateFile());
+
+    // No compiler, so the version loads as it is, before the first frame.
+    program.start({QStringLiteral("-ZentoroSimulateMissingTools"), QStringLiteral("YES")});
+    ASSERT_TRUE(spinUntil([&] { return readText(workspace.logs() + QStringLiteral("/current.log"))
+                                           .contains(QStringLiteral(", pid %1\n").arg(program.process.processId())); }, 20s));
+    QProcess second;
+    second.setProgram(program.link);
+    second.setProcessEnvironment(program.environment);
+    second.start();
+    ASSERT_TRUE(second.waitForStarted());
+    const bool ended = spinUntil([&] { return second.state() == QProcess::NotRunning; }, 15s);
+    if (!ended)
+        second.kill();
+    EXPECT_TRUE(ended) << "the second start is waiting at an alert";
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(program.process.state(), QProcess::Running);
 }

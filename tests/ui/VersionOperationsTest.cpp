@@ -211,6 +211,18 @@ TEST(RelaunchScript, WaitsForTheOldProcessThenStartsTheProgramInANewSessionWithT
         EXPECT_EQ(lines[0], program + (key ? "|-ZentoroSafeMode YES|sk-from-env" : "||unset"));
         EXPECT_NE(lines[1].toLongLong(), qint64(::getsid(0)));
     }
+
+    // An old process that has ended but isn't reaped yet, as under a launcher that reaps late.
+    QFile::remove(report);
+    const pid_t ended = ::fork();
+    if (ended == 0)
+        ::_exit(0);
+    QThread::msleep(100);
+    pid_t shell = 0;
+    ASSERT_EQ(Relaunch::start(Relaunch::script(ended, false), program, &shell), std::nullopt);
+    EXPECT_TRUE(test::spinUntil([&] { return QFile::exists(report); }, std::chrono::seconds(5)));
+    ::waitpid(ended, nullptr, 0);
+    ::waitpid(shell, nullptr, 0);
 }
 
 TEST(RelaunchPath, KeepsTheNameTheUserStartedAndDoesNotFollowLinks)
