@@ -5,12 +5,12 @@
 // (3) load time of a version, from dlopen to its first painted frame, and resident memory
 //     growth per version over many versions loaded one after another.
 // Optional argument: how many versions to load in (3), 50 by default.
+#include "Measure.h"
 #include "runtime/BuildSteps.h"
 #include "runtime/Kit.h"
 #include "runtime/KitHostView.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
-#include "Measure.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -22,8 +22,8 @@
 #include <QCoroTask>
 
 #include <algorithm>
-#include <ctime>
 #include <cstdio>
+#include <ctime>
 #include <unistd.h>
 #include <vector>
 
@@ -197,7 +197,7 @@ int main(int argc, char **argv)
     const double after = residentMiB();
     std::printf("load, dlopen to first painted frame: median %.1f ms, slowest %.1f ms over %d versions\n",
                 median(loadTimes), *std::max_element(loadTimes.begin(), loadTimes.end()), versions);
-    std::printf("resident memory: %.1f MiB before, %.1f MiB after %d versions: %.2f MiB per version\n", before,
-                after, versions, (after - before) / versions);
+    std::printf("resident memory: %.1f MiB before, %.1f MiB after %d versions: %.2f MiB per version\n", before, after,
+                versions, (after - before) / versions);
     return 0;
 }

@@ -2,11 +2,11 @@
 //   crash_bench read_log                 read_log on a 1 GB log against a 1 MB one
 //   crash_bench screenshot               a screenshot of a 1200 × 760 window
 //   crash_bench fallback <zentoro>       a crash at start to the fallback's first frame
+#include "Measure.h"
 #include "agent/BuildTools.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
 #include "runtime/Shell.h"
-#include "Measure.h"
 
 #include "resources/Kit/Sources/ZentoroHostInterface/include/zentoro_host.h"
 
@@ -113,13 +113,14 @@ bool makeEmptyVersion(const Workspace &workspace, int number)
     QFile file(source);
     file.open(QIODevice::WriteOnly);
     file.write("void *zentoro_make_root_view(void) { return 0; }\n"
-               "int zentoro_kit_interface_version(void) { return " + QByteArray::number(ZENTORO_HOST_INTERFACE_VERSION) + "; }\n");
+               "int zentoro_kit_interface_version(void) { return " +
+               QByteArray::number(ZENTORO_HOST_INTERFACE_VERSION) + "; }\n");
     // The kit's other entry points are only looked up while the factory makes no view.
-    for (const char *name : {"zentoro_view_attach", "zentoro_view_release", "zentoro_view_set_size",
-                             "zentoro_view_set_appearance", "zentoro_view_update", "zentoro_view_render",
-                             "zentoro_view_pointer", "zentoro_view_scroll", "zentoro_view_key",
-                             "zentoro_view_text_changed", "zentoro_view_text_submitted", "zentoro_view_text_focus",
-                             "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
+    for (const char *name :
+         {"zentoro_view_attach", "zentoro_view_release", "zentoro_view_set_size", "zentoro_view_set_appearance",
+          "zentoro_view_update", "zentoro_view_render", "zentoro_view_pointer", "zentoro_view_scroll",
+          "zentoro_view_key", "zentoro_view_text_changed", "zentoro_view_text_submitted", "zentoro_view_text_focus",
+          "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
         file.write("void " + QByteArray(name) + "(void) {}\n");
     file.close();
     return await(Shell::run(cc, {"-shared", "-fPIC", "-o", workspace.dylib(number), source})).status == 0;
@@ -155,7 +156,9 @@ int screenshot()
     }
     spin([&] { return container->shownGeneration() == runtime.generation() && container->isVisible(); });
     QByteArray png;
-    const double captureMs = medianMs(21, [&] { png = runtime.snapshot(BuildTools::screenshotWidth).value_or(QByteArray()); });
+    const double captureMs = medianMs(21, [&] {
+        png = runtime.snapshot(BuildTools::screenshotWidth).value_or(QByteArray());
+    });
     const QString folder = workspace.build() + QStringLiteral("/Screenshots");
     const double storedMs = medianMs(21, [&] {
         BuildTools::screenshotResult(runtime.snapshot(BuildTools::screenshotWidth).value_or(QByteArray()), folder);
@@ -186,7 +189,8 @@ int launchAfterCrash(const QString &result)
         double painted = 0;
         bool eventFilter(QObject *object, QEvent *event) override
         {
-            if (event->type() == QEvent::Paint && painted == 0 && container->content() && object == container->content())
+            if (event->type() == QEvent::Paint && painted == 0 && container->content() &&
+                object == container->content())
                 painted = nowMs();
             return false;
         }
@@ -257,7 +261,8 @@ int fallback(const QString &zentoro, const QString &self)
         std::printf("crash at start: the next start didn't show version 1\n");
         return 1;
     }
-    std::printf("crash at start: the trapping version died %.0f ms after its process started\n", crashedAt - crashStart);
+    std::printf("crash at start: the trapping version died %.0f ms after its process started\n",
+                crashedAt - crashStart);
     std::printf("crash at start to the fallback's first frame: %.0f ms from the next process's start\n",
                 figures[0].toDouble() - nextStart);
     return 0;

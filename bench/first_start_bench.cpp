@@ -4,8 +4,8 @@
 // program, once from a program copied to where no kit was prepared; then the kit's own
 // first build alone.
 //   first_start_bench <zentoro>
-#include "runtime/Toolchain.h"
 #include "Measure.h"
+#include "runtime/Toolchain.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,7 +1,7 @@
 // Round trip (parse, then print) of a 20 MB conversation-like document with our JSON
 // value, against Python's json module on the same file.
-#include "core/JSON.h"
 #include "Measure.h"
+#include "core/JSON.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -20,17 +20,18 @@ namespace {
 
 JSON conversationItem(int index)
 {
-    const QString text = QStringLiteral("Line %1 of the app: let's make the timer ring louder — “quoted” \"text\"\n\tand é😀. ")
+    const QString text = QStringLiteral(
+                             "Line %1 of the app: let's make the timer ring louder — “quoted” \"text\"\n\tand é😀. ")
                              .arg(index)
                              .repeated(1 + index % 7);
     switch (index % 4) {
-    case 0:
-        return JSON::object({{"role", "user"}, {"content", text}});
+    case 0: return JSON::object({{"role", "user"}, {"content", text}});
     case 1:
-        return JSON::object({{"type", "function_call"},
-                             {"call_id", QStringLiteral("call_%1").arg(index)},
-                             {"name", "edit_file"},
-                             {"arguments", QString::fromUtf8(JSON::object({{"path", "AppRoot.swift"}, {"old_text", text}}).encode())}});
+        return JSON::object(
+            {{"type", "function_call"},
+             {"call_id", QStringLiteral("call_%1").arg(index)},
+             {"name", "edit_file"},
+             {"arguments", QString::fromUtf8(JSON::object({{"path", "AppRoot.swift"}, {"old_text", text}}).encode())}});
     case 2:
         return JSON::object({{"type", "function_call_output"},
                              {"call_id", QStringLiteral("call_%1").arg(index - 1)},
@@ -76,15 +77,17 @@ int main(int argc, char **argv)
             return 1;
     }
 
-    const QString script = QStringLiteral(
-        "import json, sys, time, statistics\n"
-        "times = []\n"
-        "for _ in range(%1):\n"
-        "    start = time.perf_counter()\n"
-        "    with open(sys.argv[1], 'rb') as f:\n"
-        "        out = json.dumps(json.loads(f.read()), ensure_ascii=False, separators=(',', ':')).encode()\n"
-        "    times.append((time.perf_counter() - start) * 1000)\n"
-        "print(statistics.median(times))\n").arg(runs);
+    const QString script =
+        QStringLiteral(
+            "import json, sys, time, statistics\n"
+            "times = []\n"
+            "for _ in range(%1):\n"
+            "    start = time.perf_counter()\n"
+            "    with open(sys.argv[1], 'rb') as f:\n"
+            "        out = json.dumps(json.loads(f.read()), ensure_ascii=False, separators=(',', ':')).encode()\n"
+            "    times.append((time.perf_counter() - start) * 1000)\n"
+            "print(statistics.median(times))\n")
+            .arg(runs);
     QProcess python;
     python.start(QStringLiteral("python3"), {QStringLiteral("-c"), script, path});
     python.waitForFinished(-1);

@@ -7,11 +7,11 @@
 // (4) resident memory of the to-do reference app, and what loading it added.
 // With `show <App.swift> <image.png> [width height]` it shows an app in a window instead and
 // saves what the window shows once the app has settled.
+#include "Measure.h"
 #include "runtime/Kit.h"
 #include "runtime/KitHostView.h"
 #include "runtime/Shell.h"
 #include "runtime/Toolchain.h"
-#include "Measure.h"
 
 #include <QApplication>
 #include <QDir>
@@ -54,20 +54,27 @@ void *loadApp(const QString &swiftc, const Kit::Build &kit, const QString &folde
     QDir().mkpath(dir);
     QFile entry(dir + QStringLiteral("/ZentoroEntry.swift")), app(dir + QStringLiteral("/App.swift"));
     entry.open(QIODevice::WriteOnly);
-    entry.write("import SwiftUI\n"
-                "enum AppInfo { static let name = \"Kit Bench\" }\n"
-                "extension UserDefaults { static let app = UserDefaults(suiteName: \"dev.vantu.zentoro.app.Kit Bench\")! }\n"
-                "@_cdecl(\"zentoro_make_root_view\")\n"
-                "public func zentoro_make_root_view() -> UnsafeMutableRawPointer "
-                "{ ZentoroHosting.makeRootView(AppRoot().defaultAppStorage(.app)) }\n");
+    entry.write(
+        "import SwiftUI\n"
+        "enum AppInfo { static let name = \"Kit Bench\" }\n"
+        "extension UserDefaults { static let app = UserDefaults(suiteName: \"dev.vantu.zentoro.app.Kit Bench\")! }\n"
+        "@_cdecl(\"zentoro_make_root_view\")\n"
+        "public func zentoro_make_root_view() -> UnsafeMutableRawPointer "
+        "{ ZentoroHosting.makeRootView(AppRoot().defaultAppStorage(.app)) }\n");
     entry.close();
     app.open(QIODevice::WriteOnly);
     app.write(source.toUtf8());
     app.close();
     const QString output = dir + QStringLiteral("/lib") + module + QStringLiteral(".so");
-    QStringList arguments{QStringLiteral("-emit-library"), QStringLiteral("-parse-as-library"),
-                          QStringLiteral("-module-name"), module, QStringLiteral("-swift-version"), QStringLiteral("5"),
-                          QStringLiteral("-module-cache-path"), dir + QStringLiteral("/ModuleCache"), QStringLiteral("-o"),
+    QStringList arguments{QStringLiteral("-emit-library"),
+                          QStringLiteral("-parse-as-library"),
+                          QStringLiteral("-module-name"),
+                          module,
+                          QStringLiteral("-swift-version"),
+                          QStringLiteral("5"),
+                          QStringLiteral("-module-cache-path"),
+                          dir + QStringLiteral("/ModuleCache"),
+                          QStringLiteral("-o"),
                           output};
     arguments += kit.arguments;
     arguments << entry.fileName() << app.fileName();
@@ -132,8 +139,8 @@ struct Window : QObject {
     }
     void wheel(QPointF at, int pixels)
     {
-        QWheelEvent event(at, view->mapToGlobal(at), QPoint(0, -pixels), QPoint(0, -pixels * 120 / 48), Qt::NoButton, {},
-                          Qt::NoScrollPhase, false);
+        QWheelEvent event(at, view->mapToGlobal(at), QPoint(0, -pixels), QPoint(0, -pixels * 120 / 48), Qt::NoButton,
+                          {}, Qt::NoScrollPhase, false);
         QApplication::sendEvent(view, &event);
     }
 };
@@ -251,10 +258,12 @@ int main(int argc, char **argv)
     if (kitSeconds > 5)
         std::printf("kit first build: %.1f s\n", kitSeconds);
     else
-        std::printf("kit first build: already in the cache (%.2f s); the build benchmark times a fresh one\n", kitSeconds);
+        std::printf("kit first build: already in the cache (%.2f s); the build benchmark times a fresh one\n",
+                    kitSeconds);
 
     {
-        void *handle = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("Thousand"), QString::fromUtf8(thousandViews));
+        void *handle = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("Thousand"),
+                               QString::fromUtf8(thousandViews));
         if (!handle)
             return 1;
         Window window(handle, {900, 700});
@@ -284,7 +293,8 @@ int main(int argc, char **argv)
 
     {
         const double before = residentMiB();
-        void *handle = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("TodoList"), referenceApp(QStringLiteral("TodoList")));
+        void *handle = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("TodoList"),
+                               referenceApp(QStringLiteral("TodoList")));
         if (!handle)
             return 1;
         Window window(handle, {800, 600});

@@ -52,11 +52,13 @@ ChatItem row(qsizetype index, const QTemporaryDir &dir)
     }
     switch (index % 3) {
     case 0:
-        return ChatItem::make(ChatItem::Kind::User, QStringLiteral("Please make step %1 of the timer a bit nicer").arg(index));
+        return ChatItem::make(ChatItem::Kind::User,
+                              QStringLiteral("Please make step %1 of the timer a bit nicer").arg(index));
     case 1:
         return ChatItem::make(ChatItem::Kind::Assistant,
                               QStringLiteral("I changed **step %1**: the ring now uses `Circle().trim` and a softer "
-                                             "colour, and the buttons line up.").arg(index));
+                                             "colour, and the buttons line up.")
+                                  .arg(index));
     default:
         return ChatItem::make(ChatItem::Kind::Event, QStringLiteral("Restarted"), QStringLiteral("arrow.clockwise"));
     }

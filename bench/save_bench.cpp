@@ -41,23 +41,26 @@ JSON historyItem(int index)
     switch (index % 5) {
     case 0: return Agent::message(QStringLiteral("user"), filler(index, 120));
     case 1:
-        return JSON::object({{"type", "reasoning"}, {"encrypted_content", filler(index, 900)}, {"summary", JSON::array()}});
+        return JSON::object(
+            {{"type", "reasoning"}, {"encrypted_content", filler(index, 900)}, {"summary", JSON::array()}});
     case 2:
-        return JSON::object({{"type", "function_call"},
-                             {"call_id", callID},
-                             {"name", "edit_file"},
-                             {"arguments", QString::fromUtf8(JSON::object({{"path", "AppRoot.swift"},
-                                                                           {"new_text", filler(index, 300)}})
-                                                                 .encode())}});
+        return JSON::object(
+            {{"type", "function_call"},
+             {"call_id", callID},
+             {"name", "edit_file"},
+             {"arguments", QString::fromUtf8(
+                               JSON::object({{"path", "AppRoot.swift"}, {"new_text", filler(index, 300)}}).encode())}});
     case 3:
         if (index % 50 == 3)
-            return Agent::output(callID, JSON::array({JSON::object({{"type", "input_image"},
-                                                                    {"image_url", "file:///tmp/zentoro-bench-shot.png"}})}));
+            return Agent::output(callID,
+                                 JSON::array({JSON::object(
+                                     {{"type", "input_image"}, {"image_url", "file:///tmp/zentoro-bench-shot.png"}})}));
         return Agent::output(callID, filler(index, 400));
     default:
-        return JSON::object({{"type", "message"},
-                             {"role", "assistant"},
-                             {"content", JSON::array({JSON::object({{"type", "output_text"}, {"text", filler(index, 200)}})})}});
+        return JSON::object(
+            {{"type", "message"},
+             {"role", "assistant"},
+             {"content", JSON::array({JSON::object({{"type", "output_text"}, {"text", filler(index, 200)}})})}});
     }
 }
 
@@ -149,7 +152,8 @@ int main(int argc, char **argv)
     // what was added since.
     QElapsedTimer firstRequestClock;
     firstRequestClock.start();
-    const qsizetype inputSize = ModelRequest::request(agent, Provider::ChatGPT).arrayAt(QStringLiteral("input"))->size();
+    const qsizetype inputSize =
+        ModelRequest::request(agent, Provider::ChatGPT).arrayAt(QStringLiteral("input"))->size();
     const double firstRequest = firstRequestClock.nsecsElapsed() / 1e6;
     const double request = timed([&] { ModelRequest::request(agent, Provider::ChatGPT); },
                                  [&] { recordOneMore(added++); });
@@ -158,8 +162,8 @@ int main(int argc, char **argv)
 
     std::printf("conversation: %d history items, %d rows, %.1f MB on disk\n", historyItems, rows, bytes.size() / 1e6);
     std::printf("first save():             %8.2f ms (everything encoded afresh)\n", firstSave);
-    std::printf("save():                   %8.2f ms (median of %d, one item and one row added before each)\n",
-                save, runs);
+    std::printf("save():                   %8.2f ms (median of %d, one item and one row added before each)\n", save,
+                runs);
     std::printf("plain write, same bytes:  %8.2f ms  -> save() is %.2fx (goal: within 2x)\n", plain, save / plain);
     std::printf("plain write with fsync:   %8.2f ms  -> save() is %.2fx\n", plainSynced, save / plainSynced);
     std::printf("first request():          %8.2f ms (every item looked at)\n", firstRequest);

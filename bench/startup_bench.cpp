@@ -3,8 +3,8 @@
 // after that frame. The copy's first version is built once, beforehand; each run then starts
 // the program anew on it and ends it with SIGTERM, as a session logging out would.
 //   startup_bench <zentoro>
-#include "runtime/Runtime.h"
 #include "Measure.h"
+#include "runtime/Runtime.h"
 
 #include <QApplication>
 #include <QDir>

@@ -12,15 +12,15 @@
 #include <QElapsedTimer>
 #include <QFile>
 
+#include <arpa/inet.h>
 #include <cstdio>
 #include <cstring>
+#include <netinet/in.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <netinet/in.h>
-#include <arpa/inet.h>
-#include <signal.h>
 #include <unistd.h>
 
 extern char **environ;
@@ -69,11 +69,12 @@ Stream buildStream(qsizetype targetBytes)
                       R"(,"item_id":")" + id + R"(","output_index":)" + QByteArray::number(i) +
                       R"(,"content_index":0,"delta":")" + text.mid(at, deltaText) + R"(","logprobs":[]})");
         }
-        event("response.output_item.done",
-              R"({"type":"response.output_item.done","sequence_number":)" + QByteArray::number(sequence++) +
-                  R"(,"output_index":)" + QByteArray::number(i) + R"(,"item":{"id":")" + id +
-                  R"(","type":"message","status":"completed","role":"assistant","content":[{"type":"output_text","annotations":[],"text":")" +
-                  text + R"("}]}})");
+        event(
+            "response.output_item.done",
+            R"({"type":"response.output_item.done","sequence_number":)" + QByteArray::number(sequence++) +
+                R"(,"output_index":)" + QByteArray::number(i) + R"(,"item":{"id":")" + id +
+                R"(","type":"message","status":"completed","role":"assistant","content":[{"type":"output_text","annotations":[],"text":")" +
+                text + R"("}]}})");
     }
     event("response.completed",
           R"({"type":"response.completed","sequence_number":)" + QByteArray::number(sequence++) +
@@ -112,7 +113,8 @@ void writeAll(int descriptor, const char *data, size_t length)
             headEnd = request.indexOf("\r\n\r\n");
         }
         const qsizetype lengthAt = request.toLower().indexOf("content-length:");
-        const qsizetype length = lengthAt < 0 ? 0 : request.mid(lengthAt + 15, 12).trimmed().split('\r')[0].toLongLong();
+        const qsizetype length = lengthAt < 0 ? 0
+                                              : request.mid(lengthAt + 15, 12).trimmed().split('\r')[0].toLongLong();
         while (headEnd >= 0 && request.size() < headEnd + 4 + length) {
             const ssize_t got = ::read(connection, buffer, sizeof buffer);
             if (got <= 0)
@@ -146,8 +148,10 @@ struct Run {
 
 Run runCurl(const QByteArray &url)
 {
-    std::vector<const char *> arguments{"curl", "-sN", "-o", "/dev/null", "-H", "Content-Type: application/json",
-                                        "--data-binary", "{}", url.constData(), nullptr};
+    std::vector<const char *> arguments{"curl",          "-sN", "-o",
+                                        "/dev/null",     "-H",  "Content-Type: application/json",
+                                        "--data-binary", "{}",  url.constData(),
+                                        nullptr};
     QElapsedTimer clock;
     clock.start();
     pid_t child = 0;
@@ -298,8 +302,8 @@ int main(int argc, char **argv)
     std::vector<Figures> all;
     for (const qsizetype target : {qsizetype(50'000'000), qsizetype(200'000'000)}) {
         const Figures figures = measure(target);
-        std::printf("stream: %.1f MB in %d events, %d items of %.0f kB text\n",
-                    figures.streamBytes / megabyte, figures.events, items, textPerItem / 1e3);
+        std::printf("stream: %.1f MB in %d events, %d items of %.0f kB text\n", figures.streamBytes / megabyte,
+                    figures.events, items, textPerItem / 1e3);
         std::printf("  curl -sN:        wall %.3f s, CPU %.3f s (median of %d)\n", figures.curl.wall, figures.curl.cpu,
                     runs);
         std::printf("  OpenAI::respond: wall %.3f s, CPU %.3f s (median of %d)\n", figures.client.wall,

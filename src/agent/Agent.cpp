@@ -223,7 +223,8 @@ QCoro::Task<> Agent::loop(TaskHandle self)
         if (const JSON::Array *outputItems = response.arrayAt("output")) {
             for (const JSON &item : *outputItems) {
                 // A call named twice runs once: two outputs for one call would be refused.
-                if (item.stringAt("type") == u"function_call" && !callIDs.contains(item.stringAt("call_id").value_or(QString()))) {
+                if (item.stringAt("type") == u"function_call" &&
+                    !callIDs.contains(item.stringAt("call_id").value_or(QString()))) {
                     callIDs.insert(item.stringAt("call_id").value_or(QString()));
                     calls.append(item);
                 }

@@ -2,9 +2,9 @@
 
 #include "agent/ChatItem.h"
 #include "agent/Recovery.h"
+#include "core/JSON.h"
 #include "core/MainTask.h"
 #include "model_service/Failures.h"
-#include "core/JSON.h"
 #include "model_service/Provider.h"
 
 #include <QCoroTask>

@@ -108,8 +108,8 @@ void Agent::writeConversation()
         QDir().mkpath(conversationsFolder(workspace_));
         try {
             // Written at once, so a crash in the next step finds it; flushed off the window's thread.
-            const std::optional<QString> error =
-                AtomicFile::write(path, encoder().encode(current), 0644, AtomicFile::Durability::Written);
+            const std::optional<QString> error = AtomicFile::write(path, encoder().encode(current), 0644,
+                                                                   AtomicFile::Durability::Written);
             if (!error)
                 AtomicFile::flushInBackground(path);
             if (operations_.diskFull)
@@ -182,9 +182,8 @@ void Agent::refreshConversations()
         if (!summary.isEmpty)
             list.append(std::move(summary));
     }
-    std::stable_sort(list.begin(), list.end(), [](const ConversationSummary &a, const ConversationSummary &b) {
-        return a.updated > b.updated;
-    });
+    std::stable_sort(list.begin(), list.end(),
+                     [](const ConversationSummary &a, const ConversationSummary &b) { return a.updated > b.updated; });
     setConversations(std::move(list));
 }
 

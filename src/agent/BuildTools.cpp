@@ -67,11 +67,11 @@ QString whichArgument(const JSON &arguments)
 ToolResult buildResult(const BuildOutcome &outcome)
 {
     if (const BuildOutcome::Success *success = outcome.success()) {
-        QString output = QStringLiteral("Build succeeded. Version %1 is now running in the window.").arg(success->version);
-        ChatItem item = row(QStringLiteral("Built version %1 in %2s")
-                                .arg(success->version)
-                                .arg(oneDecimal(success->seconds)),
-                            "hammer");
+        QString output =
+            QStringLiteral("Build succeeded. Version %1 is now running in the window.").arg(success->version);
+        ChatItem item =
+            row(QStringLiteral("Built version %1 in %2s").arg(success->version).arg(oneDecimal(success->seconds)),
+                "hammer");
         if (!success->warnings.isEmpty()) {
             output += QStringLiteral("\nCompiler warnings:\n") + success->warnings;
             item.detail = success->warnings;

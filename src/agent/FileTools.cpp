@@ -144,9 +144,10 @@ ToolResult writeFile(Agent &agent, const Workspace &workspace, const QString &pa
         const QString file = workspace.resolve(path);
         const bool existed = QFileInfo::exists(file);
         writeText(file, path.trimmed(), content);
-        return ToolResult{JSON(QStringLiteral("Wrote %1 (%2 lines).").arg(path, QString::number(Tools::lineCount(content)))),
-                          row((existed ? QStringLiteral("Rewrote %1") : QStringLiteral("Created %1")).arg(path),
-                              "square.and.pencil", Tools::limited(content))};
+        return ToolResult{
+            JSON(QStringLiteral("Wrote %1 (%2 lines).").arg(path, QString::number(Tools::lineCount(content)))),
+            row((existed ? QStringLiteral("Rewrote %1") : QStringLiteral("Created %1")).arg(path), "square.and.pencil",
+                Tools::limited(content))};
     } catch (const Failure &failure) {
         return failed(failure, "write_file");
     }

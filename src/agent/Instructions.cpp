@@ -162,8 +162,7 @@ QString relativeAge(const QDateTime &date, const QDateTime &now)
     if (days < 365)
         return relative(days / 30, past, QStringLiteral("month"), QStringLiteral("last month"),
                         QStringLiteral("next month"));
-    return relative(days / 365, past, QStringLiteral("year"), QStringLiteral("last year"),
-                    QStringLiteral("next year"));
+    return relative(days / 365, past, QStringLiteral("year"), QStringLiteral("last year"), QStringLiteral("next year"));
 }
 
 QString fullDate(const QDate &date, const QLocale &locale)

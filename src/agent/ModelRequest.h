@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/MainTask.h"
 #include "core/JSON.h"
+#include "core/MainTask.h"
 #include "model_service/Provider.h"
 
 #include <QList>

@@ -75,8 +75,8 @@ ChatItem failureRow(const OpenAI::Failure &failure, Provider provider, const Pla
 {
     const ChatLink usage{QStringLiteral("Manage Usage"), plan.usageURL};
     if (failure.code == u"subscription_sharing_usage_limit_exceeded")
-        return errorRow(
-            QStringLiteral("Usage limit reached. Review your plan or Zentoro's limit in ChatGPT settings."), usage);
+        return errorRow(QStringLiteral("Usage limit reached. Review your plan or Zentoro's limit in ChatGPT settings."),
+                        usage);
     if (failure.code == u"subscription_sharing_user_not_eligible")
         return errorRow(QStringLiteral("Your ChatGPT plan can't be used in Zentoro (%1). You can add an OpenAI API "
                                        "key in Settings instead.")

@@ -2,8 +2,8 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTimeZone>
 #include <QRegularExpression>
+#include <QTimeZone>
 
 #include <cmath>
 

@@ -48,8 +48,7 @@ void flushNow(const QByteArray &file)
 std::optional<QString> write(const QString &path, const QByteArray &contents, int mode, Durability durability)
 {
     const QByteArray target = QFile::encodeName(path);
-    const QByteArray temporary =
-        target + ".tmp-" + QByteArray::number(QRandomGenerator::system()->generate64(), 36);
+    const QByteArray temporary = target + ".tmp-" + QByteArray::number(QRandomGenerator::system()->generate64(), 36);
     const int descriptor = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor < 0)
         return systemWords(errno);

@@ -23,8 +23,8 @@ std::optional<QString> argument(const QString &key)
 
 QString path(const QString &suite)
 {
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Zentoro/");
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                           QStringLiteral("/Zentoro/");
     return folder + (suite.isEmpty() ? QStringLiteral("Zentoro") : suite) + QStringLiteral(".ini");
 }
 

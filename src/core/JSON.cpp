@@ -21,13 +21,54 @@ const QString *commonWord(std::string_view text)
 {
     static const auto words = [] {
         std::unordered_map<std::string_view, QString> table;
-        for (const char *word :
-             {"type", "id", "call_id", "name", "arguments", "output", "role", "content", "text", "status",
-              "summary", "encrypted_content", "image_url", "detail", "kind", "title", "symbol", "link", "url",
-              "imagePath", "item", "item_id", "delta", "response", "output_index", "content_index",
-              "sequence_number", "annotations", "logprobs", "error", "code", "message", "usage", "function_call",
-              "function_call_output", "reasoning", "input_text", "output_text", "input_image", "summary_text",
-              "user", "assistant", "developer", "completed", "in_progress", "incomplete", "tool", "event"})
+        for (const char *word : {"type",
+                                 "id",
+                                 "call_id",
+                                 "name",
+                                 "arguments",
+                                 "output",
+                                 "role",
+                                 "content",
+                                 "text",
+                                 "status",
+                                 "summary",
+                                 "encrypted_content",
+                                 "image_url",
+                                 "detail",
+                                 "kind",
+                                 "title",
+                                 "symbol",
+                                 "link",
+                                 "url",
+                                 "imagePath",
+                                 "item",
+                                 "item_id",
+                                 "delta",
+                                 "response",
+                                 "output_index",
+                                 "content_index",
+                                 "sequence_number",
+                                 "annotations",
+                                 "logprobs",
+                                 "error",
+                                 "code",
+                                 "message",
+                                 "usage",
+                                 "function_call",
+                                 "function_call_output",
+                                 "reasoning",
+                                 "input_text",
+                                 "output_text",
+                                 "input_image",
+                                 "summary_text",
+                                 "user",
+                                 "assistant",
+                                 "developer",
+                                 "completed",
+                                 "in_progress",
+                                 "incomplete",
+                                 "tool",
+                                 "event"})
             table.emplace(word, QString::fromLatin1(word));
         return table;
     }();
@@ -69,7 +110,9 @@ bool keyBefore(const JSON::Object::value_type &member, const QString &key)
 
 JSON::Object JSON::Object::fromPairs(std::vector<value_type> members)
 {
-    const auto notAscending = [](const value_type &a, const value_type &b) { return compareKeys(a.first, b.first) >= 0; };
+    const auto notAscending = [](const value_type &a, const value_type &b) {
+        return compareKeys(a.first, b.first) >= 0;
+    };
     if (std::adjacent_find(members.begin(), members.end(), notAscending) != members.end()) {
         std::stable_sort(members.begin(), members.end(),
                          [](const value_type &a, const value_type &b) { return compareKeys(a.first, b.first) < 0; });
@@ -249,18 +292,12 @@ bool operator==(const JSON &a, const JSON &b)
     if (a.kind() != b.kind())
         return false;
     switch (a.kind()) {
-    case JSON::Kind::Bool:
-        return *a.boolValue() == *b.boolValue();
-    case JSON::Kind::Number:
-        return *a.numberValue() == *b.numberValue();
-    case JSON::Kind::String:
-        return std::get<QString>(a.value_) == std::get<QString>(b.value_);
-    case JSON::Kind::Array:
-        return a.arrayValue() == b.arrayValue() || *a.arrayValue() == *b.arrayValue();
-    case JSON::Kind::Object:
-        return a.objectValue() == b.objectValue() || *a.objectValue() == *b.objectValue();
-    case JSON::Kind::Null:
-        return true;
+    case JSON::Kind::Bool: return *a.boolValue() == *b.boolValue();
+    case JSON::Kind::Number: return *a.numberValue() == *b.numberValue();
+    case JSON::Kind::String: return std::get<QString>(a.value_) == std::get<QString>(b.value_);
+    case JSON::Kind::Array: return a.arrayValue() == b.arrayValue() || *a.arrayValue() == *b.arrayValue();
+    case JSON::Kind::Object: return a.objectValue() == b.objectValue() || *a.objectValue() == *b.objectValue();
+    case JSON::Kind::Null: return true;
     }
     return false;
 }
@@ -316,15 +353,9 @@ void writeString(QByteArray &out, const QString &text)
 void write(QByteArray &out, const JSON &value)
 {
     switch (value.kind()) {
-    case JSON::Kind::Bool:
-        out.append(*value.boolValue() ? "true" : "false");
-        return;
-    case JSON::Kind::Number:
-        writeNumber(out, *value.numberValue());
-        return;
-    case JSON::Kind::String:
-        writeString(out, *value.stringValue());
-        return;
+    case JSON::Kind::Bool: out.append(*value.boolValue() ? "true" : "false"); return;
+    case JSON::Kind::Number: writeNumber(out, *value.numberValue()); return;
+    case JSON::Kind::String: writeString(out, *value.stringValue()); return;
     case JSON::Kind::Array: {
         out.append('[');
         bool first = true;
@@ -351,9 +382,7 @@ void write(QByteArray &out, const JSON &value)
         out.append('}');
         return;
     }
-    case JSON::Kind::Null:
-        out.append("null");
-        return;
+    case JSON::Kind::Null: out.append("null"); return;
     }
 }
 
@@ -404,9 +433,18 @@ private:
         case '{': return parseObject(depth);
         case '[': return parseArray(depth);
         case '"': return JSON(parseString());
-        case 't': if (consume("true", 4)) return JSON(true); break;
-        case 'f': if (consume("false", 5)) return JSON(false); break;
-        case 'n': if (consume("null", 4)) return JSON(nullptr); break;
+        case 't':
+            if (consume("true", 4))
+                return JSON(true);
+            break;
+        case 'f':
+            if (consume("false", 5))
+                return JSON(false);
+            break;
+        case 'n':
+            if (consume("null", 4))
+                return JSON(nullptr);
+            break;
         default:
             if (*p_ == '-' || (*p_ >= '0' && *p_ <= '9'))
                 return parseNumber();
@@ -534,9 +572,12 @@ private:
 
     static int hexValue(char c)
     {
-        if (c >= '0' && c <= '9') return c - '0';
-        if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-        if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+        if (c >= '0' && c <= '9')
+            return c - '0';
+        if (c >= 'a' && c <= 'f')
+            return c - 'a' + 10;
+        if (c >= 'A' && c <= 'F')
+            return c - 'A' + 10;
         return -1;
     }
 
@@ -639,8 +680,7 @@ private:
                 out.append(QChar::isSurrogate(unit) ? QChar(QChar::ReplacementCharacter) : QChar(unit));
                 break;
             }
-            default:
-                fail("Invalid escape in a string");
+            default: fail("Invalid escape in a string");
             }
             run = p_;
         }

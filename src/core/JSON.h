@@ -34,9 +34,11 @@ public:
     JSON(std::nullptr_t) : value_(nullptr) {}
     JSON(bool value) : value_(value) {}
     template <typename Integer>
-        requires(std::is_integral_v<Integer> && !std::is_same_v<Integer, bool> &&
-                 !std::is_same_v<Integer, char>)
-    JSON(Integer value) : value_(static_cast<double>(value)) {}
+    requires(std::is_integral_v<Integer> && !std::is_same_v<Integer, bool> && !std::is_same_v<Integer, char>)
+        JSON(Integer value)
+        : value_(static_cast<double>(value))
+    {
+    }
     // Fractions have no implicit form: write JSON::number(x).
     JSON(double) = delete;
     JSON(float) = delete;

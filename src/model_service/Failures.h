@@ -19,7 +19,9 @@ struct Failure : DescribedError {
     QString message;
 
     Failure(int status, std::optional<QString> code, std::optional<QString> param, QString message)
-        : status(status), code(std::move(code)), param(std::move(param)), message(std::move(message)) {}
+        : status(status), code(std::move(code)), param(std::move(param)), message(std::move(message))
+    {
+    }
     // "OpenAI error <status>: <message>", or the message alone when status is 0.
     QString errorDescription() const override
     {

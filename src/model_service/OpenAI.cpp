@@ -117,8 +117,8 @@ private:
         } else if (error != QNetworkReply::NoError) {
             // Only our own cancel aborts a reply; an abort we didn't ask for is the time-out.
             if (error == QNetworkReply::OperationCanceledError)
-                end(std::make_exception_ptr(NetworkError(QNetworkReply::TimeoutError,
-                                                         QStringLiteral("The request timed out."))),
+                end(std::make_exception_ptr(
+                        NetworkError(QNetworkReply::TimeoutError, QStringLiteral("The request timed out."))),
                     false);
             else
                 end(std::make_exception_ptr(NetworkError(error, reply_->errorString())), false);

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/JSON.h"
 #include "core/MainTask.h"
 #include "model_service/Failures.h"
-#include "core/JSON.h"
 
 #include <QByteArray>
 #include <QString>

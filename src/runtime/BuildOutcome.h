@@ -10,8 +10,8 @@ namespace zentoro {
 struct BuildOutcome {
     struct Success {
         int version;
-        double seconds; // from just before the compiler started until the load was done
-        QString warnings;   // the cleaned compiler output; empty when it said nothing
+        double seconds;   // from just before the compiler started until the load was done
+        QString warnings; // the cleaned compiler output; empty when it said nothing
         bool operator==(const Success &) const = default;
     };
     struct Failure {

@@ -11,21 +11,11 @@ QString swiftLiteral(const QString &text)
     QString literal = QStringLiteral("\"");
     for (const QChar character : text) {
         switch (character.unicode()) {
-        case u'\\':
-            literal += QStringLiteral("\\\\");
-            break;
-        case u'"':
-            literal += QStringLiteral("\\\"");
-            break;
-        case u'\n':
-            literal += QStringLiteral("\\n");
-            break;
-        case u'\r':
-            literal += QStringLiteral("\\r");
-            break;
-        case u'\t':
-            literal += QStringLiteral("\\t");
-            break;
+        case u'\\': literal += QStringLiteral("\\\\"); break;
+        case u'"': literal += QStringLiteral("\\\""); break;
+        case u'\n': literal += QStringLiteral("\\n"); break;
+        case u'\r': literal += QStringLiteral("\\r"); break;
+        case u'\t': literal += QStringLiteral("\\t"); break;
         default:
             if (character.unicode() < 0x20 || character.unicode() == 0x7f)
                 literal += QStringLiteral("\\u{%1}").arg(character.unicode(), 0, 16);
@@ -66,26 +56,14 @@ QString targetTriple()
 
 QStringList compilerArguments(const CompileInputs &inputs)
 {
-    QStringList arguments{QStringLiteral("-emit-library"),
-                          QStringLiteral("-parse-as-library"),
-                          QStringLiteral("-module-name"),
-                          inputs.module,
-                          QStringLiteral("-target"),
-                          targetTriple(),
+    QStringList arguments{QStringLiteral("-emit-library"), QStringLiteral("-parse-as-library"),
+                          QStringLiteral("-module-name"), inputs.module, QStringLiteral("-target"), targetTriple(),
                           // On Linux "-sdk" names the Swift runtime's root, not the
                           // system's; the sysroot goes by its own flag.
-                          QStringLiteral("-sysroot"),
-                          inputs.sdk,
-                          QStringLiteral("-swift-version"),
-                          QStringLiteral("5"),
-                          QStringLiteral("-Onone"),
-                          QStringLiteral("-g"),
-                          QStringLiteral("-diagnostic-style"),
-                          QStringLiteral("llvm"),
-                          QStringLiteral("-module-cache-path"),
-                          inputs.moduleCache,
-                          QStringLiteral("-o"),
-                          inputs.output};
+                          QStringLiteral("-sysroot"), inputs.sdk, QStringLiteral("-swift-version"), QStringLiteral("5"),
+                          QStringLiteral("-Onone"), QStringLiteral("-g"), QStringLiteral("-diagnostic-style"),
+                          QStringLiteral("llvm"), QStringLiteral("-module-cache-path"), inputs.moduleCache,
+                          QStringLiteral("-o"), inputs.output};
     arguments += inputs.kitFlags;
     arguments += inputs.files;
     return arguments;

@@ -20,10 +20,10 @@ QString entryFile(const QString &copyName, const QString &defaultsSuite);
 QString targetTriple();
 
 struct CompileInputs {
-    QString module;      // "ZentoroApp<n>"
-    QString output;      // the library to write
-    QString moduleCache; // shared by every build of the copy
-    QString sdk; // the sysroot
+    QString module;       // "ZentoroApp<n>"
+    QString output;       // the library to write
+    QString moduleCache;  // shared by every build of the copy
+    QString sdk;          // the sysroot
     QStringList kitFlags; // include, library and rpath flags of the hosted UI kit
     QStringList files;    // the entry file first, then the sources in their order
 };

@@ -8,7 +8,8 @@ const QString readLogHint = QStringLiteral("read_log with which=\"crash\" shows 
 
 Judgement crashedLater(const RuntimeState &state, const QString &crash, const QString &name)
 {
-    const QString what = state.current ? QStringLiteral("version %1").arg(*state.current) : QStringLiteral("no version");
+    const QString what = state.current ? QStringLiteral("version %1").arg(*state.current)
+                                       : QStringLiteral("no version");
     Judgement judgement{state};
     judgement.banner = Banner{QStringLiteral("%1 crashed last time it ran (%2).").arg(name, what), crash, true};
     judgement.shown = QStringLiteral("%1 crashed last time (%2): %3").arg(name, what, crash);
@@ -26,9 +27,9 @@ Judgement crashedWhileStarting(const RuntimeState &state, int version, const std
     judgement.state.current = fallback(state, version);
     const QString target = judgement.state.current ? QStringLiteral("version %1").arg(*judgement.state.current)
                                                    : QStringLiteral("an empty window");
-    judgement.banner =
-        Banner{QStringLiteral("Version %1 crashed while starting, so %2 went back to %3.").arg(version).arg(name, target),
-               crash, true};
+    judgement.banner = Banner{
+        QStringLiteral("Version %1 crashed while starting, so %2 went back to %3.").arg(version).arg(name, target),
+        crash, true};
     judgement.shown = QStringLiteral("Version %1 crashed while starting; running %2.").arg(version).arg(target);
     judgement.told = QStringLiteral("Version %1 crashed the app while it was starting (%2). Zentoro fell back to %3. "
                                     "The source files still contain version %1's code. ")

@@ -112,32 +112,22 @@ QString trimmedOf(QString text, const QString &characters)
 const char *signalText(int signal)
 {
     switch (signal) {
-    case SIGILL:
-        return "SIGILL (illegal instruction)";
-    case SIGTRAP:
-        return "SIGTRAP (Swift runtime trap: fatalError, force unwrap of nil, array index out of range, …)";
-    case SIGABRT:
-        return "SIGABRT (abort)";
-    case SIGFPE:
-        return "SIGFPE (arithmetic error)";
-    case SIGBUS:
-        return "SIGBUS (bad memory access)";
-    case SIGSEGV:
-        return "SIGSEGV (bad memory access)";
-    default:
-        return "signal";
+    case SIGILL: return "SIGILL (illegal instruction)";
+    case SIGTRAP: return "SIGTRAP (Swift runtime trap: fatalError, force unwrap of nil, array index out of range, …)";
+    case SIGABRT: return "SIGABRT (abort)";
+    case SIGFPE: return "SIGFPE (arithmetic error)";
+    case SIGBUS: return "SIGBUS (bad memory access)";
+    case SIGSEGV: return "SIGSEGV (bad memory access)";
+    default: return "signal";
     }
 }
 
 QString rawValue(Which which)
 {
     switch (which) {
-    case Which::Current:
-        return QStringLiteral("current");
-    case Which::Previous:
-        return QStringLiteral("previous");
-    case Which::Crash:
-        return QStringLiteral("crash");
+    case Which::Current: return QStringLiteral("current");
+    case Which::Previous: return QStringLiteral("previous");
+    case Which::Crash: return QStringLiteral("crash");
     }
     return {};
 }

@@ -19,7 +19,8 @@ Banner banner(const QString &what)
 
 bool explainsBuildFailure(const QString &output, const QString &folder)
 {
-    if (output.contains(QStringLiteral("No space left on device")) || output.contains(QStringLiteral("Disk quota exceeded")))
+    if (output.contains(QStringLiteral("No space left on device")) ||
+        output.contains(QStringLiteral("Disk quota exceeded")))
         return true;
     const QStorageInfo storage(folder);
     return storage.isValid() && storage.bytesAvailable() >= 0 && storage.bytesAvailable() < leastRoom;

@@ -170,9 +170,17 @@ bool isReady(const QString &compilerVersion)
 QStringList appArguments(const QString &folder)
 {
     const QString name = QFileInfo(folder).fileName();
-    return {QStringLiteral("-I"), folder, QStringLiteral("-I"), folder + QStringLiteral("/include"),
-            QStringLiteral("-L"), folder, QStringLiteral("-lSwiftUI-") + name,
-            QStringLiteral("-Xlinker"), QStringLiteral("-rpath"), QStringLiteral("-Xlinker"), folder};
+    return {QStringLiteral("-I"),
+            folder,
+            QStringLiteral("-I"),
+            folder + QStringLiteral("/include"),
+            QStringLiteral("-L"),
+            folder,
+            QStringLiteral("-lSwiftUI-") + name,
+            QStringLiteral("-Xlinker"),
+            QStringLiteral("-rpath"),
+            QStringLiteral("-Xlinker"),
+            folder};
 }
 
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
@@ -192,8 +200,8 @@ QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, cons
         co_return Build{appArguments(folder), {}};
     logBuilding(folder);
 
-    const QString staging = QFileInfo(folder).path() + QStringLiteral("/.building-")
-        + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    const QString staging = QFileInfo(folder).path() + QStringLiteral("/.building-") +
+                            QUuid::createUuid().toString(QUuid::WithoutBraces);
     QString error;
     const auto sources = extract(staging + QStringLiteral("/src"), error);
     if (!sources) {
@@ -201,21 +209,17 @@ QCoro::Task<Build> buildInto(const QString &folder, const TaskHandle &task, cons
         co_return Build{{}, error};
     }
     const QString include = staging + QStringLiteral("/src/Sources/ZentoroHostInterface/include");
-    QStringList arguments{QStringLiteral("-emit-library"),
-                          QStringLiteral("-emit-module"),
-                          QStringLiteral("-parse-as-library"),
-                          QStringLiteral("-module-name"), QStringLiteral("SwiftUI"),
-                          QStringLiteral("-target"), targetTriple(),
+    QStringList arguments{QStringLiteral("-emit-library"), QStringLiteral("-emit-module"),
+                          QStringLiteral("-parse-as-library"), QStringLiteral("-module-name"),
+                          QStringLiteral("SwiftUI"), QStringLiteral("-target"), targetTriple(),
                           QStringLiteral("-swift-version"), QStringLiteral("5"),
                           // One module in one frontend, its code generated on every core: the
                           // optimiser, not type checking, takes most of the time.
-                          QStringLiteral("-O"), QStringLiteral("-wmo"),
-                          QStringLiteral("-num-threads"), QString::number(std::max(1, QThread::idealThreadCount())),
-                          QStringLiteral("-I"), include,
+                          QStringLiteral("-O"), QStringLiteral("-wmo"), QStringLiteral("-num-threads"),
+                          QString::number(std::max(1, QThread::idealThreadCount())), QStringLiteral("-I"), include,
                           QStringLiteral("-module-cache-path"), staging + QStringLiteral("/ModuleCache"),
-                          QStringLiteral("-emit-module-path"), staging + u'/' + module,
-                          QStringLiteral("-Xlinker"), QStringLiteral("-soname=") + library,
-                          QStringLiteral("-o"), staging + u'/' + library};
+                          QStringLiteral("-emit-module-path"), staging + u'/' + module, QStringLiteral("-Xlinker"),
+                          QStringLiteral("-soname=") + library, QStringLiteral("-o"), staging + u'/' + library};
     arguments += *sources;
     const Shell::Result result = co_await Shell::run(swiftc, arguments, staging, task);
 

@@ -27,14 +27,26 @@ struct KitHostView::Callbacks {
         *width = size.width();
         *height = size.height();
     }
-    static void save(void *c) { if (auto *p = painter(c)) p->save(); }
-    static void restore(void *c) { if (auto *p = painter(c)) p->restore(); }
+    static void save(void *c)
+    {
+        if (auto *p = painter(c))
+            p->save();
+    }
+    static void restore(void *c)
+    {
+        if (auto *p = painter(c))
+            p->restore();
+    }
     static void concatTransform(void *c, double a, double b, double cc, double d, double tx, double ty)
     {
         if (auto *p = painter(c))
             p->setTransform(QTransform(a, b, cc, d, tx, ty), true);
     }
-    static void multiplyOpacity(void *c, double opacity) { if (auto *p = painter(c)) p->setOpacity(p->opacity() * opacity); }
+    static void multiplyOpacity(void *c, double opacity)
+    {
+        if (auto *p = painter(c))
+            p->setOpacity(p->opacity() * opacity);
+    }
     static void clipPath(void *c, const ZentoroPath *path)
     {
         if (auto *p = painter(c))
@@ -54,7 +66,8 @@ struct KitHostView::Callbacks {
     {
         if (auto *p = painter(c))
             KitPainting::drawShadow(*p, KitPainting::path(*path),
-                                    QColor::fromRgbF(float(color.red), float(color.green), float(color.blue), float(color.alpha)),
+                                    QColor::fromRgbF(float(color.red), float(color.green), float(color.blue),
+                                                     float(color.alpha)),
                                     radius, QPointF(dx, dy));
     }
     static void drawText(void *c, const ZentoroText *text, ZentoroRect rect)
@@ -145,7 +158,10 @@ void KitHostView::sendAppearance()
     kit_->setAppearance(root_, dark ? 1 : 0, &color);
 }
 
-void KitHostView::afterCall() { KitMainQueue::service(); }
+void KitHostView::afterCall()
+{
+    KitMainQueue::service();
+}
 
 // Repaints only what the kit says changed: on a state change that is often a small part of
 // a large view, and the rest of the window keeps its pixels.
@@ -175,7 +191,8 @@ void KitHostView::paintEvent(QPaintEvent *event)
     const int damage = kit_->update(root_, &damaged);
     if (damage == ZENTORO_DAMAGE_WHOLE && area != rect())
         update();
-    else if (damage == ZENTORO_DAMAGE_RECT && !area.contains(QRectF(damaged.x, damaged.y, damaged.width, damaged.height).toAlignedRect()))
+    else if (damage == ZENTORO_DAMAGE_RECT &&
+             !area.contains(QRectF(damaged.x, damaged.y, damaged.width, damaged.height).toAlignedRect()))
         update(QRectF(damaged.x, damaged.y, damaged.width, damaged.height).toAlignedRect());
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::TextAntialiasing);
@@ -236,8 +253,10 @@ private:
 
 int modifierBits(Qt::KeyboardModifiers modifiers)
 {
-    return (modifiers & Qt::ShiftModifier ? ZENTORO_MODIFIER_SHIFT : 0) | (modifiers & Qt::ControlModifier ? ZENTORO_MODIFIER_CONTROL : 0)
-        | (modifiers & Qt::AltModifier ? ZENTORO_MODIFIER_ALT : 0) | (modifiers & Qt::MetaModifier ? ZENTORO_MODIFIER_META : 0);
+    return (modifiers & Qt::ShiftModifier ? ZENTORO_MODIFIER_SHIFT : 0) |
+           (modifiers & Qt::ControlModifier ? ZENTORO_MODIFIER_CONTROL : 0) |
+           (modifiers & Qt::AltModifier ? ZENTORO_MODIFIER_ALT : 0) |
+           (modifiers & Qt::MetaModifier ? ZENTORO_MODIFIER_META : 0);
 }
 } // namespace
 
@@ -282,7 +301,8 @@ void KitHostView::wheelEvent(QWheelEvent *event)
     if (!kit_)
         return;
     // Pixel deltas from touchpads as they are; wheel notches as three lines of 16 pixels.
-    QPointF delta = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) / 120.0 * 48.0 : QPointF(event->pixelDelta());
+    QPointF delta = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) / 120.0 * 48.0
+                                                 : QPointF(event->pixelDelta());
     const QPointF position = event->position();
     if (kit_->scroll(root_, position.x(), position.y(), -delta.x(), -delta.y()))
         event->accept();

@@ -17,7 +17,10 @@ QColor color(const ZentoroColor &c)
     return QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha));
 }
 
-QPointF point(const ZentoroPoint &p) { return {p.x, p.y}; }
+QPointF point(const ZentoroPoint &p)
+{
+    return {p.x, p.y};
+}
 
 } // namespace
 
@@ -63,16 +66,19 @@ QBrush brush(const ZentoroPaint &paint)
         stops(gradient, [](double l) { return 1 - l; });
         return gradient;
     }
-    default:
-        return QBrush(color(paint.color));
+    default: return QBrush(color(paint.color));
     }
 }
 
 QPen pen(const ZentoroPaint &paint, const ZentoroStroke &stroke)
 {
     QPen result(brush(paint), stroke.lineWidth);
-    result.setCapStyle(stroke.cap == ZENTORO_CAP_ROUND ? Qt::RoundCap : stroke.cap == ZENTORO_CAP_SQUARE ? Qt::SquareCap : Qt::FlatCap);
-    result.setJoinStyle(stroke.join == ZENTORO_JOIN_ROUND ? Qt::RoundJoin : stroke.join == ZENTORO_JOIN_BEVEL ? Qt::BevelJoin : Qt::MiterJoin);
+    result.setCapStyle(stroke.cap == ZENTORO_CAP_ROUND    ? Qt::RoundCap
+                       : stroke.cap == ZENTORO_CAP_SQUARE ? Qt::SquareCap
+                                                          : Qt::FlatCap);
+    result.setJoinStyle(stroke.join == ZENTORO_JOIN_ROUND   ? Qt::RoundJoin
+                        : stroke.join == ZENTORO_JOIN_BEVEL ? Qt::BevelJoin
+                                                            : Qt::MiterJoin);
     result.setMiterLimit(stroke.miterLimit);
     if (stroke.dashCount > 0 && stroke.lineWidth > 0) {
         QList<qreal> pattern;
@@ -160,11 +166,12 @@ QByteArray textKey(const ZentoroText &text, double width, bool forDrawing)
         const ZentoroTextRun &run = text.runs[i];
         if (forDrawing && run.paint.kind != ZENTORO_PAINT_SOLID)
             return {};
-        for (const double value : {run.font.size, double(run.font.weight), double(run.font.design), double(run.font.italic),
-                                   double(run.underline), double(run.strikethrough)})
+        for (const double value : {run.font.size, double(run.font.weight), double(run.font.design),
+                                   double(run.font.italic), double(run.underline), double(run.strikethrough)})
             add(value);
         if (forDrawing)
-            for (const double value : {run.paint.color.red, run.paint.color.green, run.paint.color.blue, run.paint.color.alpha})
+            for (const double value :
+                 {run.paint.color.red, run.paint.color.green, run.paint.color.blue, run.paint.color.alpha})
                 add(value);
         key.append(run.utf8);
         key.append('\0');
@@ -231,8 +238,8 @@ void drawText(QPainter &painter, const ZentoroText &text, const QRectF &rect)
     const Paragraph &paragraph = *kept;
     // Lines below the frame are not shown; the last line shown ends in "…" when text is left over.
     int shown = 0;
-    while (shown < paragraph.lineCount
-           && (shown == 0 || paragraph.layout.lineAt(shown).rect().bottom() <= rect.height() + 1))
+    while (shown < paragraph.lineCount &&
+           (shown == 0 || paragraph.layout.lineAt(shown).rect().bottom() <= rect.height() + 1))
         ++shown;
     const QString whole = paragraph.layout.text();
     for (int i = 0; i < shown; ++i) {
@@ -251,7 +258,8 @@ void drawText(QPainter &painter, const ZentoroText &text, const QRectF &rect)
         const int flags = text.alignment == ZENTORO_ALIGN_CENTER     ? Qt::AlignHCenter
                           : text.alignment == ZENTORO_ALIGN_TRAILING ? Qt::AlignRight
                                                                      : Qt::AlignLeft;
-        painter.drawText(QRectF(rect.left(), rect.top() + line.y(), rect.width() + 0.5, line.height()), flags | Qt::AlignTop, elided);
+        painter.drawText(QRectF(rect.left(), rect.top() + line.y(), rect.width() + 0.5, line.height()),
+                         flags | Qt::AlignTop, elided);
         painter.restore();
     }
 }

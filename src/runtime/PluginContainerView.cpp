@@ -13,10 +13,13 @@ PluginContainerView::PluginContainerView(Runtime *runtime, QWidget *parent) : QW
     layout->setContentsMargins(0, 0, 0, 0);
     runtime->addContainer(this);
     // Queued, so the new code's views are made after `load` has returned.
-    connect(runtime, &Runtime::generationChanged, this, [this] {
-        if (runtime_)
-            showGeneration(runtime_->generation());
-    }, Qt::QueuedConnection);
+    connect(
+        runtime, &Runtime::generationChanged, this,
+        [this] {
+            if (runtime_)
+                showGeneration(runtime_->generation());
+        },
+        Qt::QueuedConnection);
     showGeneration(runtime->generation());
 }
 
@@ -62,10 +65,13 @@ void PluginContainerView::drawn()
     drawnGeneration_ = shownGeneration_;
     // Told after this frame is painted: a version that dies painting it is still unproved.
     const int generation = shownGeneration_;
-    QMetaObject::invokeMethod(this, [this, generation] {
-        if (runtime_)
-            runtime_->versionDrawn(generation);
-    }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this, generation] {
+            if (runtime_)
+                runtime_->versionDrawn(generation);
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace zentoro

@@ -28,11 +28,12 @@ QString script(qint64 pid, bool safeMode)
     const QString arguments = safeMode ? QStringLiteral("-ZentoroSafeMode YES") : QString();
     // The process counts as gone once it is a zombie: a parent that reaps late (a launcher, a
     // terminal) keeps it in the table, where `kill -0` would still find it.
-    return QStringLiteral("while s=$(cat /proc/%1/stat 2>/dev/null); do case ${s##*) } in Z*|X*) break;; esac; "
-                          "/bin/sleep 0.1; done\n"
-                          "set -- \"$0\" %2\n"
-                          "if [ -n \"$OPENAI_API_KEY\" ]; then exec /usr/bin/env \"OPENAI_API_KEY=$OPENAI_API_KEY\" \"$@\"; fi\n"
-                          "exec \"$@\"")
+    return QStringLiteral(
+               "while s=$(cat /proc/%1/stat 2>/dev/null); do case ${s##*) } in Z*|X*) break;; esac; "
+               "/bin/sleep 0.1; done\n"
+               "set -- \"$0\" %2\n"
+               "if [ -n \"$OPENAI_API_KEY\" ]; then exec /usr/bin/env \"OPENAI_API_KEY=$OPENAI_API_KEY\" \"$@\"; fi\n"
+               "exec \"$@\"")
         .arg(pid)
         .arg(arguments);
 }

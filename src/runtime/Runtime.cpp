@@ -119,8 +119,7 @@ void Runtime::installToolchain()
         co_await self->checkToolchain();
         if (!self || !self->toolchain_.isReady() || self->loadedVersion_ || self->safeMode_)
             co_return;
-        const QString summary =
-            self->state_.versions.isEmpty() ? originalAppSummary() : QStringLiteral("Rebuild");
+        const QString summary = self->state_.versions.isEmpty() ? originalAppSummary() : QStringLiteral("Rebuild");
         co_await self->build(summary);
     });
 }

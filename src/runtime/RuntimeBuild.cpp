@@ -9,8 +9,8 @@
 #include "core/AtomicFile.h"
 #include "core/Log.h"
 
-#include <QDir>
 #include <QCoroSignal>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 
@@ -71,7 +71,8 @@ int Runtime::freeNumber() const
     // A version folder without a record is a version whose record was lost with "state.json":
     // its number stays taken. An empty folder is what a build that never compiled left.
     int number = state_.nextNumber;
-    while (!QDir(workspace_.version(number)).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
+    while (!QDir(workspace_.version(number))
+                .isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
         ++number;
     return number;
 }
@@ -118,7 +119,8 @@ QCoro::Task<Runtime::Compilation> Runtime::compile(int number, QString sources, 
         co_return Compilation{std::nullopt, cleaned};
     if (DiskFull::explainsBuildFailure(result.output, workspace_.build()))
         co_return Compilation{DiskFull::buildFailure(), {}};
-    co_return Compilation{cleaned.isEmpty() ? QStringLiteral("swiftc failed (status %1).").arg(result.status) : cleaned, {}};
+    co_return Compilation{cleaned.isEmpty() ? QStringLiteral("swiftc failed (status %1).").arg(result.status) : cleaned,
+                          {}};
 }
 
 QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
@@ -142,13 +144,14 @@ QCoro::Task<BuildOutcome> Runtime::compileAndLoad(int number, QString summary)
     copyFolder(sources, folder + QStringLiteral("/Sources"));
     currentKitStamp().write(workspace_.kitStamp(number));
     RuntimeState built = state_;
-    built.versions.append({number, QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(), Qt::UTC), summary, false});
+    built.versions.append(
+        {number, QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(), Qt::UTC), summary, false});
     built.nextNumber = number + 1;
     saveState(built);
 
     if (const std::optional<QString> error = load(number)) {
-        co_return BuildOutcome{
-            BuildOutcome::Failure{QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(QString::number(number), *error)}};
+        co_return BuildOutcome{BuildOutcome::Failure{
+            QStringLiteral("Version %1 compiled, but loading it failed: %2").arg(QString::number(number), *error)}};
     }
     co_return BuildOutcome{BuildOutcome::Success{number, clock.elapsed() / 1000.0, compiled.output}};
 }

@@ -54,7 +54,8 @@ void tellReset(Runtime &runtime)
 void showOriginalFailed(Runtime &runtime, const BuildOutcome &outcome)
 {
     if (const BuildOutcome::Failure *failure = outcome.failure())
-        runtime.setBanner(Banner{Runtime::originalAppSummary() + QStringLiteral(" didn't build"), failure->text, false});
+        runtime.setBanner(
+            Banner{Runtime::originalAppSummary() + QStringLiteral(" didn't build"), failure->text, false});
 }
 
 } // namespace

@@ -55,16 +55,11 @@ QCoro::Task<QString> toolchainRoot(const QString &swiftc)
 QString Toolchain::description() const
 {
     switch (kind()) {
-    case Case::Broken:
-        return std::get<Broken>(value_).text;
-    case Case::Ready:
-        return compiler()->version + QStringLiteral(" at ") + compiler()->developerDir;
-    case Case::Checking:
-        return QStringLiteral("checking for the Swift compiler");
-    case Case::Missing:
-        return QStringLiteral("the Swift toolchain isn't installed");
-    case Case::Installing:
-        return QStringLiteral("the Swift toolchain is being installed");
+    case Case::Broken: return std::get<Broken>(value_).text;
+    case Case::Ready: return compiler()->version + QStringLiteral(" at ") + compiler()->developerDir;
+    case Case::Checking: return QStringLiteral("checking for the Swift compiler");
+    case Case::Missing: return QStringLiteral("the Swift toolchain isn't installed");
+    case Case::Installing: return QStringLiteral("the Swift toolchain is being installed");
     }
     return {};
 }
@@ -103,8 +98,8 @@ QCoro::Task<Toolchain> Toolchain::detect()
 
 QCoro::Task<bool> Toolchain::startInstall()
 {
-    const QString swiftly =
-        findOnPathOrIn(QStringLiteral("swiftly"), {QDir::homePath() + QStringLiteral("/.local/share/swiftly/bin")});
+    const QString swiftly = findOnPathOrIn(QStringLiteral("swiftly"),
+                                           {QDir::homePath() + QStringLiteral("/.local/share/swiftly/bin")});
     if (!swiftly.isEmpty()) {
         const QStringList arguments{QStringLiteral("install"), QStringLiteral("--use"), QStringLiteral("--assume-yes"),
                                     QStringLiteral("latest")};

@@ -71,7 +71,9 @@ private:
         bool operator==(const Installing &) const = default;
     };
     template <typename T>
-    explicit Toolchain(T value) : value_(std::move(value)) {}
+    explicit Toolchain(T value) : value_(std::move(value))
+    {
+    }
 
     std::variant<Broken, Compiler, Checking, Missing, Installing> value_;
 };

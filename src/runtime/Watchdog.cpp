@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-
 namespace zentoro {
 
 namespace {
@@ -27,7 +26,8 @@ void writeLine(int descriptor, const QByteArray &line)
 
 } // namespace
 
-Watchdog::Watchdog(int log, Limits limits) : log_(log), limits_(limits), lastBeat_(Clock::now().time_since_epoch().count())
+Watchdog::Watchdog(int log, Limits limits)
+    : log_(log), limits_(limits), lastBeat_(Clock::now().time_since_epoch().count())
 {
     // The main thread shows it is alive by running this; when the hosted code holds it, it can't.
     auto *heart = new QTimer(this);

@@ -67,13 +67,14 @@ void copyTree(const QString &from, const QString &to)
     if (!QFileInfo(from).isDir())
         throw Workspace::Failure(QStringLiteral("Couldn't copy “%1”: there's no folder there.").arg(from));
     makeFolder(to);
-    const QFileInfoList entries =
-        QDir(from).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    const QFileInfoList entries = QDir(from).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System |
+                                                           QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries) {
         const QString target = to + u'/' + entry.fileName();
         if (entry.isSymLink()) {
             std::error_code error;
-            const auto linkTarget = std::filesystem::read_symlink(QFile::encodeName(entry.filePath()).toStdString(), error);
+            const auto linkTarget = std::filesystem::read_symlink(QFile::encodeName(entry.filePath()).toStdString(),
+                                                                  error);
             if (!error)
                 std::filesystem::create_symlink(linkTarget, QFile::encodeName(target).toStdString(), error);
             if (error)

@@ -8,8 +8,8 @@
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
 #include "ui/LazyColumn.h"
-#include "ui/SetupRows.h"
 #include "ui/PanelStyle.h"
+#include "ui/SetupRows.h"
 #include "ui/WorkingRow.h"
 
 #include <QBoxLayout>
@@ -143,7 +143,8 @@ QWidget *AgentPanel::makeHeader()
     });
     row->addWidget(conversations_);
 
-    newConversation_ = headerButton(QStringLiteral("New conversation (Alt+Ctrl+K). This one stays under Conversations."),
+    newConversation_ = headerButton(QStringLiteral(
+                                        "New conversation (Alt+Ctrl+K). This one stays under Conversations."),
                                     QStringLiteral("New conversation"));
     connect(newConversation_, &QToolButton::clicked, this, [this] { agent_.newConversation(); });
     row->addWidget(newConversation_);

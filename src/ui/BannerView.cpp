@@ -19,7 +19,8 @@ constexpr int detailLines = 3;
 
 BannerView::BannerView(Runtime &runtime, Agent &agent, QWidget *parent)
     : QWidget(parent), runtime_(runtime), agent_(agent), icon_(new QLabel), title_(new QLabel), detail_(new QLabel),
-      fix_(new QPushButton(QStringLiteral("Ask the Agent to Fix It"))), dismiss_(new QPushButton(QStringLiteral("Dismiss")))
+      fix_(new QPushButton(QStringLiteral("Ask the Agent to Fix It"))),
+      dismiss_(new QPushButton(QStringLiteral("Dismiss")))
 {
     setAccessibleName(QStringLiteral("Problem"));
     fix_->setAccessibleName(fix_->text());

@@ -33,7 +33,7 @@ struct Typeface {
 
 const Typeface *typeface()
 {
-    static const Typeface *loaded = [] () -> const Typeface * {
+    static const Typeface *loaded = []() -> const Typeface * {
         registerBrandResource();
         QFile file(QStringLiteral(":/brand/Anybody.ttf"));
         if (!file.open(QIODevice::ReadOnly))
@@ -44,7 +44,8 @@ const Typeface *typeface()
         typeface->face = hb_face_create(blob, 0);
         hb_blob_destroy(blob);
         hb_ot_var_axis_info_t axis;
-        if (hb_face_get_glyph_count(typeface->face) == 0 || !hb_ot_var_find_axis_info(typeface->face, widthTag, &axis)) {
+        if (hb_face_get_glyph_count(typeface->face) == 0 ||
+            !hb_ot_var_find_axis_info(typeface->face, widthTag, &axis)) {
             hb_face_destroy(typeface->face);
             delete typeface;
             return nullptr;
@@ -71,30 +72,40 @@ hb_draw_funcs_t *drawFunctions()
     static hb_draw_funcs_t *functions = [] {
         hb_draw_funcs_t *f = hb_draw_funcs_create();
         hb_draw_funcs_set_move_to_func(
-            f, [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float x, float y, void *) {
+            f,
+            [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float x, float y, void *) {
                 auto *pen = static_cast<Pen *>(data);
                 pen->path->moveTo(pen->at(x, y));
-            }, nullptr, nullptr);
+            },
+            nullptr, nullptr);
         hb_draw_funcs_set_line_to_func(
-            f, [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float x, float y, void *) {
+            f,
+            [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float x, float y, void *) {
                 auto *pen = static_cast<Pen *>(data);
                 pen->path->lineTo(pen->at(x, y));
-            }, nullptr, nullptr);
+            },
+            nullptr, nullptr);
         hb_draw_funcs_set_quadratic_to_func(
-            f, [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float cx, float cy, float x, float y, void *) {
+            f,
+            [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float cx, float cy, float x, float y, void *) {
                 auto *pen = static_cast<Pen *>(data);
                 pen->path->quadTo(pen->at(cx, cy), pen->at(x, y));
-            }, nullptr, nullptr);
+            },
+            nullptr, nullptr);
         hb_draw_funcs_set_cubic_to_func(
-            f, [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float c1x, float c1y, float c2x, float c2y,
-                  float x, float y, void *) {
+            f,
+            [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, float c1x, float c1y, float c2x, float c2y, float x,
+               float y, void *) {
                 auto *pen = static_cast<Pen *>(data);
                 pen->path->cubicTo(pen->at(c1x, c1y), pen->at(c2x, c2y), pen->at(x, y));
-            }, nullptr, nullptr);
+            },
+            nullptr, nullptr);
         hb_draw_funcs_set_close_path_func(
-            f, [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, void *) {
+            f,
+            [](hb_draw_funcs_t *, void *data, hb_draw_state_t *, void *) {
                 static_cast<Pen *>(data)->path->closeSubpath();
-            }, nullptr, nullptr);
+            },
+            nullptr, nullptr);
         hb_draw_funcs_make_immutable(f);
         return f;
     }();

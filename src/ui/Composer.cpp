@@ -107,7 +107,8 @@ void ComposerField::keyPressEvent(QKeyEvent *event)
 }
 
 Composer::Composer(QWidget *parent)
-    : QWidget(parent), field_(new ComposerField), send_(roundButton(QStringLiteral("Send (Return)"), QStringLiteral("Send"))),
+    : QWidget(parent), field_(new ComposerField),
+      send_(roundButton(QStringLiteral("Send (Return)"), QStringLiteral("Send"))),
       stop_(roundButton(QStringLiteral("Stop"), QStringLiteral("Stop")))
 {
     auto *outer = new QHBoxLayout(this);

@@ -12,7 +12,8 @@ void fill(QMenu *menu, const QList<ConversationSummary> &conversations, const QU
     menu->clear();
     for (const ConversationSummary &conversation : conversations.first(std::min(conversations.size(), entryLimit))) {
         // The date stands in the menu's second column, where it lines up under the others.
-        QAction *action = menu->addAction(conversation.title + u'\t' + Instructions::relativeAge(conversation.updated, now));
+        QAction *action = menu->addAction(conversation.title + u'\t' +
+                                          Instructions::relativeAge(conversation.updated, now));
         action->setCheckable(true);
         action->setChecked(conversation.id == open);
         const QUuid id = conversation.id;

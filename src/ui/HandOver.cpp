@@ -76,12 +76,15 @@ Listener::Listener(const Workspace &workspace, QObject *parent)
     connect(thread_, &QThread::finished, server_, &QObject::deleteLater);
     thread_->start();
     // Listening before this returns, so a second start from now on finds the socket.
-    QMetaObject::invokeMethod(server_, [this, name] {
-        // Only the holder of the copy's lock listens, so a socket left by a crash is stale.
-        QLocalServer::removeServer(name);
-        server_->setSocketOptions(QLocalServer::UserAccessOption);
-        listening_ = server_->listen(name);
-    }, Qt::BlockingQueuedConnection);
+    QMetaObject::invokeMethod(
+        server_,
+        [this, name] {
+            // Only the holder of the copy's lock listens, so a socket left by a crash is stale.
+            QLocalServer::removeServer(name);
+            server_->setSocketOptions(QLocalServer::UserAccessOption);
+            listening_ = server_->listen(name);
+        },
+        Qt::BlockingQueuedConnection);
     connect(server_, &QLocalServer::newConnection, server_, [this] {
         while (QLocalSocket *socket = server_->nextPendingConnection()) {
             connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);

@@ -16,7 +16,6 @@ QString resourceFor(const QString &symbol);
 // The icon drawn in one colour, `size` logical pixels square, at the pixel ratio `ratio`.
 QPixmap pixmap(const QString &symbol, int size, const QColor &color, qreal ratio = 1);
 // The same at the pixel ratios a screen may ask for; `disabled` is used for the disabled state.
-QIcon icon(const QString &symbol, const QColor &color, int size = 16,
-           const QColor &disabled = QColor());
+QIcon icon(const QString &symbol, const QColor &color, int size = 16, const QColor &disabled = QColor());
 
 } // namespace zentoro::Icons

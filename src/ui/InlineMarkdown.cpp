@@ -81,8 +81,8 @@ bool emphasis(QStringView text, qsizetype &at, QStringView delimiter, const char
     const qsizetype close = closer(text, open, delimiter);
     if (close < 0)
         return false;
-    out += QStringLiteral("<%1>").arg(QLatin1String(tag)) + render(text.mid(open, close - open))
-           + QStringLiteral("</%1>").arg(QLatin1String(tag));
+    out += QStringLiteral("<%1>").arg(QLatin1String(tag)) + render(text.mid(open, close - open)) +
+           QStringLiteral("</%1>").arg(QLatin1String(tag));
     at = close + delimiter.size();
     return true;
 }
@@ -128,8 +128,8 @@ bool link(QStringView text, qsizetype &at, QString &out)
     const QStringView url = text.mid(labelEnd + 2, urlEnd - labelEnd - 2).trimmed();
     if (url.isEmpty() || url.contains(u' ') || url.contains(u'\n'))
         return false;
-    out += QStringLiteral("<a href=\"%1\">").arg(hrefOf(url)) + render(text.mid(at + 1, labelEnd - at - 1))
-           + QStringLiteral("</a>");
+    out += QStringLiteral("<a href=\"%1\">").arg(hrefOf(url)) + render(text.mid(at + 1, labelEnd - at - 1)) +
+           QStringLiteral("</a>");
     at = urlEnd + 1;
     return true;
 }
@@ -140,8 +140,8 @@ bool autolink(QStringView text, qsizetype &at, QString &out)
     if (end < 0)
         return false;
     const QStringView url = text.mid(at + 1, end - at - 1);
-    const bool isURL = (url.startsWith(u"http://") || url.startsWith(u"https://") || url.startsWith(u"mailto:"))
-                       && !url.contains(u' ') && !url.contains(u'\n');
+    const bool isURL = (url.startsWith(u"http://") || url.startsWith(u"https://") || url.startsWith(u"mailto:")) &&
+                       !url.contains(u' ') && !url.contains(u'\n');
     if (!isURL)
         return false;
     out += QStringLiteral("<a href=\"%1\">%2</a>").arg(hrefOf(url), escaped(url));

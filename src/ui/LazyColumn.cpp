@@ -140,10 +140,13 @@ void LazyColumn::scheduleLayout()
     if (layoutPending_)
         return;
     layoutPending_ = true;
-    QMetaObject::invokeMethod(this, [this] {
-        if (layoutPending_)
-            layoutRows();
-    }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (layoutPending_)
+                layoutRows();
+        },
+        Qt::QueuedConnection);
 }
 
 void LazyColumn::computeOffsets()
@@ -196,7 +199,9 @@ void LazyColumn::layoutRows()
     // The row at the top keeps its place while rows above it are measured.
     const int viewHeight = viewport()->height();
     const qsizetype anchor = rowAt(verticalScrollBar()->value());
-    const int anchorDelta = anchor < qsizetype(offsets_.size()) ? offsets_[size_t(anchor)] - verticalScrollBar()->value() : 0;
+    const int anchorDelta = anchor < qsizetype(offsets_.size())
+                                ? offsets_[size_t(anchor)] - verticalScrollBar()->value()
+                                : 0;
 
     int scroll = 0;
     qsizetype first = 0;
@@ -268,17 +273,14 @@ void LazyColumn::layoutRows()
 bool LazyColumn::viewportEvent(QEvent *event)
 {
     switch (event->type()) {
-    case QEvent::Resize:
-        layoutRows();
-        break;
+    case QEvent::Resize: layoutRows(); break;
     case QEvent::LayoutRequest:
         // A row, the header or the footer changed its size.
         for (auto &[row, widget] : built_)
             measured_[size_t(row)] = false;
         scheduleLayout();
         break;
-    default:
-        break;
+    default: break;
     }
     return QAbstractScrollArea::viewportEvent(event);
 }

@@ -111,9 +111,7 @@ void ToolchainRow::sync()
     QColor symbolColor = p.color(QPalette::Text);
     PanelStyle::Type detailType = PanelStyle::Type::Callout;
     switch (toolchain.kind()) {
-    case Toolchain::Case::Checking:
-        title = QStringLiteral("Looking for the Swift compiler…");
-        break;
+    case Toolchain::Case::Checking: title = QStringLiteral("Looking for the Swift compiler…"); break;
     case Toolchain::Case::Ready:
         title = QStringLiteral("Swift compiler ready");
         detail = toolchain.compiler()->version;
@@ -250,9 +248,9 @@ void AgentAccessRow::sync()
 {
     const std::optional<Provider> provider = agent_.provider();
     const QPalette p = palette();
-    symbol_->setPixmap(provider ? Icons::pixmap(QStringLiteral("checkmark.circle.fill"), 20, PanelStyle::green(p),
-                                                devicePixelRatioF())
-                                : Icons::pixmap(QStringLiteral("key"), 20, p.color(QPalette::Text), devicePixelRatioF()));
+    symbol_->setPixmap(
+        provider ? Icons::pixmap(QStringLiteral("checkmark.circle.fill"), 20, PanelStyle::green(p), devicePixelRatioF())
+                 : Icons::pixmap(QStringLiteral("key"), 20, p.color(QPalette::Text), devicePixelRatioF()));
     entry_->setVisible(!provider);
     detail_->setVisible(provider.has_value());
     if (!provider) {

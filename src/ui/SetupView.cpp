@@ -59,8 +59,9 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
     auto *intro = new QVBoxLayout;
     intro->setSpacing(8);
     intro->addWidget(new Brand::StretchWordmark(runtime.workspace().name, 40), 0, Qt::AlignHCenter);
-    auto *pitch = new QLabel(QStringLiteral("An app that rewrites itself. Describe a change, and its agent edits the "
-                                            "app's Swift code, compiles it, and swaps in the new version while you watch."));
+    auto *pitch = new QLabel(
+        QStringLiteral("An app that rewrites itself. Describe a change, and its agent edits the "
+                       "app's Swift code, compiles it, and swaps in the new version while you watch."));
     pitch->setWordWrap(true);
     pitch->setAlignment(Qt::AlignHCenter);
     // A wrapped label only finds its height at a known width.
@@ -115,8 +116,8 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
                 co_await target->rebuild();
         });
     });
-    for (auto signal : {&Runtime::isBuildingChanged, &Runtime::safeModeChanged, &Runtime::toolchainChanged,
-                        &Runtime::stateChanged})
+    for (auto signal :
+         {&Runtime::isBuildingChanged, &Runtime::safeModeChanged, &Runtime::toolchainChanged, &Runtime::stateChanged})
         connect(&runtime_, signal, this, &SetupView::sync);
     connect(&runtime_, &Runtime::isPreparingKitChanged, this, [this] {
         if (runtime_.isPreparingKit()) {
@@ -171,7 +172,8 @@ void SetupView::sync()
         if (const std::optional<int> version = versionToRun())
             action = QStringLiteral("Run Version %1").arg(*version);
     } else if (runtime_.toolchain().isReady()) {
-        action = runtime_.state().versions.isEmpty() ? QStringLiteral("Build the App") : QStringLiteral("Build and Run");
+        action = runtime_.state().versions.isEmpty() ? QStringLiteral("Build the App")
+                                                     : QStringLiteral("Build and Run");
     }
     button_->setText(action);
     button_->setAccessibleName(action);

@@ -117,7 +117,8 @@ QWidget *eventRow(const ChatItem &item)
     layout->setSpacing(5);
     layout->addStretch(1);
     layout->addWidget(symbolLabel(item.symbol.value_or(QStringLiteral("info.circle")), color,
-                                  QFontMetrics(caption).height()), 0, Qt::AlignTop);
+                                  QFontMetrics(caption).height()),
+                      0, Qt::AlignTop);
     auto *label = new NaturalLabel(item.text);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
@@ -210,10 +211,11 @@ public:
         if (width != measuredWidth_) {
             const int textWidth = width - 16 - view_->verticalScrollBar()->sizeHint().width();
             const QFontMetrics metrics(view_->font());
-            measuredHeight_ = metrics.boundingRect(QRect(0, 0, std::max(textWidth, 10), 1 << 24),
-                                                   Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::TextExpandTabs, text_)
-                                  .height()
-                              + 18;
+            measuredHeight_ = metrics
+                                  .boundingRect(QRect(0, 0, std::max(textWidth, 10), 1 << 24),
+                                                Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::TextExpandTabs, text_)
+                                  .height() +
+                              18;
             measuredWidth_ = width;
         }
         return std::min(measuredHeight_, TranscriptRows::detailMaximumHeight);
@@ -418,10 +420,8 @@ void ToolRow::setExpanded(bool expanded)
 QWidget *TranscriptRows::make(const ChatItem &item, bool isLast, const RowActions &actions)
 {
     switch (item.kind) {
-    case ChatItem::Kind::User:
-        return userRow(item);
-    case ChatItem::Kind::Assistant:
-        return assistantRow(item);
+    case ChatItem::Kind::User: return userRow(item);
+    case ChatItem::Kind::Assistant: return assistantRow(item);
     case ChatItem::Kind::Tool: {
         const QUuid id = item.id;
         const bool expanded = actions.isExpanded && actions.isExpanded(id);
@@ -431,10 +431,8 @@ QWidget *TranscriptRows::make(const ChatItem &item, bool isLast, const RowAction
                 setExpanded(id, on);
         });
     }
-    case ChatItem::Kind::Event:
-        return eventRow(item);
-    case ChatItem::Kind::Error:
-        return errorRow(item, isLast, actions);
+    case ChatItem::Kind::Event: return eventRow(item);
+    case ChatItem::Kind::Error: return errorRow(item, isLast, actions);
     }
     return new QWidget;
 }
@@ -447,16 +445,11 @@ int TranscriptRows::estimatedHeight(const ChatItem &item, int width, const QFont
         return int(text.count(u'\n')) + 1 + int(text.size()) / perLine;
     };
     switch (item.kind) {
-    case ChatItem::Kind::User:
-        return lines(item.text, width - 64) * line + 16;
-    case ChatItem::Kind::Assistant:
-        return lines(item.text, width) * line;
-    case ChatItem::Kind::Tool:
-        return line + 4 + (item.imagePath ? TranscriptRows::imageMaximumHeight / 2 + 6 : 0);
-    case ChatItem::Kind::Event:
-        return line;
-    case ChatItem::Kind::Error:
-        return lines(item.text, width - 24) * line + (item.link ? line + 16 : 0);
+    case ChatItem::Kind::User: return lines(item.text, width - 64) * line + 16;
+    case ChatItem::Kind::Assistant: return lines(item.text, width) * line;
+    case ChatItem::Kind::Tool: return line + 4 + (item.imagePath ? TranscriptRows::imageMaximumHeight / 2 + 6 : 0);
+    case ChatItem::Kind::Event: return line;
+    case ChatItem::Kind::Error: return lines(item.text, width - 24) * line + (item.link ? line + 16 : 0);
     }
     return line;
 }

@@ -21,7 +21,9 @@ TEST(AgentLoop, SendQueuesNotesStateNoteAndTextButNotBlankOrBusySends)
     ASSERT_EQ(harness.inputs.size(), 1u);
     const QList<JSON> input = harness.inputs[0];
     ASSERT_EQ(input.size(), 3);
-    EXPECT_EQ(input[0], Agent::message("developer", "Meanwhile, in Zentoro:\n- Version 2 crashed\n- The user went back to version 1"));
+    EXPECT_EQ(input[0],
+              Agent::message("developer",
+                             "Meanwhile, in Zentoro:\n- Version 2 crashed\n- The user went back to version 1"));
     EXPECT_EQ(input[1], Agent::message("developer", "state note"));
     EXPECT_EQ(input[2], Agent::message("user", "make it blue"));
     EXPECT_TRUE(harness.agent.notes().isEmpty());
@@ -58,7 +60,8 @@ TEST(AgentLoop, AssistantRowComesFirstAndCallsRunInOrderOneAfterAnother)
     EXPECT_EQ(seenBeforeSecond, (QStringList{"user: look", "assistant: Looking.", "tool: row read_file"}));
     // The second request carries both outputs, in call order.
     ASSERT_EQ(harness.inputs.size(), 2u);
-    EXPECT_EQ(harness.inputs[1], (QList<JSON>{Agent::output("c1", "ran read_file"), Agent::output("c2", "ran list_files")}));
+    EXPECT_EQ(harness.inputs[1],
+              (QList<JSON>{Agent::output("c1", "ran read_file"), Agent::output("c2", "ran list_files")}));
     EXPECT_TRUE(harness.agent.unansweredCalls().isEmpty());
     ASSERT_EQ(harness.performed.size(), 2u);
     EXPECT_EQ(harness.performed[0].second, JSON::object());
@@ -69,7 +72,8 @@ TEST(AgentLoop, RestartWaitsBehindTheOtherCallsAndRelaunches)
 {
     RunHarness harness;
     harness.script.push_back([] {
-        return response({functionCall("r1", "restart_app"), functionCall("b1", "build"), functionCall("r2", "restart_app")});
+        return response(
+            {functionCall("r1", "restart_app"), functionCall("b1", "build"), functionCall("r2", "restart_app")});
     });
     harness.sendAndFinish("restart it");
 
@@ -90,8 +94,8 @@ TEST(AgentLoop, AStopDuringACallAnswersTheRestWithoutRowsAndKeepsTheProcess)
 {
     RunHarness harness;
     harness.script.push_back([] {
-        return response({functionCall("r1", "restart_app"), functionCall("c1", "write_file"), functionCall("c2", "build"),
-                         functionCall("c3", "screenshot")});
+        return response({functionCall("r1", "restart_app"), functionCall("c1", "write_file"),
+                         functionCall("c2", "build"), functionCall("c3", "screenshot")});
     });
     QStringList unansweredDuringFirst;
     harness.duringPerform = [&](const QString &) {
@@ -127,9 +131,9 @@ TEST(AgentLoop, ACutShortResponseShowsWhyAndStillRunsItsCalls)
     });
     harness.sendAndFinish("go");
 
-    EXPECT_EQ(harness.texts(), (QStringList{"user: go", "error: The response was cut short (max_output_tokens).",
-                                            "tool: row list_files",
-                                            "error: The response was cut short (unknown reason)."}));
+    EXPECT_EQ(harness.texts(),
+              (QStringList{"user: go", "error: The response was cut short (max_output_tokens).", "tool: row list_files",
+                           "error: The response was cut short (unknown reason)."}));
     EXPECT_FALSE(harness.agent.items()[1].failed);
 }
 
@@ -137,9 +141,8 @@ TEST(AgentLoop, EightyStepsEndTheRunWithTheLastOutputsQueued)
 {
     RunHarness harness;
     for (int step = 0; step < 100; ++step) {
-        harness.script.push_back([step] {
-            return response({functionCall(QStringLiteral("c%1").arg(step), "list_files")});
-        });
+        harness.script.push_back(
+            [step] { return response({functionCall(QStringLiteral("c%1").arg(step), "list_files")}); });
     }
     harness.sendAndFinish("loop forever");
     EXPECT_EQ(harness.inputs.size(), 80u);

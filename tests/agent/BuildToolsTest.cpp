@@ -1,5 +1,5 @@
-#include "agent/Agent.h"
 #include "agent/BuildTools.h"
+#include "agent/Agent.h"
 #include "agent/HistoryUpkeep.h"
 #include "agent/ModelRequest.h"
 #include "runtime/CrashLog.h"
@@ -61,7 +61,8 @@ TEST(BuildResult, ASuccessTellsTheVersionAndWarningsAndAFailureCountsTheErrors)
     EXPECT_EQ(quiet.item.detail, std::nullopt);
     const QString warning = QStringLiteral("AppRoot.swift:3:9: warning: unused variable");
     const ToolResult warned = BuildTools::buildResult(succeeded(4, 0.96, warning));
-    EXPECT_EQ(warned.output, JSON("Build succeeded. Version 4 is now running in the window.\nCompiler warnings:\n" + warning));
+    EXPECT_EQ(warned.output,
+              JSON("Build succeeded. Version 4 is now running in the window.\nCompiler warnings:\n" + warning));
     EXPECT_EQ(warned.item.text, "Built version 4 in 1.0s");
     EXPECT_EQ(warned.item.detail, warning);
     EXPECT_FALSE(warned.item.failed);
@@ -139,16 +140,17 @@ TEST(ScreenshotReference, APictureOfACopyNamedAnyWayReachesTheModelAsData)
     QTemporaryDir dir;
     const QByteArray png("\x89PNG of a named copy");
     const QString data = "data:image/png;base64," + QString::fromLatin1(png.toBase64());
-    const JSON call =
-        JSON::object({{"type", "function_call"}, {"call_id", "c1"}, {"name", "screenshot"}, {"arguments", "{}"}});
+    const JSON call = JSON::object(
+        {{"type", "function_call"}, {"call_id", "c1"}, {"name", "screenshot"}, {"arguments", "{}"}});
     for (const QString name : {"Kitchen Timer", "Tea #2", "100% Juice", "Done?", "Café Ölçer", "a%20b"}) {
         const Workspace workspace{name, dir.path() + "/Apps/" + name};
         const ToolResult result = BuildTools::screenshotResult(png, workspace.build() + "/Screenshots");
         ASSERT_TRUE(result.item.imagePath) << name.toStdString();
         const QList<JSON> pending{Agent::output("c1", result.output)};
         const QUuid id = QUuid::createUuid();
-        for (const JSON &body : {ModelRequest::body(QString(), Provider::ChatGPT, {call}, pending, std::nullopt, id),
-                                 ModelRequest::body(QString(), Provider::APIKey, {call}, pending, QStringLiteral("resp_1"), id)}) {
+        for (const JSON &body :
+             {ModelRequest::body(QString(), Provider::ChatGPT, {call}, pending, std::nullopt, id),
+              ModelRequest::body(QString(), Provider::APIKey, {call}, pending, QStringLiteral("resp_1"), id)}) {
             const QString sent = QString::fromUtf8(body.find("input")->encode());
             EXPECT_TRUE(sent.contains(data)) << name.toStdString() << ": " << sent.toStdString();
             EXPECT_FALSE(sent.contains("file:")) << name.toStdString();

@@ -1,5 +1,5 @@
-#include "agent/Agent.h"
 #include "agent/ConversationEncoder.h"
+#include "agent/Agent.h"
 
 #include <gtest/gtest.h>
 

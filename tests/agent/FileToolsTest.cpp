@@ -113,8 +113,8 @@ TEST_F(FileToolsTest, ListFilesCountsLinesOfEveryVisibleFile)
     put("Views/Empty.swift", "");
     put("Data.bin", "\xff\xfe\x00");
     put(".build/Hidden.swift", "x");
-    const QString expected =
-        QStringLiteral("AppRoot.swift (11 lines)\nData.bin (1 lines)\nViews/Empty.swift (1 lines)");
+    const QString expected = QStringLiteral(
+        "AppRoot.swift (11 lines)\nData.bin (1 lines)\nViews/Empty.swift (1 lines)");
     const ToolResult listed = call("list_files");
     EXPECT_EQ(output(listed), expected);
     EXPECT_EQ(listed.item.detail, expected);
@@ -147,8 +147,8 @@ TEST_F(FileToolsTest, ReadFileRefusesWhatIsNoReadableTextFile)
     const QByteArray table = "let table = [\n" + QByteArray("    1, 2, 3, 4, 5, 6, 7, 8,\n").repeated(100000) + "]\n";
     put("Table.swift", table);
     EXPECT_EQ(output(call("read_file", QStringLiteral("Table.swift"))).size(), table.size());
-    const ToolResult edited =
-        call("edit_file", QStringLiteral("Table.swift"), {{"old_text", "]\n"}, {"new_text", "].map { $0 }\n"}});
+    const ToolResult edited = call("edit_file", QStringLiteral("Table.swift"),
+                                   {{"old_text", "]\n"}, {"new_text", "].map { $0 }\n"}});
     EXPECT_FALSE(edited.item.failed);
     QFile huge(source("Huge.swift"));
     ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize((qint64(16) << 20) + 1));
@@ -174,8 +174,7 @@ TEST_F(FileToolsTest, WriteFileCreatesOrRewritesWholeFiles)
     // Nothing of the atomic write is left lying about.
     EXPECT_EQ(QDir(source("Views")).entryList(QDir::Files | QDir::Hidden), QStringList({"Row.swift"}));
 
-    const ToolResult big =
-        call("write_file", QStringLiteral("Big.swift"), {{"content", QString(7000, u'b')}});
+    const ToolResult big = call("write_file", QStringLiteral("Big.swift"), {{"content", QString(7000, u'b')}});
     EXPECT_EQ(big.item.detail, QString(6000, u'b') + "\n…");
     EXPECT_EQ(contents(source("Big.swift")).size(), 7000);
 
@@ -258,7 +257,8 @@ TEST_F(FileToolsTest, NoToolReachesPastALinkLeadingOut)
     expectRefused("read_file", "home/.bashrc", "home/.bashrc" + refusal);
     expectRefused("write_file", "rc.swift", "rc.swift" + refusal, {{"content", "rm -rf ~"}});
     expectRefused("write_file", "home/New.swift", "home/New.swift" + refusal, {{"content", "x"}});
-    expectRefused("edit_file", "home/.bashrc", "home/.bashrc" + refusal, {{"old_text", "secret"}, {"new_text", "gone"}});
+    expectRefused("edit_file", "home/.bashrc", "home/.bashrc" + refusal,
+                  {{"old_text", "secret"}, {"new_text", "gone"}});
     expectRefused("delete_file", "home/.bashrc", "home/.bashrc" + refusal);
     expectRefused("write_file", "../home/.bashrc", "../home/.bashrc is outside the source folder.", {{"content", "x"}});
 

@@ -1,5 +1,5 @@
-#include "agent/Agent.h"
 #include "agent/HistoryUpkeep.h"
+#include "agent/Agent.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -78,8 +78,8 @@ TEST(HistoryUpkeep, WhatEntersTheHistory)
 TEST(HistoryUpkeep, ConsistentDropsHalfPairsAndKeepsEverythingElse)
 {
     const JSON noID = JSON::object({{"type", "function_call_output"}, {"output", "orphan"}});
-    const JSON::Array items{text("hi"), call("a"), output("a"), call("stopped"), reasoning(), output("cut"),
-                            JSON(7), noID};
+    const JSON::Array items{text("hi"),  call("a"),     output("a"), call("stopped"),
+                            reasoning(), output("cut"), JSON(7),     noID};
     EXPECT_EQ(consistent(items), (JSON::Array{text("hi"), call("a"), output("a"), reasoning(), JSON(7)}));
 
     // A call without an id pairs with an output without one.
@@ -103,9 +103,10 @@ TEST(HistoryUpkeep, TheNewestThreePicturesAreSentAndTheRestSayWhy)
     const QString inline_ = "data:image/png;base64,AAAA";
     // Picture 3's file has been cleaned away: picture 1 moves up into the three.
     QFile::remove(folder.filePath("shot3.png"));
-    const JSON::Array items{screenshotOutput("s0", urls[0]), screenshotOutput("s1", urls[1]), call("s1"),
-                            screenshotOutput("s2", urls[2]), screenshotOutput("s3", urls[3]),
-                            screenshotOutput("x", inline_), screenshotOutput("s4", urls[4]), output("y", JSON::array())};
+    const JSON::Array items{
+        screenshotOutput("s0", urls[0]), screenshotOutput("s1", urls[1]), call("s1"),
+        screenshotOutput("s2", urls[2]), screenshotOutput("s3", urls[3]), screenshotOutput("x", inline_),
+        screenshotOutput("s4", urls[4]), output("y", JSON::array())};
 
     const JSON::Array sent = attachingScreenshots(items, 3);
     EXPECT_EQ(pictures(sent), (QStringList{"notice", "data:image/png;base64", "data:image/png;base64", "notice",
@@ -124,7 +125,9 @@ TEST(HistoryUpkeep, TheNewestThreePicturesAreSentAndTheRestSayWhy)
               (QStringList{"notice", "notice", "notice", "notice", "data:image/png;base64", "notice"}));
 
     // A picture rewritten in place is read afresh; one removed since is left out.
-    const auto sentURL = [&] { return (*attachingScreenshots(items, 3)[6].arrayAt("output"))[1].stringAt("image_url"); };
+    const auto sentURL = [&] {
+        return (*attachingScreenshots(items, 3)[6].arrayAt("output"))[1].stringAt("image_url");
+    };
     writeShot(4, "second picture");
     EXPECT_EQ(sentURL(), "data:image/png;base64," + QByteArray("second picture").toBase64());
     QFile::remove(folder.filePath("shot4.png"));
@@ -195,8 +198,8 @@ TEST(HistoryUpkeep, TheCutFallsNearestTheMiddleWhereTheStructureAllowsOne)
 
     // Of two cuts equally near the middle, the later wins; never in front of reasoning or
     // between a call and its output.
-    QList<JSON> structured{text("0"), text("1"), call("a"), reasoning(), output("a"), text("5"), reasoning(),
-                           text("7")};
+    QList<JSON> structured{text("0"),   text("1"), call("a"),   reasoning(),
+                           output("a"), text("5"), reasoning(), text("7")};
     ASSERT_TRUE(trimHistory(structured, {}));
     EXPECT_EQ(structured.mid(1), (QList<JSON>{text("5"), reasoning(), text("7")}));
 

@@ -1,6 +1,6 @@
+#include "agent/Instructions.h"
 #include "agent/Agent.h"
 #include "agent/FileTools.h"
-#include "agent/Instructions.h"
 #include "runtime/Workspace.h"
 
 #include "RunHarness.h"
@@ -92,13 +92,13 @@ TEST(Instructions, AgesReadAsPeopleSayThem)
         qint64 secondsAgo;
         const char *text;
     };
-    for (const Case &c : {Case{0, "now"}, Case{1, "1 second ago"}, Case{45, "45 seconds ago"}, Case{60, "1 minute ago"},
-                          Case{59 * 60, "59 minutes ago"}, Case{3600, "1 hour ago"}, Case{2 * 3600 + 59, "2 hours ago"},
-                          Case{86400, "yesterday"}, Case{2 * 86400, "2 days ago"}, Case{7 * 86400, "last week"},
-                          Case{15 * 86400, "2 weeks ago"}, Case{31 * 86400, "last month"},
-                          Case{200 * 86400, "6 months ago"}, Case{365 * 86400, "last year"},
-                          Case{3 * 365 * 86400, "3 years ago"}, Case{-5 * 60, "in 5 minutes"},
-                          Case{-86400, "tomorrow"}})
+    for (const Case &c :
+         {Case{0, "now"}, Case{1, "1 second ago"}, Case{45, "45 seconds ago"}, Case{60, "1 minute ago"},
+          Case{59 * 60, "59 minutes ago"}, Case{3600, "1 hour ago"}, Case{2 * 3600 + 59, "2 hours ago"},
+          Case{86400, "yesterday"}, Case{2 * 86400, "2 days ago"}, Case{7 * 86400, "last week"},
+          Case{15 * 86400, "2 weeks ago"}, Case{31 * 86400, "last month"}, Case{200 * 86400, "6 months ago"},
+          Case{365 * 86400, "last year"}, Case{3 * 365 * 86400, "3 years ago"}, Case{-5 * 60, "in 5 minutes"},
+          Case{-86400, "tomorrow"}})
         EXPECT_EQ(relativeAge(now.addSecs(-c.secondsAgo), now), c.text) << c.secondsAgo;
     EXPECT_EQ(fullDate(QDate(2026, 11, 22), QLocale(QLocale::English, QLocale::UnitedKingdom)),
               "Sunday, 22 November 2026");
@@ -112,7 +112,7 @@ TEST(Instructions, NotesShowAtOnceAndWaitForTheNextMessage)
     agent.note("Version 3 crashed; back to version 2.", "Version 3 crashed while starting.");
     agent.note("You went back to version 1.", "The user went back to version 1.");
     EXPECT_EQ(harness.saves, 2);
-    EXPECT_EQ(test::rowTexts(agent), (QStringList{"event: Version 3 crashed; back to version 2.",
-                                                  "event: You went back to version 1."}));
+    EXPECT_EQ(test::rowTexts(agent),
+              (QStringList{"event: Version 3 crashed; back to version 2.", "event: You went back to version 1."}));
     EXPECT_EQ(agent.notes(), (QStringList{"Version 3 crashed while starting.", "The user went back to version 1."}));
 }

@@ -52,8 +52,9 @@ TEST(LogTail, ReadingTheEndGivesWhatTheWholeFileGives)
 {
     QTemporaryDir folder;
     QRandomGenerator random(7);
-    const QList<QByteArray> pieces{"a", "long line of output ", "ü", "日本語", "👍🏽", "🇩🇪", "e\xCC\x81", "\r\n", "\n", "\n\n",
-                                   "\xFF\xFE", "\t"};
+    const QList<QByteArray> pieces{
+        "a", "long line of output ", "ü", "日本語", "👍🏽", "🇩🇪", "e\xCC\x81", "\r\n", "\n", "\n\n", "\xFF\xFE",
+        "\t"};
     for (int round = 0; round < 60; ++round) {
         QByteArray bytes;
         const int lineFeedOdds = 1 + int(random.bounded(400)); // from short lines to one huge line

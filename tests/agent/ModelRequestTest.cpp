@@ -160,10 +160,16 @@ TEST_F(ModelRequestTest, AWholeRequestSendsWholePairsAndTheNewestThreePicturesEx
                                                                    {"image_url", QUrl::fromLocalFile(path).toString()},
                                                                    {"detail", "auto"}})})}});
     };
-    const QList<JSON> conversationHistory{
-        JSON::object({{"role", "user"}, {"content", "fix it"}}), call("a"), output("a", paths[0]), call("b"),
-        JSON::object({{"type", "reasoning"}, {"encrypted_content", "opaque"}}), call("c"), output("c", paths[1]),
-        call("d"), output("d", paths[2]), call("e")};
+    const QList<JSON> conversationHistory{JSON::object({{"role", "user"}, {"content", "fix it"}}),
+                                          call("a"),
+                                          output("a", paths[0]),
+                                          call("b"),
+                                          JSON::object({{"type", "reasoning"}, {"encrypted_content", "opaque"}}),
+                                          call("c"),
+                                          output("c", paths[1]),
+                                          call("d"),
+                                          output("d", paths[2]),
+                                          call("e")};
     const QList<JSON> queued{output("e", paths[3]), output("z", paths[0])};
 
     const auto sent = [&] {
@@ -171,7 +177,8 @@ TEST_F(ModelRequestTest, AWholeRequestSendsWholePairsAndTheNewestThreePicturesEx
             .find("input")
             ->encode();
     };
-    const QString notice = R"j({"text":"(This screenshot is no longer attached. Take a new one to see the app.)","type":"input_text"})j";
+    const QString notice =
+        R"j({"text":"(This screenshot is no longer attached. Take a new one to see the app.)","type":"input_text"})j";
     const auto picture = [](const QByteArray &bytes) {
         return QStringLiteral(R"j({"detail":"auto","image_url":"data:image/png;base64,%1","type":"input_image"})j")
             .arg(QString::fromLatin1(bytes.toBase64()));

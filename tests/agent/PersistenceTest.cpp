@@ -160,8 +160,8 @@ TEST_F(Persistence, SavesPatchTheListInPlaceAndOnlyConversationsWithRowsAreListe
     // A rewrite leaves no temporary file about, and the file holds every key but those without a value.
     EXPECT_EQ(QDir(folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
     const JSON json = stored(agent.conversationID());
-    for (const char *key : {"id", "created", "updated", "items", "pendingInput", "notes", "unansweredCalls",
-                            "currentRequest", "history"})
+    for (const char *key :
+         {"id", "created", "updated", "items", "pendingInput", "notes", "unansweredCalls", "currentRequest", "history"})
         EXPECT_TRUE(json.find(key)) << key;
     EXPECT_FALSE(json.find("previousResponseID") || json.find("restartCallID"));
 
@@ -181,11 +181,11 @@ TEST_F(Persistence, SavesPatchTheListInPlaceAndOnlyConversationsWithRowsAreListe
 TEST_F(Persistence, TheListSkipsWhatItCantReadAndLeavesItOnDisk)
 {
     const QByteArray good = minimalFile("Readable");
-    put("5A0D9C7E-1F6B-4B7A-9E54-1C2D3E4F5A6B.json", good.left(good.size() / 2)); // truncated
+    put("5A0D9C7E-1F6B-4B7A-9E54-1C2D3E4F5A6B.json", good.left(good.size() / 2));          // truncated
     put("8D302FA1-4C9E-4EAD-8187-4F5A6B7C8D9E.json", R"({"items":[],"pendingInput":[]})"); // notes missing
     put("9E4130B2-5DAF-4FBE-9298-5A6B7C8D9EAF.json",
         R"({"items":[{"id":"0B3A4C2D-1E5F-4A6B-8C7D-9E0F1A2B3C4D","kind":"robot","text":"x","failed":false}],)"
-        R"("pendingInput":[],"notes":[]})"); // a row of an unknown kind
+        R"("pendingInput":[],"notes":[]})");                                   // a row of an unknown kind
     put("AF5241C3-6EB0-40CF-A3A9-6B7C8D9EAFB0.json", QByteArray(200000, '[')); // nested beyond reason
     put("B06352D4-7FC1-41D0-B4BA-7C8D9EAFB0C1.JSON", good);                    // capitals aren't "json"
     put("D28574F6-91E3-43F2-96DC-9EAFB0C1D2E3.json", minimalFile("Readable"));
@@ -310,8 +310,8 @@ TEST_F(Persistence, AStaleOrUnreadableCurrentConversationGivesAFreshOne)
 {
     const QString damaged = QStringLiteral("3F2504E0-4F89-41D3-9A0C-0305E82C3301");
     put(damaged + ".json", "{\"items\":[");
-    for (const QString &named : {QStringLiteral("4A3615F1-5A9A-42E4-AB1D-1416F93D4412"), damaged,
-                                 QStringLiteral("not an id"), QString()}) {
+    for (const QString &named :
+         {QStringLiteral("4A3615F1-5A9A-42E4-AB1D-1416F93D4412"), damaged, QStringLiteral("not an id"), QString()}) {
         setCurrent(named);
         OpenedAgent agent;
         EXPECT_TRUE(agent.items().isEmpty()) << named.toStdString();

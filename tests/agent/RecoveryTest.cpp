@@ -55,9 +55,10 @@ TEST(Recovery, ALostChainWithNothingKeptHereDropsTheOrphanedOutputsAndSaysSo)
     harness.fail({failure(400, std::nullopt, "previous_response_id")});
     harness.sendAndFinish("and now?");
     ASSERT_EQ(harness.inputs.size(), 2u);
-    EXPECT_EQ(harness.inputs[1], (QList<JSON>{Agent::message("developer", "Earlier parts of this conversation were lost; "
-                                                                           "look at the files again before relying on them."),
-                                              Agent::message("developer", "state note"), Agent::message("user", "and now?")}));
+    EXPECT_EQ(harness.inputs[1],
+              (QList<JSON>{Agent::message("developer", "Earlier parts of this conversation were lost; "
+                                                       "look at the files again before relying on them."),
+                           Agent::message("developer", "state note"), Agent::message("user", "and now?")}));
 }
 
 TEST(Recovery, TooLongIsTrimmedFourTimesAtMost)
@@ -87,7 +88,8 @@ TEST(Recovery, RefusedReasoningIsTakenOutOfHistoryOnce)
     RunHarness harness;
     harness.agent.load(
         {.history = {Agent::message("user", "a"), JSON::object({{"type", "reasoning"}, {"encrypted_content", "x"}})}});
-    const auto refused = failure(400, "invalid_encrypted_content", std::nullopt, "Encrypted content could not be verified.");
+    const auto refused = failure(400, "invalid_encrypted_content", std::nullopt,
+                                 "Encrypted content could not be verified.");
     harness.fail({refused, refused});
     harness.sendAndFinish("next");
     EXPECT_EQ(harness.inputs.size(), 2u);
@@ -104,8 +106,8 @@ TEST(Recovery, OnThePlanA401AsksForOneFreshToken)
         std::vector<bool> refreshes;
         bool fixed;
     };
-    for (const Case &c : {Case{Provider::ChatGPT, 2, {false, true}, false}, Case{Provider::ChatGPT, 1, {false, true}, true},
-                          Case{Provider::APIKey, 1, {false}, false}}) {
+    for (const Case &c : {Case{Provider::ChatGPT, 2, {false, true}, false},
+                          Case{Provider::ChatGPT, 1, {false, true}, true}, Case{Provider::APIKey, 1, {false}, false}}) {
         RunHarness harness(c.provider);
         for (int i = 0; i < c.unauthorized; ++i)
             harness.fail({failure(401, std::nullopt)});
@@ -170,7 +172,8 @@ TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)
     EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", std::nullopt, "No.")).text,
               "Your ChatGPT plan doesn't support something in this request. (No.)");
     EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", "model", "No.")).text,
-              "Your ChatGPT plan doesn't support the model " + AgentConfig::model() + "; pick another in Settings. (No.)");
+              "Your ChatGPT plan doesn't support the model " + AgentConfig::model() +
+                  "; pick another in Settings. (No.)");
     EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", "tools", "No.")).text,
               "Your ChatGPT plan doesn't support “tools”. (No.)");
 
@@ -180,8 +183,9 @@ TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)
     EXPECT_FALSE(row(failure(429, std::nullopt), Provider::APIKey).link);
     EXPECT_FALSE(row(failure(500, std::nullopt)).link);
 
-    const ChatItem other = FailureRecovery::errorItem(
-        std::make_exception_ptr(Workspace::Failure("Sign in with ChatGPT again.")), Provider::ChatGPT, plan);
+    const ChatItem other = FailureRecovery::errorItem(std::make_exception_ptr(
+                                                          Workspace::Failure("Sign in with ChatGPT again.")),
+                                                      Provider::ChatGPT, plan);
     EXPECT_EQ(other.text, "Sign in with ChatGPT again.");
     EXPECT_FALSE(other.link);
 }

@@ -16,8 +16,8 @@ namespace zentoro::test {
 // Drives an Agent through a scripted model and fakes of the tools, the credentials and the
 // process, with the real history upkeep, recovery and error rows.
 struct RunHarness {
-    std::deque<std::function<JSON()>> script; // each response in turn, or a throw; "done" once it runs out
-    std::vector<Provider> providers;           // as each request was built, with:
+    std::deque<std::function<JSON()>> script;   // each response in turn, or a throw; "done" once it runs out
+    std::vector<Provider> providers;            // as each request was built, with:
     std::vector<std::optional<QString>> chains; // previousResponseID
     std::vector<QList<JSON>> inputs;            // pendingInput
     std::vector<bool> refreshes;                // whether each bearer asked for a fresh token

@@ -9,10 +9,14 @@ using zentoro::JSON;
 
 TEST(JSON, NumbersEncodeAsIntegersBelowTheLimitAndNaNOrInfinityFailTheWholeDocument)
 {
-    const std::pair<double, const char *> cases[]{{2.0, "2"}, {2.5, "2.5"}, {-0.0, "0"},
+    const std::pair<double, const char *> cases[]{{2.0, "2"},
+                                                  {2.5, "2.5"},
+                                                  {-0.0, "0"},
                                                   {999999999999999.0, "999999999999999"},
-                                                  {-999999999999999.0, "-999999999999999"}, {1e15, "1e+15"},
-                                                  {-1e15, "-1e+15"}, {1e300, "1e+300"}};
+                                                  {-999999999999999.0, "-999999999999999"},
+                                                  {1e15, "1e+15"},
+                                                  {-1e15, "-1e+15"},
+                                                  {1e300, "1e+300"}};
     for (const auto &[number, text] : cases)
         EXPECT_EQ(JSON::number(number).encode(), text);
     EXPECT_EQ(JSON(42).encode(), "42");
@@ -66,17 +70,16 @@ TEST(JSON, StringsRoundTripEscapesAndUnicode)
 {
     const QString text = QString::fromUtf8("quote \" back \\ line\n tab\t bell\x07 é 😀 /");
     const QByteArray encoded = JSON(text).encode();
-    EXPECT_EQ(encoded, QByteArray("\"quote \\\" back \\\\ line\\n tab\\t bell\\u0007 ") +
-                           QByteArray("é 😀 /\""));
+    EXPECT_EQ(encoded, QByteArray("\"quote \\\" back \\\\ line\\n tab\\t bell\\u0007 ") + QByteArray("é 😀 /\""));
     EXPECT_EQ(JSON::decode(encoded), JSON(text));
     EXPECT_EQ(JSON::decode(R"("\ud83d\ude00 \u00e9 \/")"), JSON(QString::fromUtf8("😀 é /")));
 }
 
 TEST(JSON, BadTextIsAnErrorNeverAValue)
 {
-    for (const char *bad : {"", " ", "{", "[1,]", "{\"a\" 1}", "01", "1.", "-", "+1", "nul", "tru",
-                            "\"unterminated", "\"\x01\"", "{} {}", "[1] x", "NaN", "Infinity", "1e999",
-                            "\"\\x\"", "{1: 2}"}) {
+    for (const char *bad : {"",      " ",   "{",        "[1,]",  "{\"a\" 1}",      "01",       "1.",
+                            "-",     "+1",  "nul",      "tru",   "\"unterminated", "\"\x01\"", "{} {}",
+                            "[1] x", "NaN", "Infinity", "1e999", "\"\\x\"",        "{1: 2}"}) {
         EXPECT_THROW(JSON::decode(bad), JSON::Error) << bad;
     }
     EXPECT_THROW(JSON::decode("\"\xff\xfe\""), JSON::Error);

@@ -11,9 +11,9 @@ let package = Package(
             name: "SwiftUITests",
             dependencies: [
                 .product(name: "SwiftUI", package: "Kit"),
-                .product(name: "ZentoroHostInterface", package: "Kit"),
+                .product(name: "ZentoroHostInterface", package: "Kit")
             ]
-        ),
+        )
     ],
     swiftLanguageVersions: [.v5]
 )

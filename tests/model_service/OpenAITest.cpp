@@ -52,7 +52,8 @@ const JSON sampleBody = JSON::object({{"model", "gpt-test"}, {"stream", true}, {
 
 // One request; `onStart` runs inside each item's callback, and `cancelFirst` cancels the task
 // before it asks.
-TaskHandle start(Outcome &outcome, std::function<void()> onStart = [] {}, bool cancelFirst = false)
+TaskHandle start(
+    Outcome &outcome, std::function<void()> onStart = [] {}, bool cancelFirst = false)
 {
     return startTask([&outcome, onStart, cancelFirst](TaskHandle self) -> QCoro::Task<> {
         if (cancelFirst)
@@ -190,7 +191,8 @@ TEST_F(OpenAITest, RequestsPostTheBodyWithOurHeadersInOrderAndShareTheServer)
 
 TEST_F(OpenAITest, ReturnsTheCompletedResponseAndReportsItemsAsTheyStart)
 {
-    const JSON::Array items{item("a"), FakeResponsesServer::call("read_file", JSON::object({{"path", "AppRoot.swift"}}))};
+    const JSON::Array items{item("a"),
+                            FakeResponsesServer::call("read_file", JSON::object({{"path", "AppRoot.swift"}}))};
     const Outcome outcome = respond(FakeResponsesServer::turn(items, "resp_7"));
     ASSERT_TRUE(outcome.response) << describe(outcome.error).toStdString();
     EXPECT_EQ(*outcome.response, FakeResponsesServer::response("resp_7", items));
@@ -225,7 +227,8 @@ TEST_F(OpenAITest, AssemblesTheOutputFromFinishedItemsOnlyWhenTheResponseHasNone
     EXPECT_EQ(*outcome.response, JSON("odd"));
 
     // An incomplete response is an answer, not a failure.
-    outcome = respond(EventStream().done(item("a")).incomplete(FakeResponsesServer::response("r", {}, "incomplete")).reply());
+    outcome = respond(
+        EventStream().done(item("a")).incomplete(FakeResponsesServer::response("r", {}, "incomplete")).reply());
     ASSERT_TRUE(outcome.response);
     EXPECT_EQ(outcome.response->stringAt("status"), "incomplete");
     EXPECT_EQ(*outcome.response->find("output"), JSON::array({item("a")}));
@@ -272,10 +275,14 @@ TEST_F(OpenAITest, SkipsWhatCannotBeAnEventAndActsOnEventsSpelledAnyWay)
             .raw("garbage without a prefix\n")
             .raw("data : {\"type\":\"error\"}\n")
             .raw("DATA: {\"type\":\"error\"}\n")
-            .raw(R"(data: {"sequence_number":1,"type":"response.output_item.added","item":{"id":"late"}})" "\n")
-            .raw(R"(data: { "type" : "response.output_item.added","item":{"id":"spaced"}})" "\n")
-            .raw(R"(data: {"type":"response.output_item.\u0061dded","item":{"id":"escaped"}})" "\n")
-            .raw(R"(data: {"type":"response.\u0063ompleted","response":{"id":"escaped"}})" "\n")
+            .raw(R"(data: {"sequence_number":1,"type":"response.output_item.added","item":{"id":"late"}})"
+                 "\n")
+            .raw(R"(data: { "type" : "response.output_item.added","item":{"id":"spaced"}})"
+                 "\n")
+            .raw(R"(data: {"type":"response.output_item.\u0061dded","item":{"id":"escaped"}})"
+                 "\n")
+            .raw(R"(data: {"type":"response.\u0063ompleted","response":{"id":"escaped"}})"
+                 "\n")
             .reply());
     ASSERT_TRUE(outcome.response) << describe(outcome.error).toStdString();
     EXPECT_EQ(outcome.response->stringAt("id"), "escaped");
@@ -290,7 +297,8 @@ TEST_F(OpenAITest, AnEndWithoutATerminalEventIsAFailure)
     const OpenAI::Failure closed(0, std::nullopt, std::nullopt, "The connection closed before the response finished.");
 
     // A terminal event without its response is skipped, so the stream ends unfinished.
-    Outcome outcome = respond(EventStream().added(item("a")).event(JSON::object({{"type", "response.completed"}})).reply());
+    Outcome outcome = respond(
+        EventStream().added(item("a")).event(JSON::object({{"type", "response.completed"}})).reply());
     EXPECT_EQ(outcome.failure(), closed);
     EXPECT_EQ(outcome.started.size(), 1);
 
@@ -384,7 +392,8 @@ TEST_F(OpenAITest, CancellingAbortsASlowStreamAtOnceAndBeforehandSendsNothing)
     EXPECT_TRUE(spinUntil([&] { return server.openConnections() == 0; }, std::chrono::seconds(2)));
 
     Outcome beforehand;
-    task = start(beforehand, [] {}, true);
+    task = start(
+        beforehand, [] {}, true);
     ASSERT_TRUE(spinUntil([&] { return task.isFinished(); }));
     ASSERT_TRUE(beforehand.networkError());
     EXPECT_TRUE(beforehand.networkError()->isCancelled());
@@ -429,7 +438,8 @@ TEST_F(OpenAITest, AStreamAheadOfItsReaderWaitsInTheConnection)
 TEST(OpenAIFailure, TakesTheMessageCodeAndParamFromTheBody)
 {
     using OpenAI::Failure;
-    EXPECT_EQ(OpenAI::failure(429, R"({"error":"Slow down."})"), Failure(429, std::nullopt, std::nullopt, "Slow down."));
+    EXPECT_EQ(OpenAI::failure(429, R"({"error":"Slow down."})"),
+              Failure(429, std::nullopt, std::nullopt, "Slow down."));
     EXPECT_EQ(OpenAI::failure(403, R"({"detail":{"code":"deactivated","message":"Gone."}})"),
               Failure(403, "deactivated", std::nullopt, "Gone."));
     EXPECT_EQ(OpenAI::failure(401, R"({"detail":"Unauthorized","error":{"param":"x"}})"),

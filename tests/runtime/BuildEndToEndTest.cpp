@@ -87,7 +87,8 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     for (int attempt = 0; attempt < 2; ++attempt) {
         const BuildOutcome failed = await(runtime.build(QStringLiteral("Broken")));
         ASSERT_TRUE(failed.failure());
-        EXPECT_TRUE(failed.failure()->text.contains(QStringLiteral("Views/Broken.swift:3:"))) << failed.failure()->text.toStdString();
+        EXPECT_TRUE(failed.failure()->text.contains(QStringLiteral("Views/Broken.swift:3:")))
+            << failed.failure()->text.toStdString();
         EXPECT_FALSE(failed.failure()->text.contains(workspace.sources())) << failed.failure()->text.toStdString();
     }
     EXPECT_EQ(runtime.loadedVersion(), 1);
@@ -151,11 +152,12 @@ TEST(BuildEndToEnd, AVersionBuiltAgainstAnotherKitIsBuiltAgainBeforeItRuns)
     const auto release = [&](const QString &name) {
         const QString folder = compilers.filePath(name);
         const QString file = folder + QStringLiteral("/swiftc");
-        writeFile(file, QStringLiteral("#!/bin/sh\n"
-                                         "if [ \"$1\" = --version ]; then echo 'Swift version 6.3.1-%1 (test)'; exit 0; fi\n"
-                                         "exec '%2' \"$@\"\n")
-                              .arg(name, *test::swiftc())
-                              .toUtf8());
+        writeFile(file,
+                  QStringLiteral("#!/bin/sh\n"
+                                 "if [ \"$1\" = --version ]; then echo 'Swift version 6.3.1-%1 (test)'; exit 0; fi\n"
+                                 "exec '%2' \"$@\"\n")
+                      .arg(name, *test::swiftc())
+                      .toUtf8());
         QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return folder;
     };
@@ -181,8 +183,10 @@ TEST(BuildEndToEnd, AVersionBuiltAgainstAnotherKitIsBuiltAgainBeforeItRuns)
     runtime.onEvent = [&](const QString &line, const QString &) { shown.append(line); };
     runtime.launch();
     EXPECT_EQ(runtime.loadedVersion(), std::nullopt) << "the old build waits to be built again";
-    ASSERT_TRUE(spinUntil([&] { return runtime.loadedVersion() == 1; }, 10min)) << runtime.banner().value_or(Banner{}).detail.value_or(QString()).toStdString();
-    EXPECT_TRUE(shown.contains(QStringLiteral("Version 1 was built again for this Zentoro's UI kit."))) << shown.join(u'\n').toStdString();
+    ASSERT_TRUE(spinUntil([&] { return runtime.loadedVersion() == 1; }, 10min))
+        << runtime.banner().value_or(Banner{}).detail.value_or(QString()).toStdString();
+    EXPECT_TRUE(shown.contains(QStringLiteral("Version 1 was built again for this Zentoro's UI kit.")))
+        << shown.join(u'\n').toStdString();
     EXPECT_EQ(runtime.state().versions.size(), 1);
 
     const BuildOutcome again = await(runtime.build(QStringLiteral("Once more")));

@@ -14,10 +14,11 @@ TEST(BuildSteps, SwiftLiteralsEscapeWhatWouldEndOrBreakThemInTheEntryFile)
 
     // The entry file carries the copy's name and suite that way; the rest of it is proved by
     // every build that loads.
-    const QString entry =
-        BuildSteps::entryFile(QStringLiteral("Bob's \"Timer\""), QStringLiteral("dev.vantu.zentoro.app.Bob's \"Timer\""));
+    const QString entry = BuildSteps::entryFile(QStringLiteral("Bob's \"Timer\""),
+                                                QStringLiteral("dev.vantu.zentoro.app.Bob's \"Timer\""));
     EXPECT_TRUE(entry.contains(QStringLiteral("appName: \"Bob's \\\"Timer\\\"\")"))) << entry.toStdString();
-    EXPECT_TRUE(entry.contains(QStringLiteral("UserDefaults(suiteName: \"dev.vantu.zentoro.app.Bob's \\\"Timer\\\"\")")));
+    EXPECT_TRUE(
+        entry.contains(QStringLiteral("UserDefaults(suiteName: \"dev.vantu.zentoro.app.Bob's \\\"Timer\\\"\")")));
 }
 
 TEST(BuildSteps, CleanShowsRelativePathsAndNamesTheGeneratedEntry)

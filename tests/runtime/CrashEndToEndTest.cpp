@@ -84,7 +84,9 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
         const QString header = QStringLiteral(", pid %1\n").arg(program.process.processId());
         return spinUntil([&] { return log().contains(header) && log().contains(text); }, 20s);
     };
-    const auto said = [&](const QString &text) { return spinUntil([&] { return conversations(workspace).contains(text); }); };
+    const auto said = [&](const QString &text) {
+        return spinUntil([&] { return conversations(workspace).contains(text); });
+    };
     const auto ended = [&] { return spinUntil([&] { return program.process.state() == QProcess::NotRunning; }, 20s); };
     // The signal that ended the process, or 0 when it exited.
     const auto signal = [&] {
@@ -100,7 +102,8 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
     ASSERT_TRUE(ended());
     EXPECT_LT(clock.elapsed(), 4000);
     EXPECT_EQ(signal(), SIGILL);
-    EXPECT_TRUE(log().contains(QStringLiteral("Fatal error: Unexpectedly found nil while unwrapping an Optional value")));
+    EXPECT_TRUE(
+        log().contains(QStringLiteral("Fatal error: Unexpectedly found nil while unwrapping an Optional value")));
 
     // Next start: crashed while starting, back to the last good version, the sources kept.
     program.start();
@@ -109,7 +112,8 @@ TEST(CrashEndToEnd, EachWayARunEndsIsJudgedAtTheNextStart)
     EXPECT_TRUE(state.versions[2].crashed);
     EXPECT_FALSE(state.versions[0].crashed);
     EXPECT_EQ(state.current, 1);
-    EXPECT_TRUE(readText(workspace.logs() + QStringLiteral("/crash.log")).contains(QStringLiteral("Fatal error: Unexpectedly found nil")));
+    EXPECT_TRUE(readText(workspace.logs() + QStringLiteral("/crash.log"))
+                    .contains(QStringLiteral("Fatal error: Unexpectedly found nil")));
     EXPECT_EQ(readText(workspace.sources() + QStringLiteral("/AppRoot.swift")).toUtf8(), trappingRoot);
     ASSERT_TRUE(said(QStringLiteral("Version 3 crashed while starting; running version 1.")));
     EXPECT_TRUE(conversations(workspace).contains(QStringLiteral("Fatal error: Unexpectedly found nil")));
@@ -187,7 +191,8 @@ TEST(CrashEndToEnd, AQuitEndsTheProgramWithoutTheHostedAppsTeardown)
 
     program.start();
     const QString header = QStringLiteral(", pid %1\n").arg(program.process.processId());
-    ASSERT_TRUE(spinUntil([&] { return log().contains(header) && log().contains(QStringLiteral("Showing version 2.")); }, 20s));
+    ASSERT_TRUE(
+        spinUntil([&] { return log().contains(header) && log().contains(QStringLiteral("Showing version 2.")); }, 20s));
     ::kill(pid_t(program.process.processId()), SIGTERM);
     ASSERT_TRUE(spinUntil([&] { return program.process.state() == QProcess::NotRunning; }, 20s));
     EXPECT_EQ(program.process.exitStatus(), QProcess::NormalExit);
@@ -218,8 +223,12 @@ TEST(CrashEndToEnd, ASecondStartDuringASlowStartIsAnswered)
 
     // No compiler, so the version loads as it is, before the first frame.
     program.start({QStringLiteral("-ZentoroSimulateMissingTools"), QStringLiteral("YES")});
-    ASSERT_TRUE(spinUntil([&] { return readText(workspace.logs() + QStringLiteral("/current.log"))
-                                           .contains(QStringLiteral(", pid %1\n").arg(program.process.processId())); }, 20s));
+    ASSERT_TRUE(spinUntil(
+        [&] {
+            return readText(workspace.logs() + QStringLiteral("/current.log"))
+                .contains(QStringLiteral(", pid %1\n").arg(program.process.processId()));
+        },
+        20s));
     QProcess second;
     second.setProgram(program.link);
     second.setProcessEnvironment(program.environment);

@@ -48,22 +48,26 @@ TEST(CrashFallback, ACrashWhileStartingFallsBackToTheLastGoodVersionOrAnEmptyWin
     EXPECT_TRUE(judgement.state.versions[0].crashed);
     EXPECT_EQ(judgement.state.current, std::nullopt);
     EXPECT_EQ(judgement.state.loading, std::nullopt);
-    EXPECT_EQ(judgement.banner->title, QStringLiteral("Version 1 crashed while starting, so Timer went back to an empty window."));
-    EXPECT_TRUE(judgement.told.endsWith(QStringLiteral("read_log with which=\"crash\" shows that run's output and backtrace.")));
+    EXPECT_EQ(judgement.banner->title,
+              QStringLiteral("Version 1 crashed while starting, so Timer went back to an empty window."));
+    EXPECT_TRUE(judgement.told.endsWith(
+        QStringLiteral("read_log with which=\"crash\" shows that run's output and backtrace.")));
 
     // Killed, so without details.
     judgement = CrashFallback::judge(withVersions({{1, false}, {2, false}, {3, false}}, 3, 3, 2), std::nullopt, timer);
     EXPECT_EQ(judgement.state.current, 2);
     EXPECT_TRUE(judgement.state.versions[2].crashed);
     EXPECT_EQ(judgement.banner->detail, std::nullopt);
-    EXPECT_TRUE(judgement.told.startsWith(QStringLiteral("Version 3 crashed the app while it was starting (no details). "
-                                                         "Zentoro fell back to version 2.")));
+    EXPECT_TRUE(
+        judgement.told.startsWith(QStringLiteral("Version 3 crashed the app while it was starting (no details). "
+                                                 "Zentoro fell back to version 2.")));
 
     // A loading number without a record still falls back.
     judgement = CrashFallback::judge(withVersions({{1, false}}, 7, 7, 1), std::nullopt, timer);
     EXPECT_EQ(judgement.state.current, 1);
     EXPECT_FALSE(judgement.state.versions[0].crashed);
-    EXPECT_EQ(judgement.banner->title, QStringLiteral("Version 7 crashed while starting, so Timer went back to version 1."));
+    EXPECT_EQ(judgement.banner->title,
+              QStringLiteral("Version 7 crashed while starting, so Timer went back to version 1."));
 }
 
 TEST(CrashFallback, TheFallbackIsTheLastGoodVersionOrTheNewestThatNeverCrashed)

@@ -53,7 +53,8 @@ protected:
         child.setProcessEnvironment(environment);
         child.setProcessChannelMode(QProcess::MergedChannels);
         child.setStandardOutputFile(console(), QIODevice::Append);
-        child.start(QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--gtest_filter=CrashChild.Run")} + extra);
+        child.start(QCoreApplication::applicationFilePath(),
+                    QStringList{QStringLiteral("--gtest_filter=CrashChild.Run")} + extra);
         if (!child.waitForFinished(30000))
             return {};
         // On a crash the exit code is the signal's number.

@@ -206,8 +206,8 @@ std::optional<ScriptedReply> Harness::answer(const RecordedRequest &recorded) co
     QString source = readText(workspace_.sources() + QStringLiteral("/AppRoot.swift"));
     source.replace(QStringLiteral(".font(.largeTitle)"), QStringLiteral(".font(.title)"));
     return F::turn({F::message(QStringLiteral("I'll make the greeting smaller."), QStringLiteral("msg_plan")),
-                    F::call(QStringLiteral("write_file"), JSON::object({{"path", "AppRoot.swift"}, {"content", source}}),
-                            firstStep[0]),
+                    F::call(QStringLiteral("write_file"),
+                            JSON::object({{"path", "AppRoot.swift"}, {"content", source}}), firstStep[0]),
                     F::call(QStringLiteral("read_file"), JSON::object({{"path", "AppRoot.swift"}}), firstStep[1]),
                     F::call(QStringLiteral("build"), JSON::object(), firstStep[2]),
                     F::call(QStringLiteral("screenshot"), JSON::object(), firstStep[3])},
@@ -266,7 +266,8 @@ void Harness::resetCopy() const
     saved.currentRequest = request;
     QDir().mkpath(workspace_.root + QStringLiteral("/Conversations"));
     AtomicFile::write(conversationPath(), saved.encode());
-    Defaults::setSuiteValue(workspace_.defaultsSuite(), QStringLiteral("currentConversation"), uuidText(conversationID));
+    Defaults::setSuiteValue(workspace_.defaultsSuite(), QStringLiteral("currentConversation"),
+                            uuidText(conversationID));
 }
 
 void Harness::start(const QByteArray &afterSaves)
@@ -294,76 +295,78 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
     QElapsedTimer sinceExit;
 
     // Follows the program from process to process until the turn has come to rest.
-    const bool settled = spinUntil([&] {
-        const bool dead = currentIsChild ? child.state() == QProcess::NotRunning : !ProcessTable::isAlive(current);
-        if (!dead && kill.atMilliseconds && !trial.killed && clock.elapsed() >= *kill.atMilliseconds) {
-            ::kill(current, SIGKILL);
-            return false;
-        }
-        if (dead) {
-            calmSince.reset();
-            const QList<pid_t> successors = ProcessTable::mentioning(program_.link);
-            if (currentIsChild && child.exitStatus() == QProcess::NormalExit) {
-                // An orderly end is a restart: its waiting script becomes the program anew.
-                if (!sinceExit.isValid())
-                    sinceExit.start();
-                if (successors.isEmpty()) {
-                    if (sinceExit.elapsed() > 5000) {
-                        trial.problems.append(QStringLiteral("the program ended without a restart"));
-                        return true;
-                    }
-                    return false;
-                }
-                sinceExit.invalidate();
-                current = successors.first();
-                currentIsChild = false;
-                ++trial.relaunches;
+    const bool settled = spinUntil(
+        [&] {
+            const bool dead = currentIsChild ? child.state() == QProcess::NotRunning : !ProcessTable::isAlive(current);
+            if (!dead && kill.atMilliseconds && !trial.killed && clock.elapsed() >= *kill.atMilliseconds) {
+                ::kill(current, SIGKILL);
                 return false;
             }
-            if (trial.killed) {
-                trial.problems.append(QStringLiteral("a process ended again after the kill"));
-                return true;
+            if (dead) {
+                calmSince.reset();
+                const QList<pid_t> successors = ProcessTable::mentioning(program_.link);
+                if (currentIsChild && child.exitStatus() == QProcess::NormalExit) {
+                    // An orderly end is a restart: its waiting script becomes the program anew.
+                    if (!sinceExit.isValid())
+                        sinceExit.start();
+                    if (successors.isEmpty()) {
+                        if (sinceExit.elapsed() > 5000) {
+                            trial.problems.append(QStringLiteral("the program ended without a restart"));
+                            return true;
+                        }
+                        return false;
+                    }
+                    sinceExit.invalidate();
+                    current = successors.first();
+                    currentIsChild = false;
+                    ++trial.relaunches;
+                    return false;
+                }
+                if (trial.killed) {
+                    trial.problems.append(QStringLiteral("a process ended again after the kill"));
+                    return true;
+                }
+                trial.killed = true;
+                trial.fileAtKill = readText(conversationPath()).toUtf8();
+                try {
+                    trial.atKill = SavedConversation::fromJSON(JSON::decode(trial.fileAtKill));
+                } catch (const JSON::Error &) {
+                }
+                // A request the process sent just before it died may still be on its way in; a
+                // relaunch under way may already send its own.
+                if (successors.isEmpty())
+                    spinUntil([] { return false; }, 300ms);
+                trial.requestsBeforeKill = server_.requests().size() - firstRequest;
+                if (!successors.isEmpty()) {
+                    // Killed after its restart had begun: the waiting script carries on.
+                    current = successors.first();
+                    currentIsChild = false;
+                } else {
+                    start({});
+                    current = pid_t(child.processId());
+                    currentIsChild = true;
+                }
+                return false;
             }
-            trial.killed = true;
-            trial.fileAtKill = readText(conversationPath()).toUtf8();
-            try {
-                trial.atKill = SavedConversation::fromJSON(JSON::decode(trial.fileAtKill));
-            } catch (const JSON::Error &) {
-            }
-            // A request the process sent just before it died may still be on its way in; a
-            // relaunch under way may already send its own.
-            if (successors.isEmpty())
-                spinUntil([] { return false; }, 300ms);
-            trial.requestsBeforeKill = server_.requests().size() - firstRequest;
-            if (!successors.isEmpty()) {
-                // Killed after its restart had begun: the waiting script carries on.
-                current = successors.first();
-                currentIsChild = false;
-            } else {
-                start({});
-                current = pid_t(child.processId());
-                currentIsChild = true;
-            }
-            return false;
-        }
 
-        const auto now = SavedConversation::read(conversationPath());
-        const bool atRest = now && now->unansweredCalls.isEmpty() && !now->restartCallID &&
-                            (endsWithTheAnswer(*now) ||
-                             (trial.atKill && !trial.atKill->restartCallID && now->updated != trial.atKill->updated));
-        if (!atRest) {
-            calmSince.reset();
-            return false;
-        }
-        // At rest once it stays so for a while: no process ends and no request goes out.
-        const qsizetype requests = server_.requests().size();
-        if (!calmSince || requests != requestsWhenCalm) {
-            calmSince = clock.elapsed();
-            requestsWhenCalm = requests;
-            return false;
-        }
-        return clock.elapsed() - *calmSince >= 1000;
-    }, limit);
+            const auto now = SavedConversation::read(conversationPath());
+            const bool atRest = now && now->unansweredCalls.isEmpty() && !now->restartCallID &&
+                                (endsWithTheAnswer(*now) || (trial.atKill && !trial.atKill->restartCallID &&
+                                                             now->updated != trial.atKill->updated));
+            if (!atRest) {
+                calmSince.reset();
+                return false;
+            }
+            // At rest once it stays so for a while: no process ends and no request goes out.
+            const qsizetype requests = server_.requests().size();
+            if (!calmSince || requests != requestsWhenCalm) {
+                calmSince = clock.elapsed();
+                requestsWhenCalm = requests;
+                return false;
+            }
+            return clock.elapsed() - *calmSince >= 1000;
+        },
+        limit);
 
     trial.milliseconds = clock.elapsed();
     if (!settled)
@@ -403,11 +406,13 @@ QStringList judge(const Trial &trial, const Trial &reference)
     const QMap<QString, int> counts = rowCounts(settled.items);
     const QMap<QString, int> expected = rowCounts(reference.settled->items);
     for (auto row = counts.begin(); row != counts.end(); ++row)
-        check(row.value() <= expected.value(row.key()), QStringLiteral("row %1 shows %2 times").arg(row.key()).arg(row.value()));
+        check(row.value() <= expected.value(row.key()),
+              QStringLiteral("row %1 shows %2 times").arg(row.key()).arg(row.value()));
 
     // Every call in the conversation has exactly one output, in the file as it ends.
     addAll(QStringLiteral("at the end, "),
-           callsNotAnsweredOnce(settled.history, JSON::Array(settled.pendingInput.begin(), settled.pendingInput.end()), true));
+           callsNotAnsweredOnce(settled.history, JSON::Array(settled.pendingInput.begin(), settled.pendingInput.end()),
+                                true));
 
     const QStringList waiting = identities(atKill.pendingInput);
     if (atKill.restartCallID) {
@@ -428,11 +433,14 @@ QStringList judge(const Trial &trial, const Trial &reference)
               QStringLiteral("the next request lost or reordered waiting input"));
         check(QSet<QString>(sent.begin(), sent.end()).size() == sent.size(),
               QStringLiteral("the next request carries an item twice"));
-        check(std::any_of(input.begin(), input.end(), [&](const JSON &item) {
-                  return item.stringAt(QStringLiteral("call_id")) == atKill.restartCallID &&
-                         item.stringAt(QStringLiteral("output")).value_or(QString()).startsWith(
-                             QStringLiteral("Zentoro restarted; it is now running "));
-              }), QStringLiteral("the restart call got no restart answer"));
+        check(std::any_of(input.begin(), input.end(),
+                          [&](const JSON &item) {
+                              return item.stringAt(QStringLiteral("call_id")) == atKill.restartCallID &&
+                                     item.stringAt(QStringLiteral("output"))
+                                         .value_or(QString())
+                                         .startsWith(QStringLiteral("Zentoro restarted; it is now running "));
+                          }),
+              QStringLiteral("the restart call got no restart answer"));
     } else {
         // Cut off without a restart in progress: the turn stays ended, and what the next
         // request will carry answers each call once, behind what was waiting.

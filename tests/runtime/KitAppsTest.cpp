@@ -65,13 +65,18 @@ std::optional<QPoint> find(const QImage &image, const Test &test, QRect area)
     return points.isEmpty() ? std::nullopt : std::optional(points.first());
 }
 
-int count(const QImage &image, const Test &test, QRect area) { return int(matching(image, test, area).size()); }
+int count(const QImage &image, const Test &test, QRect area)
+{
+    return int(matching(image, test, area).size());
+}
 
 const Test green = [](QColor c) { return c.green() > 140 && c.red() < 110 && c.blue() < 130; };
 const Test red = [](QColor c) { return c.red() > 200 && c.green() < 90 && c.blue() < 90; };
 const Test black = [](QColor c) { return c.red() < 40 && c.green() < 40 && c.blue() < 40; };
 const Test accent = [](QColor c) { return c.blue() > 150 && c.red() < 90; };
-const Test pinkish = [](QColor c) { return c.red() > 200 && c.green() > 150 && c.green() < 225 && c.blue() < 225 && c.red() - c.green() > 15; };
+const Test pinkish = [](QColor c) {
+    return c.red() > 200 && c.green() > 150 && c.green() < 225 && c.blue() < 225 && c.red() - c.green() > 15;
+};
 const Test greyish = [](QColor c) { return std::abs(c.red() - c.blue()) < 12 && c.red() > 90 && c.red() < 190; };
 
 } // namespace
@@ -90,10 +95,11 @@ TEST(KitApps, TodoListAddsChecksDeletesAndKeepsItsItemsAcrossRestarts)
         EXPECT_EQ(fields.first()->placeholderText(), QStringLiteral("New task"));
         QTest::keyClicks(fields.first(), QStringLiteral("Buy milk"));
         QTest::keyClick(fields.first(), Qt::Key_Return);
-        ASSERT_TRUE(test::spinUntil([&] { return fields.first()->text().isEmpty(); })) << "the field clears after adding";
+        ASSERT_TRUE(test::spinUntil([&] { return fields.first()->text().isEmpty(); }))
+            << "the field clears after adding";
         // Within a moment the item is on disk in the copy's own settings, with no help from the host.
-        const QString settings =
-            qEnvironmentVariable("XDG_CONFIG_HOME") + u'/' + test::kitTestCopy().defaultsSuite() + ".plist";
+        const QString settings = qEnvironmentVariable("XDG_CONFIG_HOME") + u'/' + test::kitTestCopy().defaultsSuite() +
+                                 ".plist";
         const auto stored = [&] {
             static const QRegularExpression data(QStringLiteral("<key>todoItems</key>\\s*<data>([^<]*)</data>"));
             return QByteArray::fromBase64(data.match(test::readText(settings)).captured(1).toLatin1());
@@ -121,7 +127,8 @@ TEST(KitApps, TodoListAddsChecksDeletesAndKeepsItsItemsAcrossRestarts)
     ASSERT_TRUE(row.has_value());
     restarted.send(QEvent::MouseMove, *row + QPoint(300, 0), Qt::NoButton);
     std::optional<QPoint> remove;
-    ASSERT_TRUE(test::spinUntil([&] { return (remove = find(restarted.image(), red, QRect(600, row->y() - 20, 200, 40))).has_value(); }));
+    ASSERT_TRUE(test::spinUntil(
+        [&] { return (remove = find(restarted.image(), red, QRect(600, row->y() - 20, 200, 40))).has_value(); }));
     restarted.click(*remove + QPoint(2, 4));
     EXPECT_TRUE(test::spinUntil([&] { return count(restarted.image(), green, restarted.image().rect()) == 0; }));
 }
@@ -153,8 +160,9 @@ TEST(KitApps, PomodoroRingFollowsTheSessionAndTheStartButtonRunsTheClock)
     window.click(QPoint(400, picker->y() + 6));
     EXPECT_TRUE(test::spinUntil([&] { return count(window.image(), red, QRect(300, track->y(), 200, 260)) == 0; }));
     // The faint track of the break's green over the window's grey.
-    EXPECT_GT(count(window.image(), [](QColor c) { return c.green() > c.red() + 8 && c.green() > c.blue() + 8; },
-                    QRect(270, track->y(), 260, 260)),
+    EXPECT_GT(count(
+                  window.image(), [](QColor c) { return c.green() > c.red() + 8 && c.green() > c.blue() + 8; },
+                  QRect(270, track->y(), 260, 260)),
               500);
 }
 

@@ -32,19 +32,22 @@ TEST(KitBuild, CachesTheKitPerCompilerWithTheFlagsAppsNeed)
     EXPECT_TRUE(QFile::exists(folder + QStringLiteral("/include/zentoro_host.h")));
     EXPECT_EQ(build.arguments, Kit::appArguments(folder));
     EXPECT_TRUE(build.arguments.contains(QStringLiteral("-lSwiftUI-") + identity));
-    const Shell::Result soname = test::await(Shell::run(QStringLiteral("/bin/sh"),
-        {QStringLiteral("-c"), QStringLiteral("readelf -d \"$0\" 2>/dev/null || objdump -p \"$0\""),
-         folder + u'/' + Kit::libraryName(identity)}));
+    const Shell::Result soname = test::await(
+        Shell::run(QStringLiteral("/bin/sh"),
+                   {QStringLiteral("-c"), QStringLiteral("readelf -d \"$0\" 2>/dev/null || objdump -p \"$0\""),
+                    folder + u'/' + Kit::libraryName(identity)}));
     EXPECT_TRUE(soname.output.contains(Kit::libraryName(identity))) << soname.output.toStdString();
 
     // A second request finds the cache and does not run the compiler, so a bad path is no matter.
-    const Kit::Build again = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Swift test")));
+    const Kit::Build again = test::await(
+        Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Swift test")));
     EXPECT_EQ(again, build);
 }
 
 TEST(KitBuild, AFailedBuildSaysSoInCleanedWordsAndLeavesNoCache)
 {
-    const Kit::Build build = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("missing")));
+    const Kit::Build build = test::await(
+        Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("missing")));
     EXPECT_FALSE(build.ok());
     EXPECT_TRUE(build.arguments.isEmpty());
     EXPECT_TRUE(build.error.startsWith(QStringLiteral("The UI kit didn't build"))) << build.error.toStdString();
@@ -54,13 +57,15 @@ TEST(KitBuild, AFailedBuildSaysSoInCleanedWordsAndLeavesNoCache)
     // paths, cut like any build output.
     QTemporaryDir folder;
     const QString swiftc = folder.filePath(QStringLiteral("swiftc"));
-    test::writeFile(swiftc, "#!/bin/sh\ni=0\nwhile [ $i -lt 400 ]; do\n"
-                            "  echo \"$PWD/src/Sources/SwiftUI/Layout/Stacks.swift:$i:1: error: the kit went wrong here\"\n"
-                            "  i=$((i+1))\ndone\nexit 1\n");
+    test::writeFile(swiftc,
+                    "#!/bin/sh\ni=0\nwhile [ $i -lt 400 ]; do\n"
+                    "  echo \"$PWD/src/Sources/SwiftUI/Layout/Stacks.swift:$i:1: error: the kit went wrong here\"\n"
+                    "  i=$((i+1))\ndone\nexit 1\n");
     QFile::setPermissions(swiftc, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const Kit::Build noisy = test::await(Kit::ensureBuilt({}, swiftc, QStringLiteral("noisy")));
-    EXPECT_TRUE(noisy.error.startsWith(QStringLiteral("The UI kit didn't build:\nSources/SwiftUI/Layout/Stacks.swift:0:1: "
-                                                      "error: the kit went wrong here\n")))
+    EXPECT_TRUE(
+        noisy.error.startsWith(QStringLiteral("The UI kit didn't build:\nSources/SwiftUI/Layout/Stacks.swift:0:1: "
+                                              "error: the kit went wrong here\n")))
         << noisy.error.left(300).toStdString();
     EXPECT_FALSE(noisy.error.contains(QStringLiteral(".building-")));
     EXPECT_TRUE(noisy.error.endsWith(QStringLiteral("\n… (output truncated)")));
@@ -78,9 +83,11 @@ TEST(KitBuild, APreparedKitBesideTheProgramIsUsedOnlyForItsCompiler)
     for (const QString &file : {u'/' + Kit::libraryName(Kit::identity(QStringLiteral("Prepared 1.0"))),
                                 QStringLiteral("/SwiftUI.swiftmodule")})
         test::writeFile(prepared + file, "prepared");
-    const Kit::Build found = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Prepared 1.0")));
+    const Kit::Build found = test::await(
+        Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Prepared 1.0")));
     EXPECT_EQ(found, (Kit::Build{Kit::appArguments(prepared), {}}));
-    const Kit::Build other = test::await(Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Prepared 2.0")));
+    const Kit::Build other = test::await(
+        Kit::ensureBuilt({}, QStringLiteral("/nonexistent/swiftc"), QStringLiteral("Prepared 2.0")));
     EXPECT_TRUE(other.error.startsWith(QStringLiteral("The UI kit didn't build"))) << other.error.toStdString();
     QDir(prepared).removeRecursively();
 }

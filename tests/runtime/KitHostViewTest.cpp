@@ -73,8 +73,14 @@ void *load(const char *module, const char *source)
     return test::loadApp(QString::fromLatin1(module), QString::fromUtf8(source));
 }
 
-bool isGreen(QColor c) { return c.green() > 150 && c.red() < 120; }
-bool isRed(QColor c) { return c.red() > 200 && c.green() < 110; }
+bool isGreen(QColor c)
+{
+    return c.green() > 150 && c.red() < 120;
+}
+bool isRed(QColor c)
+{
+    return c.red() > 200 && c.green() < 110;
+}
 
 struct Window : test::KitWindow {
     explicit Window(void *handle) : KitWindow(handle, {400, 300}) {}
@@ -129,7 +135,8 @@ TEST(KitHostView, MainQueueTasksTimersAndPublishersFireInTheQtLoop)
     Window window(handle);
     const auto all = [&] {
         const QImage image = window.image();
-        return std::ranges::all_of(std::array{140, 180, 220, 260}, [&](int x) { return isGreen(image.pixelColor(x, 150)); });
+        return std::ranges::all_of(std::array{140, 180, 220, 260},
+                                   [&](int x) { return isGreen(image.pixelColor(x, 150)); });
     };
     EXPECT_TRUE(test::spinUntil(all, std::chrono::seconds(5)));
 }

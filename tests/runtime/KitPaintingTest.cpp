@@ -19,7 +19,10 @@ QImage symbol(const char *name)
     return image;
 }
 
-bool dark(const QImage &image, int x, int y) { return qGray(image.pixel(x, y)) < 128; }
+bool dark(const QImage &image, int x, int y)
+{
+    return qGray(image.pixel(x, y)) < 128;
+}
 
 ZentoroText text(const char *utf8, int lineLimit = 0)
 {

@@ -49,10 +49,17 @@ QString buildApp(const QString &module, const QString &source, QString *error)
     writeFile(entry, BuildSteps::entryFile(kitTestCopy().name, kitTestCopy().defaultsSuite()).toUtf8());
     writeFile(app, source.toUtf8());
     const QString output = dir + QStringLiteral("/lib") + module + QStringLiteral(".so");
-    QStringList arguments{QStringLiteral("-emit-library"), QStringLiteral("-parse-as-library"),
-                          QStringLiteral("-module-name"), module, QStringLiteral("-swift-version"), QStringLiteral("5"),
-                          QStringLiteral("-Onone"), QStringLiteral("-module-cache-path"), dir + QStringLiteral("/ModuleCache"),
-                          QStringLiteral("-o"), output};
+    QStringList arguments{QStringLiteral("-emit-library"),
+                          QStringLiteral("-parse-as-library"),
+                          QStringLiteral("-module-name"),
+                          module,
+                          QStringLiteral("-swift-version"),
+                          QStringLiteral("5"),
+                          QStringLiteral("-Onone"),
+                          QStringLiteral("-module-cache-path"),
+                          dir + QStringLiteral("/ModuleCache"),
+                          QStringLiteral("-o"),
+                          output};
     arguments << sharedKit().arguments << entry << app;
     const Shell::Result result = await(Shell::run(*swiftc(), arguments, dir));
     if (result.status != 0) {
@@ -80,6 +87,9 @@ KitWindow::KitWindow(void *handle, QSize size)
     container.show();
 }
 
-void KitWindow::click(QPoint at) const { QTest::mouseClick(view, Qt::LeftButton, {}, at); }
+void KitWindow::click(QPoint at) const
+{
+    QTest::mouseClick(view, Qt::LeftButton, {}, at);
+}
 
 } // namespace zentoro::test

@@ -41,6 +41,6 @@ struct KitWindow {
 } // namespace zentoro::test
 
 // Skips the test, saying why, when no Swift compiler is installed.
-#define ZENTORO_REQUIRE_SWIFTC()                                                                    \
-    if (!zentoro::test::swiftc())                                                                   \
+#define ZENTORO_REQUIRE_SWIFTC()                                                                                       \
+    if (!zentoro::test::swiftc())                                                                                      \
     GTEST_SKIP() << "No Swift compiler found (swiftc on PATH or in /opt/swift/usr/bin); skipped."

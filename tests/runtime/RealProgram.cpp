@@ -14,9 +14,13 @@
 
 namespace zentoro::test {
 
-QString programPath() { return QCoreApplication::applicationDirPath() + QStringLiteral("/../zentoro"); }
+QString programPath()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/../zentoro");
+}
 
-::testing::AssertionResult buildVersions(const Workspace &workspace, const QList<std::pair<QString, QByteArray>> &changes)
+::testing::AssertionResult buildVersions(const Workspace &workspace,
+                                         const QList<std::pair<QString, QByteArray>> &changes)
 {
     QDir(workspace.root).removeRecursively();
     workspace.prepare();
@@ -95,14 +99,16 @@ QList<pid_t> mentioning(const QString &text)
 
 bool killAll(const QStringList &texts, std::chrono::milliseconds timeout)
 {
-    return spinUntil([&] {
-        QList<pid_t> pids;
-        for (const QString &text : texts)
-            pids += mentioning(text);
-        for (pid_t pid : pids)
-            ::kill(pid, SIGKILL);
-        return pids.isEmpty();
-    }, timeout);
+    return spinUntil(
+        [&] {
+            QList<pid_t> pids;
+            for (const QString &text : texts)
+                pids += mentioning(text);
+            for (pid_t pid : pids)
+                ::kill(pid, SIGKILL);
+            return pids.isEmpty();
+        },
+        timeout);
 }
 
 } // namespace ProcessTable

@@ -61,7 +61,7 @@ public:
 } // namespace zentoro::test
 
 // Skips the test when the program or a Swift compiler is missing.
-#define ZENTORO_REQUIRE_PROGRAM()                                                                   \
-    if (!QFile::exists(zentoro::test::programPath()))                                               \
-        GTEST_SKIP() << "The zentoro program isn't built beside the tests.";                        \
+#define ZENTORO_REQUIRE_PROGRAM()                                                                                      \
+    if (!QFile::exists(zentoro::test::programPath()))                                                                  \
+        GTEST_SKIP() << "The zentoro program isn't built beside the tests.";                                           \
     ZENTORO_REQUIRE_SWIFTC()

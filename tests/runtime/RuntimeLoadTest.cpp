@@ -24,7 +24,8 @@ protected:
         cc_ = test::cCompiler();
         if (cc_.isEmpty())
             GTEST_SKIP() << "No C compiler to make a test library with.";
-        workspace_ = Workspace::forName(QStringLiteral("Load ") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        workspace_ = Workspace::forName(QStringLiteral("Load ") +
+                                        ::testing::UnitTest::GetInstance()->current_test_info()->name());
         QDir(workspace_.root).removeRecursively();
     }
 

@@ -63,7 +63,8 @@ TEST(RuntimeState, DecodingIsStrictAboutRequiredKeysTypesAndDates)
     const char *record = R"({"crashed": false, "date": "2026-03-01T09:30:12Z", "number": 1, "summary": "s"})";
     ASSERT_TRUE(RuntimeState::decode(QByteArray(R"({"nextNumber": 2, "versions": [)") + record + "]}"));
     // Dates in another zone are the same instant.
-    const auto offset = decode(R"({"nextNumber": 2, "versions": [{"crashed": false, "date": "2026-03-01T10:30:12+01:00", "number": 1, "summary": "s"}]})");
+    const auto offset = decode(
+        R"({"nextNumber": 2, "versions": [{"crashed": false, "date": "2026-03-01T10:30:12+01:00", "number": 1, "summary": "s"}]})");
     ASSERT_TRUE(offset);
     EXPECT_EQ(offset->versions[0].date, utc("2026-03-01T09:30:12Z"));
     // Unknown keys are ignored.

@@ -1,6 +1,6 @@
+#include "runtime/Snapshot.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
-#include "runtime/Snapshot.h"
 
 #include "support/Await.h"
 #include "support/VersionLibrary.h"
@@ -15,7 +15,10 @@ using namespace zentoro;
 
 namespace {
 
-QImage decoded(const std::optional<QByteArray> &png) { return png ? QImage::fromData(*png, "PNG") : QImage(); }
+QImage decoded(const std::optional<QByteArray> &png)
+{
+    return png ? QImage::fromData(*png, "PNG") : QImage();
+}
 
 QImage filled(int width, int height, QColor colour)
 {

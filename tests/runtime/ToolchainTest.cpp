@@ -1,6 +1,6 @@
+#include "runtime/Toolchain.h"
 #include "runtime/DiskFull.h"
 #include "runtime/Runtime.h"
-#include "runtime/Toolchain.h"
 
 #include "core/Defaults.h"
 
@@ -17,7 +17,8 @@ using namespace zentoro;
 
 TEST(Toolchain, TextsAreReadFromTheCompilersWords)
 {
-    const QString swift631 = QStringLiteral("Swift version 6.3.1 (swift-6.3.1-RELEASE)\nTarget: x86_64-unknown-linux-gnu\n");
+    const QString swift631 = QStringLiteral(
+        "Swift version 6.3.1 (swift-6.3.1-RELEASE)\nTarget: x86_64-unknown-linux-gnu\n");
     EXPECT_EQ(Toolchain::versionText(swift631), QStringLiteral("Swift 6.3.1"));
     EXPECT_EQ(Toolchain::versionText(QStringLiteral("warning: odd\n\nApple Swift version 6.2 (swift-6.2-RELEASE)")),
               QStringLiteral("Swift 6.2"));
@@ -26,7 +27,8 @@ TEST(Toolchain, TextsAreReadFromTheCompilersWords)
     EXPECT_EQ(Toolchain::versionText(QStringLiteral("clang version 17\n")), QStringLiteral("Swift"));
     EXPECT_EQ(Toolchain::versionText(QString()), QStringLiteral("Swift"));
     // A toolchain manager may warn before it prints the toolchain's location.
-    EXPECT_EQ(Toolchain::lastLine(QStringLiteral("warning: a\nwarning: b\n  /opt/swift  \n\n")), QStringLiteral("/opt/swift"));
+    EXPECT_EQ(Toolchain::lastLine(QStringLiteral("warning: a\nwarning: b\n  /opt/swift  \n\n")),
+              QStringLiteral("/opt/swift"));
     const Toolchain ready = Toolchain::ready({QStringLiteral("/opt/swift/usr/bin/swiftc"), QStringLiteral("/"),
                                               QStringLiteral("Swift 6.3.1"), QStringLiteral("/opt/swift")});
     EXPECT_EQ(ready.description(), QStringLiteral("Swift 6.3.1 at /opt/swift"));
@@ -60,7 +62,8 @@ TEST(Toolchain, ACompilerThatFailsIsBrokenWithItsWords)
     EXPECT_EQ(test::await(Toolchain::detect()), Toolchain::broken(QStringLiteral("swiftc failed.")));
 
     // Its words explain the failure, without the blank lines around them.
-    writeScript(bin.path() + QStringLiteral("/swiftc"), "echo 'error: cannot find libstdc++  ' >&2\necho >&2\nexit 2\n");
+    writeScript(bin.path() + QStringLiteral("/swiftc"),
+                "echo 'error: cannot find libstdc++  ' >&2\necho >&2\nexit 2\n");
     EXPECT_EQ(test::await(Toolchain::detect()), Toolchain::broken(QStringLiteral("error: cannot find libstdc++")));
 }
 
@@ -75,7 +78,8 @@ TEST(Toolchain, FindsTheInstalledCompilerAndItsRoot)
     EXPECT_EQ(found.compiler()->swiftc, QStringLiteral("/opt/swift/usr/bin/swiftc"));
     EXPECT_EQ(found.compiler()->developerDir, QStringLiteral("/opt/swift"));
     EXPECT_EQ(found.compiler()->sdk, QStringLiteral("/"));
-    EXPECT_TRUE(found.compiler()->version.startsWith(QStringLiteral("Swift 6"))) << found.compiler()->version.toStdString();
+    EXPECT_TRUE(found.compiler()->version.startsWith(QStringLiteral("Swift 6")))
+        << found.compiler()->version.toStdString();
 }
 
 TEST(Toolchain, SimulatedMissingToolsWinOverAWorkingCompiler)
@@ -103,8 +107,8 @@ TEST(Toolchain, ABuildAskedForDuringTheCheckWaitsForIt)
     const Workspace workspace{QStringLiteral("Early"), dir.path() + QStringLiteral("/Apps/Early")};
     QDir().mkpath(workspace.sources());
     Runtime runtime(workspace);
-    const TaskHandle checking =
-        startTask([&runtime](TaskHandle) -> QCoro::Task<> { co_await runtime.checkToolchain(); });
+    const TaskHandle checking = startTask(
+        [&runtime](TaskHandle) -> QCoro::Task<> { co_await runtime.checkToolchain(); });
     ASSERT_EQ(runtime.toolchain().kind(), Toolchain::Case::Checking);
     const BuildOutcome outcome = test::await(runtime.build(QStringLiteral("Early")));
     EXPECT_TRUE(checking.isFinished());

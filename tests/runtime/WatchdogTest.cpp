@@ -31,8 +31,8 @@ TEST(Watchdog, AHeldMainThreadIsLoggedAndEndlessOutputIsCutToItsEnd)
         EXPECT_EQ(test::readText(path), QString()) << "a live main thread isn't reported";
 
         QThread::msleep(1200); // the hosted code holding the main thread
-        EXPECT_TRUE(test::readText(path).startsWith(
-            "Zentoro: the app's code has kept the window from responding for "));
+        EXPECT_TRUE(
+            test::readText(path).startsWith("Zentoro: the app's code has kept the window from responding for "));
 
         const QByteArray flood(1000, 'x');
         for (int line = 0; line < 20; ++line) {

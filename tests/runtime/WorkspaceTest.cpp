@@ -170,7 +170,8 @@ TEST_F(WorkspaceTest, ResolveStaysInsideTheSourceFolder)
     }
     for (const char *path : {"", "   ", "/etc/hosts", "~/x", " \n/etc/hosts"}) {
         EXPECT_EQ(failureOf([&] { workspace.resolve(QString::fromLatin1(path)); }),
-                  "Use a path relative to the source folder, like \"AppRoot.swift\".") << path;
+                  "Use a path relative to the source folder, like \"AppRoot.swift\".")
+            << path;
     }
 
     EXPECT_EQ(workspace.relativePath(workspace.sources() + "//Views/./Row.swift"), "Views/Row.swift");

@@ -1,8 +1,8 @@
 #include "support/DiskFaults.h"
 
-#include <dlfcn.h>
 #include <cerrno>
 #include <cstdarg>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

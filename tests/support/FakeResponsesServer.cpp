@@ -38,7 +38,8 @@ EventStream &EventStream::raw(const QByteArray &text)
 
 EventStream &EventStream::added(const JSON &item)
 {
-    return event(JSON::object({{QStringLiteral("type"), "response.output_item.added"}, {QStringLiteral("item"), item}}));
+    return event(
+        JSON::object({{QStringLiteral("type"), "response.output_item.added"}, {QStringLiteral("item"), item}}));
 }
 
 EventStream &EventStream::done(const JSON &item)
@@ -48,7 +49,8 @@ EventStream &EventStream::done(const JSON &item)
 
 EventStream &EventStream::textDelta(const QString &text)
 {
-    return event(JSON::object({{QStringLiteral("type"), "response.output_text.delta"}, {QStringLiteral("delta"), text}}));
+    return event(
+        JSON::object({{QStringLiteral("type"), "response.output_text.delta"}, {QStringLiteral("delta"), text}}));
 }
 
 EventStream &EventStream::item(const JSON &item)
@@ -71,7 +73,8 @@ EventStream &EventStream::item(const JSON &item)
 
 EventStream &EventStream::completed(const JSON &response)
 {
-    return event(JSON::object({{QStringLiteral("type"), "response.completed"}, {QStringLiteral("response"), response}}));
+    return event(
+        JSON::object({{QStringLiteral("type"), "response.completed"}, {QStringLiteral("response"), response}}));
 }
 
 EventStream &EventStream::incomplete(const JSON &response)
@@ -249,9 +252,7 @@ void FakeResponsesServer::play(const std::shared_ptr<Connection> &connection, Sc
             connection->busy = false;
             serve(connection);
             break;
-        case ScriptedReply::Ending::Close:
-            socket->disconnectFromHost();
-            break;
+        case ScriptedReply::Ending::Close: socket->disconnectFromHost(); break;
         case ScriptedReply::Ending::Reset: {
             socket->flush();
             const linger immediately{1, 0};
@@ -259,8 +260,7 @@ void FakeResponsesServer::play(const std::shared_ptr<Connection> &connection, Sc
             socket->abort();
             break;
         }
-        case ScriptedReply::Ending::Hang:
-            break;
+        case ScriptedReply::Ending::Hang: break;
         }
     };
 
@@ -275,7 +275,10 @@ void FakeResponsesServer::play(const std::shared_ptr<Connection> &connection, Sc
         socket->write(QByteArray::number(piece.size(), 16) + "\r\n" + piece + "\r\n");
         socket->flush();
         if (pause > 0)
-            QTimer::singleShot(pause, socket, [writePiece, index] { if (*writePiece) (*writePiece)(index + 1); });
+            QTimer::singleShot(pause, socket, [writePiece, index] {
+                if (*writePiece)
+                    (*writePiece)(index + 1);
+            });
         else
             (*writePiece)(index + 1);
     };

@@ -101,7 +101,8 @@ public:
     // Output items in the service's form.
     static JSON message(const QString &text, const QString &id = QStringLiteral("msg_1"));
     static JSON call(const QString &name, const JSON &arguments, const QString &callID = QStringLiteral("call_1"));
-    static JSON response(const QString &id, const JSON::Array &output, const QString &status = QStringLiteral("completed"));
+    static JSON response(const QString &id, const JSON::Array &output,
+                         const QString &status = QStringLiteral("completed"));
 
     // A whole turn: each item streamed, then "response.completed" with all of them.
     static ScriptedReply turn(const JSON::Array &items, const QString &responseID = QStringLiteral("resp_1"));

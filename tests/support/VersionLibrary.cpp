@@ -20,13 +20,14 @@ QString cCompiler()
 QByteArray standInLibrary(int interfaceVersion)
 {
     QByteArray source = "void *zentoro_make_root_view(void) { return 0; }\n"
-                        "int zentoro_kit_interface_version(void) { return " + QByteArray::number(interfaceVersion) + "; }\n";
+                        "int zentoro_kit_interface_version(void) { return " +
+                        QByteArray::number(interfaceVersion) + "; }\n";
     // Never called while the factory makes no view; only found.
-    for (const char *name : {"zentoro_view_attach", "zentoro_view_release", "zentoro_view_set_size",
-                             "zentoro_view_set_appearance", "zentoro_view_update", "zentoro_view_render",
-                             "zentoro_view_pointer", "zentoro_view_scroll", "zentoro_view_key",
-                             "zentoro_view_text_changed", "zentoro_view_text_submitted", "zentoro_view_text_focus",
-                             "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
+    for (const char *name :
+         {"zentoro_view_attach", "zentoro_view_release", "zentoro_view_set_size", "zentoro_view_set_appearance",
+          "zentoro_view_update", "zentoro_view_render", "zentoro_view_pointer", "zentoro_view_scroll",
+          "zentoro_view_key", "zentoro_view_text_changed", "zentoro_view_text_submitted", "zentoro_view_text_focus",
+          "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
         source += "void " + QByteArray(name) + "(void) {}\n";
     return source;
 }
@@ -39,9 +40,8 @@ void buildVersionLibrary(const QString &cc, const Workspace &workspace, int numb
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(body);
     file.close();
-    const Shell::Result result =
-        await(Shell::run(cc, {QStringLiteral("-shared"), QStringLiteral("-fPIC"), QStringLiteral("-o"),
-                              workspace.dylib(number), source}));
+    const Shell::Result result = await(Shell::run(cc, {QStringLiteral("-shared"), QStringLiteral("-fPIC"),
+                                                       QStringLiteral("-o"), workspace.dylib(number), source}));
     ASSERT_EQ(result.status, 0) << result.output.toStdString();
 }
 

@@ -23,7 +23,10 @@ namespace {
 struct Typist : ShownPanel {
     ComposerField *field() { return panel.composer()->field(); }
     void type(const QString &text) { QTest::keyClicks(field(), text); }
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) { QTest::keyClick(field(), key, modifiers); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::keyClick(field(), key, modifiers);
+    }
 };
 
 // Whether any suggestion can be clicked; they are enabled all together or not at all.
@@ -129,8 +132,9 @@ TEST(AgentPanel, SuggestionsSendTheirTextOnlyWhenTheAgentCanRun)
     EXPECT_TRUE(access->isVisible());
     EXPECT_GT(shownAt.height(), 0);
     const QRect viewport = panel.transcript()->viewport()->rect();
-    EXPECT_TRUE(viewport.contains(shownAt)) << shownAt.x() << "," << shownAt.y() << " " << shownAt.width() << "x"
-                                            << shownAt.height() << " in " << viewport.width() << "x" << viewport.height();
+    EXPECT_TRUE(viewport.contains(shownAt))
+        << shownAt.x() << "," << shownAt.y() << " " << shownAt.width() << "x" << shownAt.height() << " in "
+        << viewport.width() << "x" << viewport.height();
     QTest::keyClicks(access->keyField(), QStringLiteral("sk-typed-in-the-panel"));
     QTest::mouseClick(access->saveButton(), Qt::LeftButton);
     EXPECT_TRUE(unconnected.agent.provider().has_value());

@@ -132,12 +132,33 @@ TEST(StretchWordmark, PullsOnHoverShrinksWhenShortOfRoomAndIsOneHeading)
 
 TEST(Icons, EveryNameTheProgramUsesHasItsOwnDrawingAndOthersAreNeutral)
 {
-    const QStringList used{
-        "arrow.clockwise", "arrow.up.circle.fill", "arrow.down.circle", "square.and.pencil", "pencil",
-        "info.circle", "exclamationmark.triangle", "exclamationmark.triangle.fill", "exclamationmark.octagon.fill",
-        "xmark.octagon", "clock.arrow.circlepath", "checkmark", "checkmark.circle.fill", "stop.circle",
-        "stop.circle.fill", "text.alignleft", "doc.text", "folder", "trash", "hammer", "camera", "wrench",
-        "gearshape", "chevron.right", "chevron.down", "person.2", "key"};
+    const QStringList used{"arrow.clockwise",
+                           "arrow.up.circle.fill",
+                           "arrow.down.circle",
+                           "square.and.pencil",
+                           "pencil",
+                           "info.circle",
+                           "exclamationmark.triangle",
+                           "exclamationmark.triangle.fill",
+                           "exclamationmark.octagon.fill",
+                           "xmark.octagon",
+                           "clock.arrow.circlepath",
+                           "checkmark",
+                           "checkmark.circle.fill",
+                           "stop.circle",
+                           "stop.circle.fill",
+                           "text.alignleft",
+                           "doc.text",
+                           "folder",
+                           "trash",
+                           "hammer",
+                           "camera",
+                           "wrench",
+                           "gearshape",
+                           "chevron.right",
+                           "chevron.down",
+                           "person.2",
+                           "key"};
     QSet<QByteArray> drawings;
     for (const QString &name : used) {
         QFile file(Icons::resourceFor(name));
@@ -154,6 +175,7 @@ TEST(Icons, EveryNameTheProgramUsesHasItsOwnDrawingAndOthersAreNeutral)
     EXPECT_EQ(drawings.size(), used.size());
 
     EXPECT_FALSE(Icons::knows(QStringLiteral("../fonts/Anybody")));
-    EXPECT_EQ(Icons::resourceFor(QStringLiteral("sparkles.rectangle.stack")), Icons::resourceFor(QStringLiteral("nope")));
+    EXPECT_EQ(Icons::resourceFor(QStringLiteral("sparkles.rectangle.stack")),
+              Icons::resourceFor(QStringLiteral("nope")));
     EXPECT_FALSE(Icons::pixmap(QStringLiteral("nope"), 16, Qt::black).toImage().isNull());
 }

@@ -55,13 +55,14 @@ const QString reply = QStringLiteral("Done: it counts now.");
 
 bool hasCompiler()
 {
-    return !QStandardPaths::findExecutable(QStringLiteral("swiftc")).isEmpty()
-           || QFile::exists(QStringLiteral("/opt/swift/usr/bin/swiftc"));
+    return !QStandardPaths::findExecutable(QStringLiteral("swiftc")).isEmpty() ||
+           QFile::exists(QStringLiteral("/opt/swift/usr/bin/swiftc"));
 }
 
 bool near(const QColor &a, const QColor &b)
 {
-    return std::abs(a.red() - b.red()) <= 3 && std::abs(a.green() - b.green()) <= 3 && std::abs(a.blue() - b.blue()) <= 3;
+    return std::abs(a.red() - b.red()) <= 3 && std::abs(a.green() - b.green()) <= 3 &&
+           std::abs(a.blue() - b.blue()) <= 3;
 }
 
 // Whether the hosted view shows the counter's ground near its top left corner.
@@ -109,8 +110,8 @@ protected:
     {
         return spinUntil(
             [&] {
-                return !runtime().isBuilding() && runtime().loadedVersion() == number && window().host()->content()
-                       && window().host()->shownGeneration() == runtime().generation();
+                return !runtime().isBuilding() && runtime().loadedVersion() == number && window().host()->content() &&
+                       window().host()->shownGeneration() == runtime().generation();
             },
             timeout);
     }
@@ -147,7 +148,8 @@ TEST_F(FirstSession, AskForAnAppGoBackResetAndRestart)
     EXPECT_EQ(window().windowTitle(), QStringLiteral("Kitchen Timer"));
     // The first build of a test folder compiles the UI kit too, which takes minutes on a busy machine.
     ASSERT_TRUE(shows(1, 1200s)) << "The starter app never showed; banner: "
-                          << (runtime().banner() ? runtime().banner()->detail.value_or(QString()).toStdString() : "");
+                                 << (runtime().banner() ? runtime().banner()->detail.value_or(QString()).toStdString()
+                                                        : "");
     EXPECT_EQ(versionTitle(), QStringLiteral("Version 1"));
     EXPECT_FALSE(showsTally(window()));
 
@@ -187,7 +189,8 @@ TEST_F(FirstSession, AskForAnAppGoBackResetAndRestart)
     auto *shot = qobject_cast<ToolRow *>(row(4));
     ASSERT_TRUE(shot && items[4].imagePath);
     EXPECT_TRUE(shot->showsImage());
-    EXPECT_TRUE(near(QImage(*items[4].imagePath).pixelColor(4, 4), tallyGround)) << "The screenshot isn't of the new app";
+    EXPECT_TRUE(near(QImage(*items[4].imagePath).pixelColor(4, 4), tallyGround))
+        << "The screenshot isn't of the new app";
     EXPECT_TRUE(labelTexts(row(5)).contains(QStringLiteral("it counts now")));
     // The model saw the screenshot with the last request, as picture data: the copy's folder
     // has a blank in its name. The key from the environment is the bearer, and the service

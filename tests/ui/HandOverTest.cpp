@@ -1,6 +1,6 @@
+#include "ui/HandOver.h"
 #include "support/Alert.h"
 #include "support/Await.h"
-#include "ui/HandOver.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -62,8 +62,9 @@ TEST(HandOver, WithNoAnswerTheUserIsToldWhyNothingOpens)
     test::answerNextAlert(alert);
     HandOver::deferToRunningCopy(workspace);
     EXPECT_EQ(alert.text, QStringLiteral("“Nobody Listens” is already open"));
-    EXPECT_EQ(alert.informative, QStringLiteral("Another copy of Zentoro named “Nobody Listens” is using its files. Quit it "
-                                          "first, or rename this copy to make a separate app."));
+    EXPECT_EQ(alert.informative,
+              QStringLiteral("Another copy of Zentoro named “Nobody Listens” is using its files. Quit it "
+                             "first, or rename this copy to make a separate app."));
 }
 
 } // namespace

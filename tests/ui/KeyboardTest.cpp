@@ -36,7 +36,8 @@ QString accessibleName(QWidget *widget)
 
 QString describe(QWidget *widget)
 {
-    return QStringLiteral("%1 \"%2\"").arg(QString::fromLatin1(widget->metaObject()->className()), widget->objectName());
+    return QStringLiteral("%1 \"%2\"")
+        .arg(QString::fromLatin1(widget->metaObject()->className()), widget->objectName());
 }
 
 // What a person operates: buttons, fields and labels whose links take the keyboard.
@@ -109,7 +110,8 @@ protected:
                 visited.append(next);
         }
         ADD_FAILURE() << "Tab never came back to " << describe(start).toStdString() << "; it is stuck at "
-                      << (QApplication::focusWidget() ? describe(QApplication::focusWidget()).toStdString() : "nothing");
+                      << (QApplication::focusWidget() ? describe(QApplication::focusWidget()).toStdString()
+                                                      : "nothing");
         return visited;
     }
 
@@ -124,7 +126,8 @@ protected:
                                                 << accessibleName(widget).toStdString() << "\"";
         }
         for (QWidget *widget : cycle)
-            EXPECT_FALSE(accessibleName(widget).isEmpty()) << describe(widget).toStdString() << " has no accessible name";
+            EXPECT_FALSE(accessibleName(widget).isEmpty())
+                << describe(widget).toStdString() << " has no accessible name";
         return cycle;
     }
 
@@ -136,12 +139,16 @@ protected:
 TEST_F(Keyboard, EveryControlIsReachedInOrderAndNamed)
 {
     // A new copy with no compiler and no key: the setup screen, and a banner above it.
-    session->runtime.setBanner(Banner{QStringLiteral("Couldn't load version 1"), QStringLiteral("dlopen failed"), false});
+    session->runtime.setBanner(
+        Banner{QStringLiteral("Couldn't load version 1"), QStringLiteral("dlopen failed"), false});
     ASSERT_TRUE(window().showsSetup());
-    const QList<QWidget *> order{window().versionButton(), window().restartButton(), window().agentButton(),
+    const QList<QWidget *> order{window().versionButton(),
+                                 window().restartButton(),
+                                 window().agentButton(),
                                  window().bannerView()->dismissButton(),
                                  window().setupView()->toolchainRow()->actionButton(),
-                                 window().setupView()->accessRow()->keyField(), window().agentPanel()->composer()->field()};
+                                 window().setupView()->accessRow()->keyField(),
+                                 window().agentPanel()->composer()->field()};
     const auto [reached, listed] = orders(checkKeyboardReach(), order);
     EXPECT_EQ(reached, listed);
 
@@ -155,7 +162,8 @@ TEST_F(Keyboard, EveryControlIsReachedInOrderAndNamed)
     // The model answers with a link and a file, then the service refuses: the transcript gets
     // a tool row with details and an error row with "Try Again".
     server.enqueue(FakeResponsesServer::turn(
-        {FakeResponsesServer::message(QStringLiteral("See [the guide](https://example.com/guide)."), QStringLiteral("msg_1")),
+        {FakeResponsesServer::message(QStringLiteral("See [the guide](https://example.com/guide)."),
+                                      QStringLiteral("msg_1")),
          FakeResponsesServer::call(QStringLiteral("write_file"),
                                    JSON::object({{QStringLiteral("path"), "Notes.swift"},
                                                  {QStringLiteral("content"), "// notes\n"}}),

@@ -110,7 +110,8 @@ TEST_F(Window, TheBannerHandsTheTroubleToTheAgentWhenItCanWork)
     EXPECT_TRUE(banner->isHidden());
     ASSERT_TRUE(harness.agent.isRunning());
     EXPECT_EQ(harness.agent.items().first().text,
-              QStringLiteral("Something went wrong: Build failed (App.swift:3: error). Please find out why and fix it."));
+              QStringLiteral(
+                  "Something went wrong: Build failed (App.swift:3: error). Please find out why and fix it."));
 
     // While the agent works, the fix waits; dismissing still works.
     runtime->setBanner(Banner{QStringLiteral("Crashed"), std::nullopt, true});

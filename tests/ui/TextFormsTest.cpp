@@ -28,8 +28,7 @@ TEST(InlineMarkdown, InlineSyntaxBecomesMarkup)
     EXPECT_EQ(inner("~~gone~~"), "<s>gone</s>");
     EXPECT_EQ(inner("use `a <b> **c**` here"), "use <code>a &lt;b&gt; **c**</code> here");
     EXPECT_EQ(inner("``a ` b``"), "<code>a ` b</code>");
-    EXPECT_EQ(inner("[site](https://example.org/a?b=1&c=2)"),
-              "<a href=\"https://example.org/a?b=1&amp;c=2\">site</a>");
+    EXPECT_EQ(inner("[site](https://example.org/a?b=1&c=2)"), "<a href=\"https://example.org/a?b=1&amp;c=2\">site</a>");
     EXPECT_EQ(inner("[**bold** link](https://x.org)"), "<a href=\"https://x.org\"><b>bold</b> link</a>");
     EXPECT_EQ(inner("<https://x.org>"), "<a href=\"https://x.org\">https://x.org</a>");
 }

@@ -22,7 +22,10 @@ ChatItem tool(const QString &text, std::optional<QString> detail = std::nullopt,
     return item;
 }
 
-ChatItem item(ChatItem::Kind kind, const QString &text) { return ChatItem::make(kind, text); }
+ChatItem item(ChatItem::Kind kind, const QString &text)
+{
+    return ChatItem::make(kind, text);
+}
 
 // Many rows of every kind, as a long working session leaves them; every fourth from the
 // second is a tool row with details.
@@ -71,8 +74,8 @@ TEST(TranscriptRows, ToolRowsExpandOnlyWithDetailsAndShowReadableImages)
     image.save(*shot.imagePath);
     ChatItem gone = tool(QStringLiteral("Took another"));
     gone.imagePath = dir.filePath(QStringLiteral("missing.png"));
-    ShownPanel shown({tool("Read App.swift"), tool("Edited App.swift", QStringLiteral("line\n").repeated(200)), shot,
-                      gone});
+    ShownPanel shown(
+        {tool("Read App.swift"), tool("Edited App.swift", QStringLiteral("line\n").repeated(200)), shot, gone});
 
     ToolRow *plain = shown.toolRow(0);
     ASSERT_TRUE(plain);

@@ -81,7 +81,8 @@ TEST_F(VersionOperations, AFailedRebuildOffersTheFixAndTellsTheAgent)
     EXPECT_EQ(runtime.banner()->title, "Build failed");
     EXPECT_TRUE(runtime.banner()->offerFix);
     EXPECT_EQ(shownEvents, QStringList{"A manual build failed."});
-    EXPECT_EQ(toldEvents.value(0), "The user tried to build the source folder and it failed:\n" + *runtime.banner()->detail);
+    EXPECT_EQ(toldEvents.value(0),
+              "The user tried to build the source folder and it failed:\n" + *runtime.banner()->detail);
     EXPECT_EQ(runtime.state().versions.size(), 1);
 }
 
@@ -122,8 +123,10 @@ TEST_F(VersionOperations, AnUnreadableStateCostsNoVersionAndAResetWaitsForTheBui
     test::writeFile(workspace.stateFile(), "{\"nextNumber\": 3, \"versions\": [");
     Runtime &runtime = launchOnDisk();
     EXPECT_EQ(test::readText(workspace.stateFile() + ".unreadable"), "{\"nextNumber\": 3, \"versions\": [");
-    ASSERT_TRUE(test::spinUntil([&] { return !runtime.state().versions.isEmpty() || runtime.banner(); }, std::chrono::minutes(10)));
-    ASSERT_EQ(runtime.state().versions.size(), 1) << runtime.banner().value_or(Banner{}).detail.value_or("").toStdString();
+    ASSERT_TRUE(test::spinUntil([&] { return !runtime.state().versions.isEmpty() || runtime.banner(); },
+                                std::chrono::minutes(10)));
+    ASSERT_EQ(runtime.state().versions.size(), 1)
+        << runtime.banner().value_or(Banner{}).detail.value_or("").toStdString();
     EXPECT_EQ(runtime.state().versions[0].number, 3);
     EXPECT_EQ(runtime.loadedVersion(), 3);
     for (int number : {1, 2})
@@ -186,8 +189,9 @@ TEST(RelaunchScript, WaitsForTheOldProcessThenStartsTheProgramInANewSessionWithT
     QTemporaryDir folder;
     const QString program = folder.filePath(QStringLiteral("Kitchen Timer"));
     const QByteArray report = folder.filePath(QStringLiteral("report")).toUtf8();
-    test::writeFile(program, "#!/bin/sh\n{ echo \"$0|$*|${OPENAI_API_KEY-unset}\"; cut -d' ' -f6 /proc/$$/stat; } > \""
-                                 + report + ".tmp\" && mv \"" + report + ".tmp\" \"" + report + "\"\n");
+    test::writeFile(program,
+                    "#!/bin/sh\n{ echo \"$0|$*|${OPENAI_API_KEY-unset}\"; cut -d' ' -f6 /proc/$$/stat; } > \"" +
+                        report + ".tmp\" && mv \"" + report + ".tmp\" \"" + report + "\"\n");
     QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
     for (const char *key : {"sk-from-env", static_cast<const char *>(nullptr)}) {
         SCOPED_TRACE(key ? key : "no key");

@@ -9,11 +9,11 @@ let package = Package(
     name: "ZentoroKit",
     products: [
         .library(name: "SwiftUI", type: .dynamic, targets: ["SwiftUI"]),
-        .library(name: "ZentoroHostInterface", targets: ["ZentoroHostInterface"]),
+        .library(name: "ZentoroHostInterface", targets: ["ZentoroHostInterface"])
     ],
     targets: [
         .target(name: "ZentoroHostInterface"),
-        .target(name: "SwiftUI", dependencies: ["ZentoroHostInterface"]),
+        .target(name: "SwiftUI", dependencies: ["ZentoroHostInterface"])
     ],
     swiftLanguageVersions: [.v5]
 )

@@ -1,4 +1,5 @@
 import Testing
+
 @testable import SwiftUI
 
 private enum Flavor: String, CaseIterable, Identifiable {
@@ -63,7 +64,12 @@ private struct Warning: View {
 
 @MainActor @Suite struct ContainerTests {
     @Test func listRowsStackWithSectionHeadersAndSeparators() {
-        let hosted = Hosted(List { Section("Fruit") { Text("apple"); Text("pear") }; Text("loose") }, width: 300, height: 300)
+        let hosted = Hosted(
+            List {
+                Section("Fruit") {
+                    Text("apple"); Text("pear")
+                }; Text("loose")
+            }, width: 300, height: 300)
         let header = hosted.text("Fruit")!.rect, apple = hosted.text("apple")!.rect, pear = hosted.text("pear")!.rect
         #expect(header.maxY <= apple.minY)
         checkEqual(apple.minX, ListElement.rowInsets.leading, accuracy: 0.5, "rows are leading aligned")
@@ -75,7 +81,13 @@ private struct Warning: View {
     }
 
     @Test func formGroupsSectionsInPanels() {
-        let hosted = Hosted(Form { Section("A") { Text("x") }; Section("B") { Text("y"); Text("z") } }, width: 300, height: 300)
+        let hosted = Hosted(
+            Form {
+                Section("A") { Text("x") };
+                Section("B") {
+                    Text("y"); Text("z")
+                }
+            }, width: 300, height: 300)
         let panels = hosted.double.fills.filter { $0.bounds.width == 300 - 32 }.map(\.bounds)
         #expect(panels.count == 2)
         #expect(panels[1].height > panels[0].height)
@@ -136,8 +148,9 @@ private struct Warning: View {
 
     @Test func gridsFillColumnsRowByRow() {
         let columns = [GridItem(.flexible()), GridItem(.flexible()), GridItem(.flexible())]
-        let hosted = Hosted(LazyVGrid(columns: columns, spacing: 10) { ForEach(0..<7) { Text("c\($0)").frame(height: 20) } },
-                            width: 316, height: 200)
+        let hosted = Hosted(
+            LazyVGrid(columns: columns, spacing: 10) { ForEach(0..<7) { Text("c\($0)").frame(height: 20) } },
+            width: 316, height: 200)
         let c0 = hosted.text("c0")!.rect, c1 = hosted.text("c1")!.rect, c3 = hosted.text("c3")!.rect, c6 = hosted.text("c6")!.rect
         checkEqual(c0.midY, c1.midY, accuracy: 0.5)
         checkEqual(c1.midX - c0.midX, 108, accuracy: 0.5, "three columns of 100 with gaps of 8")
@@ -150,14 +163,15 @@ private struct Warning: View {
 
     @Test func lazyStacksAndListsScrollAndLongOnesMakeOnlyTheRowsInView() {
         var made = 0
-        let stack = Hosted(ScrollView {
-            LazyVStack(spacing: 0) {
-                ForEach(0..<10_000, id: \.self) { index in
-                    let _ = made += 1
-                    Text("row \(index)").frame(height: 20)
+        let stack = Hosted(
+            ScrollView {
+                LazyVStack(spacing: 0) {
+                    ForEach(0..<10_000, id: \.self) { index in
+                        let _ = made += 1
+                        Text("row \(index)").frame(height: 20)
+                    }
                 }
-            }
-        }, width: 200, height: 100)
+            }, width: 200, height: 100)
         #expect(made < 20, "\(made) rows made")
         checkEqual(stack.text("row 4")!.rect.midY, 90, accuracy: 0.5)
         #expect(_zentoroViewScroll(stack.view, 50, 50, 0, 100_000) == 1)
@@ -173,10 +187,11 @@ private struct Warning: View {
         #expect(short.double.texts.contains { $0.string.hasPrefix("item 2") && $0.rect.minY > 0 && $0.rect.maxY < 200 })
 
         made = 0
-        let list = Hosted(List(0..<10_000, id: \.self) { index in
-            let _ = made += 1
-            Text("item \(index)")
-        }, width: 200, height: 280)
+        let list = Hosted(
+            List(0..<10_000, id: \.self) { index in
+                let _ = made += 1
+                Text("item \(index)")
+            }, width: 200, height: 280)
         #expect(made < 20, "\(made) rows made")
         let step = ListElement.minimumRowHeight
         checkEqual(list.text("item 1")!.rect.midY - list.text("item 0")!.rect.midY, step, accuracy: 0.5)
@@ -189,13 +204,14 @@ private struct Warning: View {
     }
 
     @Test func canvasDrawsWhatItsContextIsGiven() {
-        let hosted = Hosted(Canvas { context, size in
-            var copy = context
-            copy.translateBy(x: 10, y: 0)
-            copy.fill(Path(CGRect(x: 0, y: 0, width: size.width / 2, height: 10)), with: .color(.red))
-            context.stroke(Path(ellipseIn: CGRect(x: 0, y: 20, width: 30, height: 30)), with: .color(.blue), lineWidth: 2)
-            context.draw(Text("label"), at: CGPoint(x: 50, y: 50), anchor: .topLeading)
-        }.frame(width: 100, height: 100), width: 100, height: 100)
+        let hosted = Hosted(
+            Canvas { context, size in
+                var copy = context
+                copy.translateBy(x: 10, y: 0)
+                copy.fill(Path(CGRect(x: 0, y: 0, width: size.width / 2, height: 10)), with: .color(.red))
+                context.stroke(Path(ellipseIn: CGRect(x: 0, y: 20, width: 30, height: 30)), with: .color(.blue), lineWidth: 2)
+                context.draw(Text("label"), at: CGPoint(x: 50, y: 50), anchor: .topLeading)
+            }.frame(width: 100, height: 100), width: 100, height: 100)
         #expect(hosted.double.fills.map(\.bounds) == [CGRect(x: 10, y: 0, width: 50, height: 10)])
         #expect(hosted.double.strokes == [CGRect(x: 0, y: 20, width: 30, height: 30)])
         #expect(hosted.text("label")!.rect.origin == CGPoint(x: 50, y: 50))

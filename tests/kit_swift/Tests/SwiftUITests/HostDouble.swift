@@ -1,5 +1,6 @@
 import Testing
 import ZentoroHostInterface
+
 @testable import SwiftUI
 
 /// A host with deterministic text metrics that records what the kit draws. Every character
@@ -74,13 +75,17 @@ final class HostDouble {
         host.shadowPath = { _, _, _, _, _, _ in }
         host.drawText = { context, text, rect in
             let double = HostDouble.of(context), runs = HostDouble.runs(text!)
-            double.texts.append(DrawnText(string: HostDouble.string(text!), rect: double.shifted(rect),
-                                          color: runs.first?.paint.color ?? ZentoroColor(), weight: runs.first?.font.weight ?? 0))
+            double.texts.append(
+                DrawnText(
+                    string: HostDouble.string(text!), rect: double.shifted(rect),
+                    color: runs.first?.paint.color ?? ZentoroColor(), weight: runs.first?.font.weight ?? 0))
         }
         host.drawSymbol = { _, _, _, _ in }
         host.placeTextField = { context, identifier, _, text, prompt, _, flags in
-            HostDouble.of(context).fields.append(Field(identifier: identifier, text: String(cString: text!),
-                                                       prompt: String(cString: prompt!), flags: flags))
+            HostDouble.of(context).fields.append(
+                Field(
+                    identifier: identifier, text: String(cString: text!),
+                    prompt: String(cString: prompt!), flags: flags))
         }
         host.requestRedraw = { _ in }
     }

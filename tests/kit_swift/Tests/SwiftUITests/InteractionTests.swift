@@ -1,4 +1,5 @@
 import Testing
+
 @testable import SwiftUI
 
 private struct Form1: View {
@@ -72,7 +73,9 @@ private struct Switcher: View {
             case .c: EmptyView()
             }
             if let name { Text("hi \(name)") } else { Text("nobody") }
-            Button("next") { mode = mode == .a ? .b : .c; name = "ada" }
+            Button("next") {
+                mode = mode == .a ? .b : .c; name = "ada"
+            }
         }
     }
 }
@@ -80,7 +83,9 @@ private struct Switcher: View {
 private struct Card: ViewModifier {
     @State var taps = 0
     func body(content: Content) -> some View {
-        VStack { content; Button("card \(taps)") { taps += 1 } }
+        VStack {
+            content; Button("card \(taps)") { taps += 1 }
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 import Testing
 import ZentoroHostInterface
+
 @testable import SwiftUI
 
 /// A counter above a grid of 100 texts; one cell shows the count too.
@@ -36,7 +37,9 @@ private struct Tallies: View {
             Button("Shift") { shift.toggle() }
             if shift { Text("spacer row") }
             Tally(label: "a")
-            HStack { Text("fixed"); Text("texts") }
+            HStack {
+                Text("fixed"); Text("texts")
+            }
         }
     }
 }

@@ -1,4 +1,5 @@
 import Testing
+
 @testable import SwiftUI
 
 private struct Counter: View {

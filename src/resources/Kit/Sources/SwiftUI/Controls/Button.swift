@@ -34,9 +34,14 @@ public struct Button<Label: View>: View, PrimitiveView {
         let chrome = single(style.makeBody(configuration).resolve(inner), context: inner)
         let ownAction = self.action
         let closeAlert = context.environment.alertDismiss
-        let action = { ownAction(); closeAlert?() }
-        return [ButtonElement(chrome, path: context.path, graph: graph, enabled: enabled,
-                              shortcut: context.environment.keyboardShortcut, action: action)]
+        let action = {
+            ownAction(); closeAlert?()
+        }
+        return [
+            ButtonElement(
+                chrome, path: context.path, graph: graph, enabled: enabled,
+                shortcut: context.environment.keyboardShortcut, action: action)
+        ]
     }
 }
 
@@ -123,7 +128,10 @@ struct AnyButtonStyle {
 
 private enum ButtonStyleKey: EnvironmentKey { static let defaultValue: AnyButtonStyle? = nil }
 extension EnvironmentValues {
-    var buttonStyle: AnyButtonStyle? { get { self[ButtonStyleKey.self] } set { self[ButtonStyleKey.self] = newValue } }
+    var buttonStyle: AnyButtonStyle? {
+        get { self[ButtonStyleKey.self] }
+        set { self[ButtonStyleKey.self] = newValue }
+    }
 }
 
 extension View {
@@ -134,7 +142,8 @@ extension View {
 }
 
 public struct ButtonBorderShape: Sendable {
-    public static let automatic = ButtonBorderShape(), capsule = ButtonBorderShape(), roundedRectangle = ButtonBorderShape(), circle = ButtonBorderShape()
+    public static let automatic = ButtonBorderShape(), capsule = ButtonBorderShape(), roundedRectangle = ButtonBorderShape(),
+        circle = ButtonBorderShape()
     public static func roundedRectangle(radius: CGFloat) -> ButtonBorderShape { ButtonBorderShape() }
 }
 
@@ -198,11 +207,15 @@ struct ButtonChrome: View {
     var body: some View {
         let large = controlSize == .large || controlSize == .extraLarge
         let destructive = configuration.role == .destructive
-        let fill: AnyShapeStyle = prominent
+        let fill: AnyShapeStyle =
+            prominent
             ? (destructive ? AnyShapeStyle(Color.red) : (tint ?? AnyShapeStyle(Color.accentColor)))
             : AnyShapeStyle(Color.controlBackground)
         return configuration.label
-            .foregroundStyle(prominent ? AnyShapeStyle(Color.white) : (destructive ? AnyShapeStyle(Color.red) : AnyShapeStyle(HierarchicalShapeStyle.primary)))
+            .foregroundStyle(
+                prominent
+                    ? AnyShapeStyle(Color.white) : (destructive ? AnyShapeStyle(Color.red) : AnyShapeStyle(HierarchicalShapeStyle.primary))
+            )
             .padding(.horizontal, large ? 14 : 10)
             .padding(.vertical, large ? 7 : 3)
             .frame(minHeight: large ? 30 : 22)
@@ -257,7 +270,10 @@ public struct KeyboardShortcut: Equatable, Sendable {
 
 private enum ShortcutKey: EnvironmentKey { static let defaultValue: KeyboardShortcut? = nil }
 extension EnvironmentValues {
-    var keyboardShortcut: KeyboardShortcut? { get { self[ShortcutKey.self] } set { self[ShortcutKey.self] = newValue } }
+    var keyboardShortcut: KeyboardShortcut? {
+        get { self[ShortcutKey.self] }
+        set { self[ShortcutKey.self] = newValue }
+    }
 }
 
 extension View {

@@ -25,9 +25,10 @@ final class DragElement: InteractiveElement {
     override var minimumDragDistance: CGFloat? { minimumDistance }
     private func value(_ start: CGPoint, _ point: CGPoint) -> DragGesture.Value {
         let origin = frame.origin
-        return DragGesture.Value(startLocation: CGPoint(x: start.x - origin.x, y: start.y - origin.y),
-                                 location: CGPoint(x: point.x - origin.x, y: point.y - origin.y),
-                                 translation: CGSize(width: point.x - start.x, height: point.y - start.y), time: Date())
+        return DragGesture.Value(
+            startLocation: CGPoint(x: start.x - origin.x, y: start.y - origin.y),
+            location: CGPoint(x: point.x - origin.x, y: point.y - origin.y),
+            translation: CGSize(width: point.x - start.x, height: point.y - start.y), time: Date())
     }
     override func drag(from start: CGPoint, to point: CGPoint) { changed?(value(start, point)) }
     override func endDrag(from start: CGPoint, to point: CGPoint) { ended?(value(start, point)) }
@@ -65,7 +66,9 @@ public struct DragGesture: Gesture {
     public init(minimumDistance: CGFloat = 10, coordinateSpace: CoordinateSpace = .local) { self.minimumDistance = minimumDistance }
     public func onChanged(_ action: @escaping (Value) -> Void) -> DragGesture { var g = self; g.changed = action; return g }
     public func onEnded(_ action: @escaping (Value) -> Void) -> DragGesture { var g = self; g.ended = action; return g }
-    public func updating<State>(_ state: GestureState<State>, body: @escaping (Value, inout State, inout Transaction) -> Void) -> DragGesture {
+    public func updating<State>(_ state: GestureState<State>, body: @escaping (Value, inout State, inout Transaction) -> Void)
+        -> DragGesture
+    {
         var g = self
         let previous = g.changed, previousEnd = g.ended
         g.changed = { value in
@@ -77,7 +80,9 @@ public struct DragGesture: Gesture {
             }
             previous?(value)
         }
-        g.ended = { value in MainActor.assumeIsolated { state.reset() }; previousEnd?(value) }
+        g.ended = { value in
+            MainActor.assumeIsolated { state.reset() }; previousEnd?(value)
+        }
         return g
     }
 }
@@ -111,23 +116,30 @@ public struct GestureState<Value>: DynamicProperty, StorageBound {
 
 extension View {
     public func onTapGesture(count: Int = 1, perform action: @escaping () -> Void) -> some View {
-        modifier(StatefulModifier(tag: "tap") { content, context in
-            content(context).map { TapElement($0, path: context.path, graph: context.graph, count: count) { _ in action() } }
-        })
+        modifier(
+            StatefulModifier(tag: "tap") { content, context in
+                content(context).map { TapElement($0, path: context.path, graph: context.graph, count: count) { _ in action() } }
+            })
     }
-    public func onTapGesture(count: Int = 1, coordinateSpace: CoordinateSpace = .local, perform action: @escaping (CGPoint) -> Void) -> some View {
-        modifier(StatefulModifier(tag: "tap") { content, context in
-            content(context).map { TapElement($0, path: context.path, graph: context.graph, count: count, action: action) }
-        })
+    public func onTapGesture(count: Int = 1, coordinateSpace: CoordinateSpace = .local, perform action: @escaping (CGPoint) -> Void)
+        -> some View
+    {
+        modifier(
+            StatefulModifier(tag: "tap") { content, context in
+                content(context).map { TapElement($0, path: context.path, graph: context.graph, count: count, action: action) }
+            })
     }
-    public func onLongPressGesture(minimumDuration: Double = 0.5, maximumDistance: CGFloat = 10, perform action: @escaping () -> Void,
-                                   onPressingChanged: ((Bool) -> Void)? = nil) -> some View {
+    public func onLongPressGesture(
+        minimumDuration: Double = 0.5, maximumDistance: CGFloat = 10, perform action: @escaping () -> Void,
+        onPressingChanged: ((Bool) -> Void)? = nil
+    ) -> some View {
         onTapGesture(perform: action)
     }
     public func gesture(_ gesture: DragGesture) -> some View {
-        modifier(StatefulModifier(tag: "drag") { content, context in
-            content(context).map { DragElement($0, path: context.path, graph: context.graph, gesture: gesture) }
-        })
+        modifier(
+            StatefulModifier(tag: "drag") { content, context in
+                content(context).map { DragElement($0, path: context.path, graph: context.graph, gesture: gesture) }
+            })
     }
     public func gesture(_ gesture: TapGesture) -> some View {
         onTapGesture(count: gesture.count) { gesture.action?() }
@@ -141,84 +153,98 @@ extension View {
     public func highPriorityGesture(_ gesture: TapGesture) -> some View { self.gesture(gesture) }
 
     public func onHover(perform action: @escaping (Bool) -> Void) -> some View {
-        modifier(StatefulModifier(tag: "hover") { content, context in
-            context.graph.interaction.hoverHandlers[context.path] = action
-            return content(context).map { HoverElement($0, path: context.path, graph: context.graph) }
-        })
+        modifier(
+            StatefulModifier(tag: "hover") { content, context in
+                context.graph.interaction.hoverHandlers[context.path] = action
+                return content(context).map { HoverElement($0, path: context.path, graph: context.graph) }
+            })
     }
 }
 
 // Lifecycle: what runs when a view appears, changes or goes away.
 extension View {
     public func onAppear(perform action: (() -> Void)? = nil) -> some View {
-        modifier(StatefulModifier(tag: "appear") { content, context in
-            let (_, isNew) = context.graph.storage(at: context.path)
-            if isNew, let action { context.graph.afterUpdate(action) }
-            return content(context)
-        })
+        modifier(
+            StatefulModifier(tag: "appear") { content, context in
+                let (_, isNew) = context.graph.storage(at: context.path)
+                if isNew, let action { context.graph.afterUpdate(action) }
+                return content(context)
+            })
     }
     public func onDisappear(perform action: (() -> Void)? = nil) -> some View {
-        modifier(StatefulModifier(tag: "disappear") { content, context in
-            context.graph.storage(at: context.path).0.onDisappear = action
-            return content(context)
-        })
+        modifier(
+            StatefulModifier(tag: "disappear") { content, context in
+                context.graph.storage(at: context.path).0.onDisappear = action
+                return content(context)
+            })
     }
     /// Runs `action` on the main actor when the view appears; the task is cancelled when it goes away.
     public func task(priority: TaskPriority = .userInitiated, _ action: @escaping @MainActor @Sendable () async -> Void) -> some View {
-        modifier(StatefulModifier(tag: "task") { content, context in
-            let (node, isNew) = context.graph.storage(at: context.path)
-            if isNew { context.graph.afterUpdate { node.task = Task { @MainActor in await action() } } }
-            return content(context)
-        })
+        modifier(
+            StatefulModifier(tag: "task") { content, context in
+                let (node, isNew) = context.graph.storage(at: context.path)
+                if isNew { context.graph.afterUpdate { node.task = Task { @MainActor in await action() } } }
+                return content(context)
+            })
     }
     /// Like `task`, and restarted whenever `id` changes.
-    public func task<T: Equatable>(id value: T, priority: TaskPriority = .userInitiated,
-                                   _ action: @escaping @MainActor @Sendable () async -> Void) -> some View {
-        modifier(StatefulModifier(tag: "task-id") { content, context in
-            let node = context.graph.storage(at: context.path).0
-            if node.values["id"] as? T != value {
-                node.values["id"] = value
-                context.graph.afterUpdate {
-                    node.task?.cancel()
-                    node.task = Task { @MainActor in await action() }
+    public func task<T: Equatable>(
+        id value: T, priority: TaskPriority = .userInitiated,
+        _ action: @escaping @MainActor @Sendable () async -> Void
+    ) -> some View {
+        modifier(
+            StatefulModifier(tag: "task-id") { content, context in
+                let node = context.graph.storage(at: context.path).0
+                if node.values["id"] as? T != value {
+                    node.values["id"] = value
+                    context.graph.afterUpdate {
+                        node.task?.cancel()
+                        node.task = Task { @MainActor in await action() }
+                    }
                 }
-            }
-            return content(context)
-        })
+                return content(context)
+            })
     }
     public func onChange<V: Equatable>(of value: V, perform action: @escaping (V) -> Void) -> some View {
         onChange(of: value, initial: false) { _, new in action(new) }
     }
     public func onChange<V: Equatable>(of value: V, initial: Bool = false, _ action: @escaping (V, V) -> Void) -> some View {
-        modifier(StatefulModifier(tag: "change") { content, context in
-            let (node, isNew) = context.graph.storage(at: context.path)
-            if isNew {
-                node.values["value"] = value
-                if initial { context.graph.afterUpdate { action(value, value) } }
-            } else if let old = node.values["value"] as? V, old != value {
-                node.values["value"] = value
-                context.graph.afterUpdate { action(old, value) }
-            }
-            return content(context)
-        })
+        modifier(
+            StatefulModifier(tag: "change") { content, context in
+                let (node, isNew) = context.graph.storage(at: context.path)
+                if isNew {
+                    node.values["value"] = value
+                    if initial { context.graph.afterUpdate { action(value, value) } }
+                } else if let old = node.values["value"] as? V, old != value {
+                    node.values["value"] = value
+                    context.graph.afterUpdate { action(old, value) }
+                }
+                return content(context)
+            })
     }
     public func onChange<V: Equatable>(of value: V, initial: Bool = false, _ action: @escaping () -> Void) -> some View {
         onChange(of: value, initial: initial) { _, _ in action() }
     }
     /// Runs `action` with every value the publisher sends while the view exists.
-    public func onReceive<P: Publisher>(_ publisher: P, perform action: @escaping (P.Output) -> Void) -> some View where P.Failure == Never {
-        modifier(StatefulModifier(tag: "receive") { content, context in
-            let node = context.graph.storage(at: context.path).0
-            let box = node.slot(0) { ActionBox<P.Output>() }
-            box.action = action
-            if node.cancellables.isEmpty {
-                node.cancellables.append(publisher.sink { value in
-                    if Thread.isMainThread { MainActor.assumeIsolated { box.action?(value) } }
-                    else { DispatchQueue.main.async { MainActor.assumeIsolated { box.action?(value) } } }
-                })
-            }
-            return content(context)
-        })
+    public func onReceive<P: Publisher>(_ publisher: P, perform action: @escaping (P.Output) -> Void) -> some View
+    where P.Failure == Never {
+        modifier(
+            StatefulModifier(tag: "receive") { content, context in
+                let node = context.graph.storage(at: context.path).0
+                let box = node.slot(0) { ActionBox<P.Output>() }
+                box.action = action
+                if node.cancellables.isEmpty {
+                    node.cancellables.append(
+                        publisher.sink { value in
+                            if Thread.isMainThread {
+                                MainActor.assumeIsolated { box.action?(value) }
+                            } else {
+                                DispatchQueue.main.async { MainActor.assumeIsolated { box.action?(value) } }
+                            }
+                        })
+                }
+                return content(context)
+            })
     }
 }
 

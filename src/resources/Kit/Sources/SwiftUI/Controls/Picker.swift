@@ -41,16 +41,19 @@ public struct Picker<Label: View, SelectionValue: Hashable, Content: View>: View
                 let lit = options(onTint)
                 if lit.indices.contains(selected) { segments[selected] = lit[selected].element }
             }
-            control = single(resolveView(Segments(options: segments, selected: selected, choose: choose), controlContext),
-                             context: controlContext)
+            control = single(
+                resolveView(Segments(options: segments, selected: selected, choose: choose), controlContext),
+                context: controlContext)
         case .inline:
-            control = single(resolveView(RadioGroup(options: shown.map(\.element), selected: selected, choose: choose), controlContext),
-                             context: controlContext)
+            control = single(
+                resolveView(RadioGroup(options: shown.map(\.element), selected: selected, choose: choose), controlContext),
+                context: controlContext)
         default:
             let menuOptions = options(context.child(.id("menu options"))).map(\.element)
             let current = selected.map { shown[$0].element } ?? EmptyElement()
-            control = resolveMenu(label: AnyView(Elements(elements: [current])), items: menuOptions, selected: selected,
-                                  choose: choose, context: controlContext)
+            control = resolveMenu(
+                label: AnyView(Elements(elements: [current])), items: menuOptions, selected: selected,
+                choose: choose, context: controlContext)
         }
         var labelContext = context.child(.id("label"))
         labelContext.stackAxis = .horizontal
@@ -58,8 +61,11 @@ public struct Picker<Label: View, SelectionValue: Hashable, Content: View>: View
         let hasLabel = !labelElements.isEmpty && !labelElements.allSatisfy { ($0 as? TextElement)?.string.isEmpty == true }
         guard hasLabel else { return [control] }
         let spacer: [Element] = context.environment.inList ? [SpacerElement(minLength: 8, axis: .horizontal)] : []
-        return [StackElement(axis: .horizontal, crossFraction: 0.5, spacing: 8,
-                             children: [single(labelElements, context: labelContext)] + spacer + [control])]
+        return [
+            StackElement(
+                axis: .horizontal, crossFraction: 0.5, spacing: 8,
+                children: [single(labelElements, context: labelContext)] + spacer + [control])
+        ]
     }
 }
 
@@ -80,12 +86,16 @@ private struct Segments: View {
     var body: some View {
         HStack(spacing: 0) {
             ForEach(0..<options.count, id: \.self) { index in
-                Button { choose(index) } label: {
+                Button {
+                    choose(index)
+                } label: {
                     Elements(elements: [options[index]])
                         .padding(.horizontal, 10).padding(.vertical, 3)
                         .frame(maxWidth: .infinity)
-                        .background(RoundedRectangle(cornerRadius: 5)
-                            .fill(index == selected ? AnyShapeStyle(TintShapeStyle()) : AnyShapeStyle(Color.clear)))
+                        .background(
+                            RoundedRectangle(cornerRadius: 5)
+                                .fill(index == selected ? AnyShapeStyle(TintShapeStyle()) : AnyShapeStyle(Color.clear))
+                        )
                         .contentShape(Rectangle())
                 }
                 .buttonStyle(.plain)
@@ -103,7 +113,9 @@ private struct RadioGroup: View {
     var body: some View {
         VStack(alignment: .leading, spacing: 6) {
             ForEach(0..<options.count, id: \.self) { index in
-                Button { choose(index) } label: {
+                Button {
+                    choose(index)
+                } label: {
                     HStack(spacing: 6) {
                         ZStack {
                             Circle().strokeBorder(Color.controlBorder, lineWidth: 1)
@@ -135,9 +147,15 @@ public struct PickerStyleKind: Equatable, Sendable {
 private enum PickerStyleKey: EnvironmentKey { static let defaultValue = PickerStyleKind.automatic }
 private enum PickerTagsKey: EnvironmentKey { static let defaultValue = false }
 extension EnvironmentValues {
-    var pickerStyle: PickerStyleKind { get { self[PickerStyleKey.self] } set { self[PickerStyleKey.self] = newValue } }
+    var pickerStyle: PickerStyleKind {
+        get { self[PickerStyleKey.self] }
+        set { self[PickerStyleKey.self] = newValue }
+    }
     /// Options of a picker: a ForEach tags each row with its id, as SwiftUI does.
-    var pickerTags: Bool { get { self[PickerTagsKey.self] } set { self[PickerTagsKey.self] = newValue } }
+    var pickerTags: Bool {
+        get { self[PickerTagsKey.self] }
+        set { self[PickerTagsKey.self] = newValue }
+    }
 }
 extension View {
     public func pickerStyle(_ style: PickerStyleKind) -> some View { modifier(EnvironmentModifier { $0.pickerStyle = style }) }
@@ -155,13 +173,25 @@ func resolveMenu(label: AnyView, items: [Element], selected: Int?, choose: @esca
     let graph = context.graph
     let state = graph.storage(at: context.child(.id("popup")).path).0.slot(0) { PopupState() }
     let buttonContext = context.child(.id("button"))
-    let button = single(resolveView(MenuButton(label: label) { state.open.toggle(); graph.invalidate() }, buttonContext),
-                        context: buttonContext)
+    let button = single(
+        resolveView(
+            MenuButton(label: label) {
+                state.open.toggle(); graph.invalidate()
+            }, buttonContext),
+        context: buttonContext)
     if state.open {
-        let close = { state.open = false; graph.invalidate() }
+        let close = {
+            state.open = false; graph.invalidate()
+        }
         let listContext = context.child(.id("items"))
-        let list = single(resolveView(MenuItems(items: items, selected: selected, choose: { choose($0); close() }), listContext),
-                          context: listContext)
+        let list = single(
+            resolveView(
+                MenuItems(
+                    items: items, selected: selected,
+                    choose: {
+                        choose($0); close()
+                    }), listContext),
+            context: listContext)
         graph.overlays.append(PopupElement(anchor: button, panel: list, graph: graph, dismiss: close))
     }
     return button
@@ -188,7 +218,9 @@ private struct MenuItems: View {
     var body: some View {
         VStack(alignment: .leading, spacing: 0) {
             ForEach(0..<items.count, id: \.self) { index in
-                Button { choose(index) } label: {
+                Button {
+                    choose(index)
+                } label: {
                     HStack(spacing: 6) {
                         Image(systemName: "checkmark").font(.system(size: 10, weight: .bold)).opacity(index == selected ? 1 : 0)
                         Elements(elements: [items[index]])
@@ -211,7 +243,9 @@ private struct MenuItemStyle: ButtonStyle {
     func makeBody(configuration: Configuration) -> some View {
         configuration.label
             .foregroundStyle(configuration.isPressed ? Color.white : Color.primary)
-            .background(RoundedRectangle(cornerRadius: 4).fill(configuration.isPressed ? AnyShapeStyle(TintShapeStyle()) : AnyShapeStyle(Color.clear)))
+            .background(
+                RoundedRectangle(cornerRadius: 4).fill(
+                    configuration.isPressed ? AnyShapeStyle(TintShapeStyle()) : AnyShapeStyle(Color.clear)))
     }
 }
 
@@ -235,7 +269,9 @@ final class PopupElement: Element {
         panel.place(in: CGRect(origin: origin, size: s))
     }
     override func hits(_ point: CGPoint) -> [InteractiveElement]? {
-        if let hit = panel.hits(point) { return hit + [DismissCatcher(EmptyElement(), path: ViewPath.root.appending(.id("popup")), graph: graph, action: dismiss)] }
+        if let hit = panel.hits(point) {
+            return hit + [DismissCatcher(EmptyElement(), path: ViewPath.root.appending(.id("popup")), graph: graph, action: dismiss)]
+        }
         return [DismissCatcher(EmptyElement(), path: ViewPath.root.appending(.id("popup")), graph: graph, action: dismiss)]
     }
 }
@@ -268,4 +304,3 @@ public struct Menu<Label: View, Content: View>: View, PrimitiveView {
 extension Menu where Label == Text {
     public init<S: StringProtocol>(_ title: S, @ViewBuilder content: () -> Content) { self.init(content: content) { Text(title) } }
 }
-

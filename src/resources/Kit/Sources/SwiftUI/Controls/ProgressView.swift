@@ -61,7 +61,10 @@ public struct ProgressStyleKind: Equatable, Sendable {
 }
 private enum ProgressStyleKey: EnvironmentKey { static let defaultValue = ProgressStyleKind.automatic }
 extension EnvironmentValues {
-    var progressStyle: ProgressStyleKind { get { self[ProgressStyleKey.self] } set { self[ProgressStyleKey.self] = newValue } }
+    var progressStyle: ProgressStyleKind {
+        get { self[ProgressStyleKey.self] }
+        set { self[ProgressStyleKey.self] = newValue }
+    }
 }
 extension View {
     public func progressViewStyle(_ style: ProgressStyleKind) -> some View { modifier(EnvironmentModifier { $0.progressStyle = style }) }

@@ -10,21 +10,28 @@ public struct Slider<Label: View>: View, PrimitiveView {
     let onEditingChanged: (Bool) -> Void
 
     func resolve(_ context: ResolveContext) -> [Element] {
-        [SliderElement(EmptyElement(), path: context.path, graph: context.graph, value: value, bounds: bounds, step: step,
-                       enabled: context.environment.isEnabled, environment: context.environment, onEditingChanged: onEditingChanged)]
+        [
+            SliderElement(
+                EmptyElement(), path: context.path, graph: context.graph, value: value, bounds: bounds, step: step,
+                enabled: context.environment.isEnabled, environment: context.environment, onEditingChanged: onEditingChanged)
+        ]
     }
 }
 
 extension Slider where Label == EmptyView {
-    public init<V: BinaryFloatingPoint>(value: Binding<V>, in bounds: ClosedRange<V> = 0...1,
-                                        onEditingChanged: @escaping (Bool) -> Void = { _ in }) where V.Stride: BinaryFloatingPoint {
+    public init<V: BinaryFloatingPoint>(
+        value: Binding<V>, in bounds: ClosedRange<V> = 0...1,
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }
+    ) where V.Stride: BinaryFloatingPoint {
         self.value = Binding(get: { Double(value.wrappedValue) }, set: { value.wrappedValue = V($0) })
         self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
         step = nil
         self.onEditingChanged = onEditingChanged
     }
-    public init<V: BinaryFloatingPoint>(value: Binding<V>, in bounds: ClosedRange<V>, step: V.Stride,
-                                        onEditingChanged: @escaping (Bool) -> Void = { _ in }) where V.Stride: BinaryFloatingPoint {
+    public init<V: BinaryFloatingPoint>(
+        value: Binding<V>, in bounds: ClosedRange<V>, step: V.Stride,
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }
+    ) where V.Stride: BinaryFloatingPoint {
         self.value = Binding(get: { Double(value.wrappedValue) }, set: { value.wrappedValue = V($0) })
         self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
         self.step = Double(step)
@@ -33,16 +40,20 @@ extension Slider where Label == EmptyView {
 }
 
 extension Slider {
-    public init<V: BinaryFloatingPoint>(value: Binding<V>, in bounds: ClosedRange<V> = 0...1, @ViewBuilder label: () -> Label,
-                                        onEditingChanged: @escaping (Bool) -> Void = { _ in }) where V.Stride: BinaryFloatingPoint {
+    public init<V: BinaryFloatingPoint>(
+        value: Binding<V>, in bounds: ClosedRange<V> = 0...1, @ViewBuilder label: () -> Label,
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }
+    ) where V.Stride: BinaryFloatingPoint {
         self.value = Binding(get: { Double(value.wrappedValue) }, set: { value.wrappedValue = V($0) })
         self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
         step = nil
         self.onEditingChanged = onEditingChanged
     }
-    public init<V: BinaryFloatingPoint, Low: View, High: View>(value: Binding<V>, in bounds: ClosedRange<V> = 0...1,
+    public init<V: BinaryFloatingPoint, Low: View, High: View>(
+        value: Binding<V>, in bounds: ClosedRange<V> = 0...1,
         @ViewBuilder label: () -> Label, @ViewBuilder minimumValueLabel: () -> Low, @ViewBuilder maximumValueLabel: () -> High,
-        onEditingChanged: @escaping (Bool) -> Void = { _ in }) where V.Stride: BinaryFloatingPoint {
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }
+    ) where V.Stride: BinaryFloatingPoint {
         self.value = Binding(get: { Double(value.wrappedValue) }, set: { value.wrappedValue = V($0) })
         self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
         step = nil
@@ -57,8 +68,10 @@ final class SliderElement: InteractiveElement {
     let enabled: Bool
     let environment: EnvironmentValues
     let onEditingChanged: (Bool) -> Void
-    init(_ child: Element, path: ViewPath, graph: ViewGraph, value: Binding<Double>, bounds: ClosedRange<Double>, step: Double?,
-         enabled: Bool, environment: EnvironmentValues, onEditingChanged: @escaping (Bool) -> Void) {
+    init(
+        _ child: Element, path: ViewPath, graph: ViewGraph, value: Binding<Double>, bounds: ClosedRange<Double>, step: Double?,
+        enabled: Bool, environment: EnvironmentValues, onEditingChanged: @escaping (Bool) -> Void
+    ) {
         self.value = value; self.bounds = bounds; self.step = step; self.enabled = enabled
         self.environment = environment; self.onEditingChanged = onEditingChanged
         super.init(child, path: path, graph: graph)
@@ -83,7 +96,9 @@ final class SliderElement: InteractiveElement {
         renderer.fill(Path(roundedRect: filled, cornerRadius: 2), tint)
         let center = CGPoint(x: frame.minX + knob / 2 + usable * fraction, y: frame.midY)
         let knobRect = CGRect(x: center.x - knob / 2, y: center.y - knob / 2, width: knob, height: knob)
-        renderer.shadow(Path(ellipseIn: knobRect), color: RGBA(red: 0, green: 0, blue: 0, alpha: 0.3), radius: 1.5, offset: CGSize(width: 0, height: 0.5))
+        renderer.shadow(
+            Path(ellipseIn: knobRect), color: RGBA(red: 0, green: 0, blue: 0, alpha: 0.3), radius: 1.5,
+            offset: CGSize(width: 0, height: 0.5))
         renderer.fill(Path(ellipseIn: knobRect), .solid(RGBA(red: 1, green: 1, blue: 1, alpha: 1)))
     }
     private func set(from point: CGPoint) {

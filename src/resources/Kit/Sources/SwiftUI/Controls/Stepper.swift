@@ -7,18 +7,24 @@ public struct Stepper<Label: View>: View {
     let decrement: (() -> Void)?
     @Environment(\.labelsHidden) private var labelsHidden
 
-    public init(@ViewBuilder label: () -> Label, onIncrement: (() -> Void)?, onDecrement: (() -> Void)?,
-                onEditingChanged: @escaping (Bool) -> Void = { _ in }) {
+    public init(
+        @ViewBuilder label: () -> Label, onIncrement: (() -> Void)?, onDecrement: (() -> Void)?,
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }
+    ) {
         self.label = label(); increment = onIncrement; decrement = onDecrement
     }
-    public init<V: Strideable>(value: Binding<V>, in bounds: ClosedRange<V>, step: V.Stride = 1,
-                               onEditingChanged: @escaping (Bool) -> Void = { _ in }, @ViewBuilder label: () -> Label) {
+    public init<V: Strideable>(
+        value: Binding<V>, in bounds: ClosedRange<V>, step: V.Stride = 1,
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }, @ViewBuilder label: () -> Label
+    ) {
         self.label = label()
         increment = { value.wrappedValue = min(value.wrappedValue.advanced(by: step), bounds.upperBound) }
         decrement = { value.wrappedValue = max(value.wrappedValue.advanced(by: -step), bounds.lowerBound) }
     }
-    public init<V: Strideable>(value: Binding<V>, step: V.Stride = 1, onEditingChanged: @escaping (Bool) -> Void = { _ in },
-                               @ViewBuilder label: () -> Label) {
+    public init<V: Strideable>(
+        value: Binding<V>, step: V.Stride = 1, onEditingChanged: @escaping (Bool) -> Void = { _ in },
+        @ViewBuilder label: () -> Label
+    ) {
         self.label = label()
         increment = { value.wrappedValue = value.wrappedValue.advanced(by: step) }
         decrement = { value.wrappedValue = value.wrappedValue.advanced(by: -step) }
@@ -28,9 +34,17 @@ public struct Stepper<Label: View>: View {
         HStack(spacing: 8) {
             if !labelsHidden { label }
             HStack(spacing: 0) {
-                Button { decrement?() } label: { Image(systemName: "minus").frame(width: 22, height: 20).contentShape(Rectangle()) }
+                Button {
+                    decrement?()
+                } label: {
+                    Image(systemName: "minus").frame(width: 22, height: 20).contentShape(Rectangle())
+                }
                 Divider().frame(height: 14)
-                Button { increment?() } label: { Image(systemName: "plus").frame(width: 22, height: 20).contentShape(Rectangle()) }
+                Button {
+                    increment?()
+                } label: {
+                    Image(systemName: "plus").frame(width: 22, height: 20).contentShape(Rectangle())
+                }
             }
             .buttonStyle(.plain)
             .font(.system(size: 10, weight: .semibold))

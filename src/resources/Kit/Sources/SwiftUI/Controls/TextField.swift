@@ -52,9 +52,10 @@ extension TextField where Label == Text {
     }
     /// Edits a value through a format: the text is parsed back when it is valid.
     public init<F: ParseableFormatStyle>(_ titleKey: LocalizedStringKey, value: Binding<F.FormatInput>, format: F, prompt: Text? = nil)
-        where F.FormatOutput == String {
-        let binding = Binding<String>(get: { format.format(value.wrappedValue) },
-                                      set: { if let parsed = try? format.parseStrategy.parse($0) { value.wrappedValue = parsed } })
+    where F.FormatOutput == String {
+        let binding = Binding<String>(
+            get: { format.format(value.wrappedValue) },
+            set: { if let parsed = try? format.parseStrategy.parse($0) { value.wrappedValue = parsed } })
         self.init(text: binding, prompt: prompt?.plainText ?? titleKey.string, secure: false)
     }
 }
@@ -111,9 +112,18 @@ struct FocusBinding {
 }
 private enum FocusKey: EnvironmentKey { static let defaultValue: FocusBinding? = nil }
 extension EnvironmentValues {
-    var textFieldStyle: TextFieldStyleKind { get { self[TextFieldStyleKey.self] } set { self[TextFieldStyleKey.self] = newValue } }
-    var submitAction: (() -> Void)? { get { self[SubmitKey.self] } set { self[SubmitKey.self] = newValue } }
-    var focusBinding: FocusBinding? { get { self[FocusKey.self] } set { self[FocusKey.self] = newValue } }
+    var textFieldStyle: TextFieldStyleKind {
+        get { self[TextFieldStyleKey.self] }
+        set { self[TextFieldStyleKey.self] = newValue }
+    }
+    var submitAction: (() -> Void)? {
+        get { self[SubmitKey.self] }
+        set { self[SubmitKey.self] = newValue }
+    }
+    var focusBinding: FocusBinding? {
+        get { self[FocusKey.self] }
+        set { self[FocusKey.self] = newValue }
+    }
 }
 
 public struct SubmitTriggers: OptionSet, Sendable {
@@ -129,15 +139,18 @@ extension View {
         modifier(EnvironmentModifier { $0.submitAction = action })
     }
     public func focused(_ condition: FocusState<Bool>.Binding) -> some View {
-        modifier(EnvironmentModifier { $0.focusBinding = FocusBinding(get: { condition.wrappedValue }, set: { condition.wrappedValue = $0 }) })
+        modifier(
+            EnvironmentModifier { $0.focusBinding = FocusBinding(get: { condition.wrappedValue }, set: { condition.wrappedValue = $0 }) })
     }
     public func focused<Value: Hashable>(_ binding: FocusState<Value?>.Binding, equals value: Value) -> some View {
-        modifier(EnvironmentModifier {
-            $0.focusBinding = FocusBinding(get: { binding.wrappedValue == value },
-                                           set: { focused in
-                                               if focused { binding.wrappedValue = value } else if binding.wrappedValue == value { binding.wrappedValue = nil }
-                                           })
-        })
+        modifier(
+            EnvironmentModifier {
+                $0.focusBinding = FocusBinding(
+                    get: { binding.wrappedValue == value },
+                    set: { focused in
+                        if focused { binding.wrappedValue = value } else if binding.wrappedValue == value { binding.wrappedValue = nil }
+                    })
+            })
     }
     public func autocorrectionDisabled(_ disable: Bool = true) -> some View { self }
     public func submitLabel(_ label: SubmitLabel) -> some View { self }
@@ -145,5 +158,6 @@ extension View {
 
 public struct SubmitLabel: Sendable {
     public static let done = SubmitLabel(), go = SubmitLabel(), send = SubmitLabel(), join = SubmitLabel()
-    public static let route = SubmitLabel(), search = SubmitLabel(), `return` = SubmitLabel(), next = SubmitLabel(), `continue` = SubmitLabel()
+    public static let route = SubmitLabel(), search = SubmitLabel(), `return` = SubmitLabel(), next = SubmitLabel(),
+        `continue` = SubmitLabel()
 }

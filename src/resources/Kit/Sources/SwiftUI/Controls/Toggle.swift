@@ -10,7 +10,9 @@ public struct Toggle<Label: View>: View {
     public init(isOn: Binding<Bool>, @ViewBuilder label: () -> Label) { _isOn = isOn; self.label = label() }
 
     public var body: some View {
-        Button { isOn.toggle() } label: {
+        Button {
+            isOn.toggle()
+        } label: {
             if style == .switch {
                 HStack(spacing: 8) {
                     if !labelsHidden { label; Spacer(minLength: 8) }
@@ -18,7 +20,9 @@ public struct Toggle<Label: View>: View {
                 }
             } else if style == .button {
                 label.padding(.horizontal, 10).padding(.vertical, 3)
-                    .background(RoundedRectangle(cornerRadius: 6).fill(isOn ? AnyShapeStyle(Color.accentColor.opacity(0.25)) : AnyShapeStyle(Color.fill)))
+                    .background(
+                        RoundedRectangle(cornerRadius: 6).fill(
+                            isOn ? AnyShapeStyle(Color.accentColor.opacity(0.25)) : AnyShapeStyle(Color.fill)))
             } else {
                 HStack(spacing: 6) {
                     CheckBox(isOn: isOn)
@@ -70,7 +74,10 @@ public struct ToggleStyleKind: Equatable, Sendable {
 }
 private enum ToggleStyleKey: EnvironmentKey { static let defaultValue = ToggleStyleKind.automatic }
 extension EnvironmentValues {
-    var toggleStyle: ToggleStyleKind { get { self[ToggleStyleKey.self] } set { self[ToggleStyleKey.self] = newValue } }
+    var toggleStyle: ToggleStyleKind {
+        get { self[ToggleStyleKey.self] }
+        set { self[ToggleStyleKey.self] = newValue }
+    }
 }
 extension View {
     public func toggleStyle(_ style: ToggleStyleKind) -> some View { modifier(EnvironmentModifier { $0.toggleStyle = style }) }

@@ -20,7 +20,9 @@ public struct Animation: Equatable, Sendable {
     public static func spring(response: Double = 0.5, dampingFraction: Double = 0.825, blendDuration: Double = 0) -> Animation {
         Animation(duration: response)
     }
-    public static func spring(duration: Double = 0.5, bounce: Double = 0, blendDuration: Double = 0) -> Animation { Animation(duration: duration) }
+    public static func spring(duration: Double = 0.5, bounce: Double = 0, blendDuration: Double = 0) -> Animation {
+        Animation(duration: duration)
+    }
     public static func bouncy(duration: Double = 0.5, extraBounce: Double = 0) -> Animation { Animation(duration: duration) }
     public static func interpolatingSpring(stiffness: Double, damping: Double) -> Animation { .spring }
     public func delay(_ delay: Double) -> Animation { self }

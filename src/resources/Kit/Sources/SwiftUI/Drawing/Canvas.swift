@@ -4,8 +4,10 @@ import Foundation
 public struct Canvas<Symbols: View>: View, PrimitiveView {
     public typealias Body = Never
     let renderer: (inout GraphicsContext, CGSize) -> Void
-    public init(opaque: Bool = false, colorMode: ColorRenderingMode = .nonLinear, rendersAsynchronously: Bool = false,
-                renderer: @escaping (inout GraphicsContext, CGSize) -> Void) where Symbols == EmptyView {
+    public init(
+        opaque: Bool = false, colorMode: ColorRenderingMode = .nonLinear, rendersAsynchronously: Bool = false,
+        renderer: @escaping (inout GraphicsContext, CGSize) -> Void
+    ) where Symbols == EmptyView {
         self.renderer = renderer
     }
     func resolve(_ context: ResolveContext) -> [Element] {
@@ -56,7 +58,8 @@ public struct GraphicsContext {
         public static func color(red: Double, green: Double, blue: Double, opacity: Double = 1) -> Shading {
             .color(Color(red: red, green: green, blue: blue, opacity: opacity))
         }
-        public static func linearGradient(_ gradient: Gradient, startPoint: CGPoint, endPoint: CGPoint, options: GradientOptions) -> Shading {
+        public static func linearGradient(_ gradient: Gradient, startPoint: CGPoint, endPoint: CGPoint, options: GradientOptions) -> Shading
+        {
             .linearGradient(gradient, startPoint: startPoint, endPoint: endPoint)
         }
         public static func style<S: ShapeStyle>(_ style: S) -> Shading { .style(AnyShapeStyle(style)) }
@@ -100,7 +103,9 @@ public struct GraphicsContext {
         stroke(path, with: shading, style: StrokeStyle(lineWidth: lineWidth))
     }
 
-    public mutating func translateBy(x: CGFloat, y: CGFloat) { transform = CGAffineTransform(translationX: x, y: y).concatenating(transform) }
+    public mutating func translateBy(x: CGFloat, y: CGFloat) {
+        transform = CGAffineTransform(translationX: x, y: y).concatenating(transform)
+    }
     public mutating func scaleBy(x: CGFloat, y: CGFloat) { transform = CGAffineTransform(scaleX: x, y: y).concatenating(transform) }
     public mutating func rotate(by angle: Angle) { transform = CGAffineTransform(rotationAngle: angle.radians).concatenating(transform) }
     public mutating func concatenate(_ matrix: CGAffineTransform) { transform = matrix.concatenating(transform) }

@@ -45,8 +45,9 @@ public struct Color: Hashable, CustomStringConvertible, Sendable {
     public var description: String { name ?? "Color" }
 
     private static func system(_ name: String, _ light: (Double, Double, Double), _ dark: (Double, Double, Double)) -> Color {
-        Color(light: RGBA(red: light.0, green: light.1, blue: light.2, alpha: 1),
-              dark: RGBA(red: dark.0, green: dark.1, blue: dark.2, alpha: 1), name: name)
+        Color(
+            light: RGBA(red: light.0, green: light.1, blue: light.2, alpha: 1),
+            dark: RGBA(red: dark.0, green: dark.1, blue: dark.2, alpha: 1), name: name)
     }
     public static let red = system("red", (1, 0.231, 0.188), (1, 0.271, 0.227))
     public static let orange = system("orange", (1, 0.584, 0), (1, 0.624, 0.039))
@@ -63,16 +64,23 @@ public struct Color: Hashable, CustomStringConvertible, Sendable {
     public static let gray = system("gray", (0.557, 0.557, 0.576), (0.557, 0.557, 0.576))
     public static let black = system("black", (0, 0, 0), (0, 0, 0))
     public static let white = system("white", (1, 1, 1), (1, 1, 1))
-    public static let clear = Color(light: RGBA(red: 0, green: 0, blue: 0, alpha: 0), dark: RGBA(red: 0, green: 0, blue: 0, alpha: 0), name: "clear")
+    public static let clear = Color(
+        light: RGBA(red: 0, green: 0, blue: 0, alpha: 0), dark: RGBA(red: 0, green: 0, blue: 0, alpha: 0), name: "clear")
     public static let primary = system("primary", (0, 0, 0), (1, 1, 1)).opacity(0.88)
-    public static let secondary = Color(light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.5), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.55), name: "secondary")
+    public static let secondary = Color(
+        light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.5), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.55), name: "secondary")
     public static let accentColor = Color(kind: .accent, alpha: 1, name: "accentColor")
 
-    static let tertiaryLabel = Color(light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.26), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.25))
-    static let quaternaryLabel = Color(light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.1), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.1))
-    static let windowBackground = Color(light: RGBA(red: 0.925, green: 0.925, blue: 0.925, alpha: 1), dark: RGBA(red: 0.196, green: 0.196, blue: 0.196, alpha: 1))
-    static let controlBackground = Color(light: RGBA(red: 1, green: 1, blue: 1, alpha: 1), dark: RGBA(red: 0.28, green: 0.28, blue: 0.29, alpha: 1))
-    static let controlBorder = Color(light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.16), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.12))
+    static let tertiaryLabel = Color(
+        light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.26), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.25))
+    static let quaternaryLabel = Color(
+        light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.1), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.1))
+    static let windowBackground = Color(
+        light: RGBA(red: 0.925, green: 0.925, blue: 0.925, alpha: 1), dark: RGBA(red: 0.196, green: 0.196, blue: 0.196, alpha: 1))
+    static let controlBackground = Color(
+        light: RGBA(red: 1, green: 1, blue: 1, alpha: 1), dark: RGBA(red: 0.28, green: 0.28, blue: 0.29, alpha: 1))
+    static let controlBorder = Color(
+        light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.16), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.12))
     static let separator = Color(light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.1), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.12))
     static let fill = Color(light: RGBA(red: 0, green: 0, blue: 0, alpha: 0.06), dark: RGBA(red: 1, green: 1, blue: 1, alpha: 0.1))
 
@@ -82,8 +90,9 @@ public struct Color: Hashable, CustomStringConvertible, Sendable {
     }
     func mixed(white amount: Double) -> Color {
         func mix(_ c: RGBA) -> RGBA {
-            RGBA(red: c.red + (1 - c.red) * amount, green: c.green + (1 - c.green) * amount,
-                 blue: c.blue + (1 - c.blue) * amount, alpha: c.alpha)
+            RGBA(
+                red: c.red + (1 - c.red) * amount, green: c.green + (1 - c.green) * amount,
+                blue: c.blue + (1 - c.blue) * amount, alpha: c.alpha)
         }
         switch kind {
         case let .fixed(light, dark): return Color(kind: .fixed(light: mix(light), dark: mix(dark)), alpha: alpha, name: nil)

@@ -49,8 +49,10 @@ public struct Path: Equatable {
         for p in points.dropFirst() { addLine(to: p) }
     }
     public mutating func addRect(_ rect: CGRect) {
-        addLines([CGPoint(x: rect.minX, y: rect.minY), CGPoint(x: rect.maxX, y: rect.minY),
-                  CGPoint(x: rect.maxX, y: rect.maxY), CGPoint(x: rect.minX, y: rect.maxY)])
+        addLines([
+            CGPoint(x: rect.minX, y: rect.minY), CGPoint(x: rect.maxX, y: rect.minY),
+            CGPoint(x: rect.maxX, y: rect.maxY), CGPoint(x: rect.minX, y: rect.maxY)
+        ])
         closeSubpath()
     }
     public mutating func addRects(_ rects: [CGRect]) { rects.forEach { addRect($0) } }
@@ -59,10 +61,18 @@ public struct Path: Equatable {
         let rx = rect.width / 2, ry = rect.height / 2
         let k: CGFloat = 0.5522847498
         move(to: CGPoint(x: c.x + rx, y: c.y))
-        addCurve(to: CGPoint(x: c.x, y: c.y + ry), control1: CGPoint(x: c.x + rx, y: c.y + ry * k), control2: CGPoint(x: c.x + rx * k, y: c.y + ry))
-        addCurve(to: CGPoint(x: c.x - rx, y: c.y), control1: CGPoint(x: c.x - rx * k, y: c.y + ry), control2: CGPoint(x: c.x - rx, y: c.y + ry * k))
-        addCurve(to: CGPoint(x: c.x, y: c.y - ry), control1: CGPoint(x: c.x - rx, y: c.y - ry * k), control2: CGPoint(x: c.x - rx * k, y: c.y - ry))
-        addCurve(to: CGPoint(x: c.x + rx, y: c.y), control1: CGPoint(x: c.x + rx * k, y: c.y - ry), control2: CGPoint(x: c.x + rx, y: c.y - ry * k))
+        addCurve(
+            to: CGPoint(x: c.x, y: c.y + ry), control1: CGPoint(x: c.x + rx, y: c.y + ry * k),
+            control2: CGPoint(x: c.x + rx * k, y: c.y + ry))
+        addCurve(
+            to: CGPoint(x: c.x - rx, y: c.y), control1: CGPoint(x: c.x - rx * k, y: c.y + ry),
+            control2: CGPoint(x: c.x - rx, y: c.y + ry * k))
+        addCurve(
+            to: CGPoint(x: c.x, y: c.y - ry), control1: CGPoint(x: c.x - rx, y: c.y - ry * k),
+            control2: CGPoint(x: c.x - rx * k, y: c.y - ry))
+        addCurve(
+            to: CGPoint(x: c.x + rx, y: c.y), control1: CGPoint(x: c.x + rx * k, y: c.y - ry),
+            control2: CGPoint(x: c.x + rx, y: c.y - ry * k))
         closeSubpath()
     }
     public mutating func addRoundedRect(in rect: CGRect, cornerSize: CGSize, style: RoundedCornerStyle = .continuous) {
@@ -71,13 +81,21 @@ public struct Path: Equatable {
         let k: CGFloat = 0.5522847498
         move(to: CGPoint(x: rect.minX + rx, y: rect.minY))
         addLine(to: CGPoint(x: rect.maxX - rx, y: rect.minY))
-        addCurve(to: CGPoint(x: rect.maxX, y: rect.minY + ry), control1: CGPoint(x: rect.maxX - rx + rx * k, y: rect.minY), control2: CGPoint(x: rect.maxX, y: rect.minY + ry - ry * k))
+        addCurve(
+            to: CGPoint(x: rect.maxX, y: rect.minY + ry), control1: CGPoint(x: rect.maxX - rx + rx * k, y: rect.minY),
+            control2: CGPoint(x: rect.maxX, y: rect.minY + ry - ry * k))
         addLine(to: CGPoint(x: rect.maxX, y: rect.maxY - ry))
-        addCurve(to: CGPoint(x: rect.maxX - rx, y: rect.maxY), control1: CGPoint(x: rect.maxX, y: rect.maxY - ry + ry * k), control2: CGPoint(x: rect.maxX - rx + rx * k, y: rect.maxY))
+        addCurve(
+            to: CGPoint(x: rect.maxX - rx, y: rect.maxY), control1: CGPoint(x: rect.maxX, y: rect.maxY - ry + ry * k),
+            control2: CGPoint(x: rect.maxX - rx + rx * k, y: rect.maxY))
         addLine(to: CGPoint(x: rect.minX + rx, y: rect.maxY))
-        addCurve(to: CGPoint(x: rect.minX, y: rect.maxY - ry), control1: CGPoint(x: rect.minX + rx - rx * k, y: rect.maxY), control2: CGPoint(x: rect.minX, y: rect.maxY - ry + ry * k))
+        addCurve(
+            to: CGPoint(x: rect.minX, y: rect.maxY - ry), control1: CGPoint(x: rect.minX + rx - rx * k, y: rect.maxY),
+            control2: CGPoint(x: rect.minX, y: rect.maxY - ry + ry * k))
         addLine(to: CGPoint(x: rect.minX, y: rect.minY + ry))
-        addCurve(to: CGPoint(x: rect.minX + rx, y: rect.minY), control1: CGPoint(x: rect.minX, y: rect.minY + ry - ry * k), control2: CGPoint(x: rect.minX + rx - rx * k, y: rect.minY))
+        addCurve(
+            to: CGPoint(x: rect.minX + rx, y: rect.minY), control1: CGPoint(x: rect.minX, y: rect.minY + ry - ry * k),
+            control2: CGPoint(x: rect.minX + rx - rx * k, y: rect.minY))
         closeSubpath()
     }
     public mutating func addRoundedRect(in rect: CGRect, cornerRadius: CGFloat) {
@@ -165,7 +183,8 @@ public struct Path: Equatable {
             case let .quad(c, p):
                 for i in 1...12 {
                     let t = CGFloat(i) / 12, u = 1 - t
-                    current.append(CGPoint(x: u * u * from.x + 2 * u * t * c.x + t * t * p.x, y: u * u * from.y + 2 * u * t * c.y + t * t * p.y))
+                    current.append(
+                        CGPoint(x: u * u * from.x + 2 * u * t * c.x + t * t * p.x, y: u * u * from.y + 2 * u * t * c.y + t * t * p.y))
                 }
             case let .cubic(a, b, p):
                 for i in 1...16 {
@@ -240,8 +259,10 @@ public struct StrokeStyle: Equatable {
     public var miterLimit: CGFloat
     public var dash: [CGFloat]
     public var dashPhase: CGFloat
-    public init(lineWidth: CGFloat = 1, lineCap: CGLineCap = .butt, lineJoin: CGLineJoin = .miter,
-                miterLimit: CGFloat = 10, dash: [CGFloat] = [], dashPhase: CGFloat = 0) {
+    public init(
+        lineWidth: CGFloat = 1, lineCap: CGLineCap = .butt, lineJoin: CGLineJoin = .miter,
+        miterLimit: CGFloat = 10, dash: [CGFloat] = [], dashPhase: CGFloat = 0
+    ) {
         self.lineWidth = lineWidth; self.lineCap = lineCap; self.lineJoin = lineJoin
         self.miterLimit = miterLimit; self.dash = dash; self.dashPhase = dashPhase
     }

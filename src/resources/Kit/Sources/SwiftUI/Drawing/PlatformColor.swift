@@ -23,12 +23,16 @@ public struct PlatformColor: Hashable, Sendable {
     public func withAlphaComponent(_ alpha: CGFloat) -> PlatformColor { PlatformColor(color.opacity(Double(alpha))) }
 
     private static func gray(_ light: Double, _ dark: Double) -> PlatformColor {
-        PlatformColor(Color(light: RGBA(red: light, green: light, blue: light, alpha: 1),
-                            dark: RGBA(red: dark, green: dark, blue: dark, alpha: 1)))
+        PlatformColor(
+            Color(
+                light: RGBA(red: light, green: light, blue: light, alpha: 1),
+                dark: RGBA(red: dark, green: dark, blue: dark, alpha: 1)))
     }
     private static func tinted(_ light: (Double, Double, Double), _ dark: (Double, Double, Double)) -> PlatformColor {
-        PlatformColor(Color(light: RGBA(red: light.0, green: light.1, blue: light.2, alpha: 1),
-                            dark: RGBA(red: dark.0, green: dark.1, blue: dark.2, alpha: 1)))
+        PlatformColor(
+            Color(
+                light: RGBA(red: light.0, green: light.1, blue: light.2, alpha: 1),
+                dark: RGBA(red: dark.0, green: dark.1, blue: dark.2, alpha: 1)))
     }
 
     // Plain colours.

@@ -91,7 +91,9 @@ extension Shape {
         return view
     }
     public func stroke<S: ShapeStyle>(_ style: S, lineWidth: CGFloat = 1) -> ShapeView {
-        ShapeView(shape: shapeView.shape, sizing: shapeView.sizing, fill: nil, stroke: (AnyShapeStyle(style), StrokeStyle(lineWidth: lineWidth), false))
+        ShapeView(
+            shape: shapeView.shape, sizing: shapeView.sizing, fill: nil,
+            stroke: (AnyShapeStyle(style), StrokeStyle(lineWidth: lineWidth), false))
     }
     public func stroke<S: ShapeStyle>(_ style: S, style strokeStyle: StrokeStyle, antialiased: Bool = true) -> ShapeView {
         ShapeView(shape: shapeView.shape, sizing: shapeView.sizing, fill: nil, stroke: (AnyShapeStyle(style), strokeStyle, false))
@@ -103,7 +105,9 @@ extension Shape {
         ShapeView(shape: shapeView.shape, sizing: shapeView.sizing, fill: nil, stroke: (nil, strokeStyle, false))
     }
     public func strokeBorder<S: ShapeStyle>(_ style: S, lineWidth: CGFloat = 1, antialiased: Bool = true) -> ShapeView {
-        ShapeView(shape: shapeView.shape, sizing: shapeView.sizing, fill: nil, stroke: (AnyShapeStyle(style), StrokeStyle(lineWidth: lineWidth), true))
+        ShapeView(
+            shape: shapeView.shape, sizing: shapeView.sizing, fill: nil,
+            stroke: (AnyShapeStyle(style), StrokeStyle(lineWidth: lineWidth), true))
     }
     public func strokeBorder<S: ShapeStyle>(_ style: S, style strokeStyle: StrokeStyle, antialiased: Bool = true) -> ShapeView {
         ShapeView(shape: shapeView.shape, sizing: shapeView.sizing, fill: nil, stroke: (AnyShapeStyle(style), strokeStyle, true))
@@ -170,8 +174,10 @@ public struct RoundedRectangle: InsettableShape {
 
 public struct UnevenRoundedRectangle: Shape {
     let radius: CGFloat
-    public init(topLeadingRadius: CGFloat = 0, bottomLeadingRadius: CGFloat = 0, bottomTrailingRadius: CGFloat = 0,
-                topTrailingRadius: CGFloat = 0, style: RoundedCornerStyle = .continuous) {
+    public init(
+        topLeadingRadius: CGFloat = 0, bottomLeadingRadius: CGFloat = 0, bottomTrailingRadius: CGFloat = 0,
+        topTrailingRadius: CGFloat = 0, style: RoundedCornerStyle = .continuous
+    ) {
         radius = max(topLeadingRadius, bottomLeadingRadius, bottomTrailingRadius, topTrailingRadius)
     }
     public func path(in rect: CGRect) -> Path { Path(roundedRect: rect, cornerRadius: radius) }

@@ -92,7 +92,8 @@ class Element {
     /// accepts (same settings), taken over for this update; nil when there is none.
     static func reusable<E: Element>(_ children: [Element], pass: Int, _ same: (E) -> Bool) -> E? {
         guard let first = children.first, let previous = first.owner as? E, previous.reusedPass != pass,
-              children.allSatisfy({ $0.reusedPass == pass }) else { return nil }
+            children.allSatisfy({ $0.reusedPass == pass })
+        else { return nil }
         let old = previous.children
         guard old.count == children.count, zip(old, children).allSatisfy({ $0 === $1 }), same(previous) else { return nil }
         previous.reusedPass = pass

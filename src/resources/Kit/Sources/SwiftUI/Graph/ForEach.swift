@@ -74,7 +74,8 @@ final class RowActionElement: InteractiveElement {
         child.draw(renderer)
         if hovered {
             renderer.fill(Path(ellipseIn: deleteButtonFrame), .solid(Color.red.rgba(in: EnvironmentValues())))
-            renderer.drawSymbol("minus", in: deleteButtonFrame.insetBy(dx: 5, dy: 5), paint: .solid(RGBA(red: 1, green: 1, blue: 1, alpha: 1)))
+            renderer.drawSymbol(
+                "minus", in: deleteButtonFrame.insetBy(dx: 5, dy: 5), paint: .solid(RGBA(red: 1, green: 1, blue: 1, alpha: 1)))
         }
     }
     override var acceptsHover: Bool { true }

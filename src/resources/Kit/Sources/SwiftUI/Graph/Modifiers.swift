@@ -114,17 +114,22 @@ extension View {
     public func padding(_ length: CGFloat) -> some View { padding(.all, length) }
 
     public func frame(width: CGFloat? = nil, height: CGFloat? = nil, alignment: Alignment = .center) -> some View {
-        modifier(ElementModifier { element, context in
-            FixedFrameElement.make(element, width: width, height: height, alignment: alignment, pass: context.graph.pass)
-        })
+        modifier(
+            ElementModifier { element, context in
+                FixedFrameElement.make(element, width: width, height: height, alignment: alignment, pass: context.graph.pass)
+            })
     }
-    public func frame(minWidth: CGFloat? = nil, idealWidth: CGFloat? = nil, maxWidth: CGFloat? = nil,
-                      minHeight: CGFloat? = nil, idealHeight: CGFloat? = nil, maxHeight: CGFloat? = nil,
-                      alignment: Alignment = .center) -> some View {
-        modifier(ElementModifier { element, context in
-            FlexibleFrameElement.make(element, minWidth: minWidth, idealWidth: idealWidth, maxWidth: maxWidth, minHeight: minHeight,
-                                      idealHeight: idealHeight, maxHeight: maxHeight, alignment: alignment, pass: context.graph.pass)
-        })
+    public func frame(
+        minWidth: CGFloat? = nil, idealWidth: CGFloat? = nil, maxWidth: CGFloat? = nil,
+        minHeight: CGFloat? = nil, idealHeight: CGFloat? = nil, maxHeight: CGFloat? = nil,
+        alignment: Alignment = .center
+    ) -> some View {
+        modifier(
+            ElementModifier { element, context in
+                FlexibleFrameElement.make(
+                    element, minWidth: minWidth, idealWidth: idealWidth, maxWidth: maxWidth, minHeight: minHeight,
+                    idealHeight: idealHeight, maxHeight: maxHeight, alignment: alignment, pass: context.graph.pass)
+            })
     }
     public func fixedSize() -> some View { fixedSize(horizontal: true, vertical: true) }
     public func fixedSize(horizontal: Bool, vertical: Bool) -> some View {
@@ -175,14 +180,15 @@ extension View {
     }
     public func hidden() -> some View { opacity(0) }
     public func rotationEffect(_ angle: Angle, anchor: UnitPoint = .center) -> some View {
-        modifier(ElementModifier { element, _ in
-            TransformElement(element) { rect in
-                let a = anchor.point(in: rect)
-                return CGAffineTransform(translationX: -a.x, y: -a.y)
-                    .concatenating(CGAffineTransform(rotationAngle: CGFloat(angle.radians)))
-                    .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
-            }
-        })
+        modifier(
+            ElementModifier { element, _ in
+                TransformElement(element) { rect in
+                    let a = anchor.point(in: rect)
+                    return CGAffineTransform(translationX: -a.x, y: -a.y)
+                        .concatenating(CGAffineTransform(rotationAngle: CGFloat(angle.radians)))
+                        .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
+                }
+            })
     }
     public func scaleEffect(_ scale: CGFloat, anchor: UnitPoint = .center) -> some View {
         scaleEffect(x: scale, y: scale, anchor: anchor)
@@ -191,14 +197,15 @@ extension View {
         scaleEffect(x: scale.width, y: scale.height, anchor: anchor)
     }
     public func scaleEffect(x: CGFloat = 1, y: CGFloat = 1, anchor: UnitPoint = .center) -> some View {
-        modifier(ElementModifier { element, _ in
-            TransformElement(element) { rect in
-                let a = anchor.point(in: rect)
-                return CGAffineTransform(translationX: -a.x, y: -a.y)
-                    .concatenating(CGAffineTransform(scaleX: x, y: y))
-                    .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
-            }
-        })
+        modifier(
+            ElementModifier { element, _ in
+                TransformElement(element) { rect in
+                    let a = anchor.point(in: rect)
+                    return CGAffineTransform(translationX: -a.x, y: -a.y)
+                        .concatenating(CGAffineTransform(scaleX: x, y: y))
+                        .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
+                }
+            })
     }
     public func clipShape<S: Shape>(_ shape: S, style: FillStyle = FillStyle()) -> some View {
         modifier(ElementModifier { element, context in ClipElement(element, shape: { rect in shape.path(in: rect) }) })
@@ -209,7 +216,10 @@ extension View {
     }
     public func mask<M: View>(alignment: Alignment = .center, @ViewBuilder _ mask: () -> M) -> some View { self }
     public func shadow(color: Color = Color(.sRGB, white: 0, opacity: 0.33), radius: CGFloat, x: CGFloat = 0, y: CGFloat = 0) -> some View {
-        modifier(ElementModifier { element, context in ShadowElement(element, color: color, radius: radius, offset: CGSize(width: x, height: y), environment: context.environment) })
+        modifier(
+            ElementModifier { element, context in
+                ShadowElement(element, color: color, radius: radius, offset: CGSize(width: x, height: y), environment: context.environment)
+            })
     }
     public func contentShape<S: Shape>(_ shape: S, eoFill: Bool = false) -> some View {
         modifier(ElementModifier { element, _ in ContentShapeElement(element) })
@@ -266,7 +276,8 @@ final class PositionElement: WrapperElement {
     override func place(in rect: CGRect) {
         frame = rect
         let s = child.size(ProposedViewSize(rect.size))
-        child.place(in: CGRect(x: rect.minX + position.x - s.width / 2, y: rect.minY + position.y - s.height / 2, width: s.width, height: s.height))
+        child.place(
+            in: CGRect(x: rect.minX + position.x - s.width / 2, y: rect.minY + position.y - s.height / 2, width: s.width, height: s.height))
     }
     override func outline() -> Path? { nil }
 }

@@ -1,4 +1,4 @@
+@_exported import Dispatch
 // As on Apple's systems, `import SwiftUI` alone brings Foundation, Dispatch and Observation.
 @_exported import Foundation
-@_exported import Dispatch
 @_exported import Observation

@@ -18,8 +18,9 @@ struct ResolvedFont: Hashable {
     var monospacedDigits: Bool
 
     var hostValue: ZentoroFont {
-        ZentoroFont(size: Double(size), weight: weight, design: design, italic: italic ? 1 : 0,
-                    monospacedDigits: monospacedDigits ? 1 : 0)
+        ZentoroFont(
+            size: Double(size), weight: weight, design: design, italic: italic ? 1 : 0,
+            monospacedDigits: monospacedDigits ? 1 : 0)
     }
 }
 
@@ -34,19 +35,24 @@ final class HostBridge {
 
     func requestRedraw() { host.pointee.requestRedraw(context) }
 
-    private func withText<R>(_ runs: [TextRun], alignment: TextAlignment, lineLimit: Int?,
-                             _ body: (UnsafePointer<ZentoroText>) -> R) -> R {
+    private func withText<R>(
+        _ runs: [TextRun], alignment: TextAlignment, lineLimit: Int?,
+        _ body: (UnsafePointer<ZentoroText>) -> R
+    ) -> R {
         let strings = runs.map { strdup($0.string) }
         defer { strings.forEach { free($0) } }
         let cRuns = zip(runs, strings).map { run, string in
-            ZentoroTextRun(utf8: UnsafePointer(string), font: run.font.hostValue,
-                           paint: ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: run.color.hostValue, stops: nil, stopCount: 0,
-                                               start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0),
-                           underline: run.underline ? 1 : 0, strikethrough: run.strikethrough ? 1 : 0)
+            ZentoroTextRun(
+                utf8: UnsafePointer(string), font: run.font.hostValue,
+                paint: ZentoroPaint(
+                    kind: Int32(ZENTORO_PAINT_SOLID), color: run.color.hostValue, stops: nil, stopCount: 0,
+                    start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0),
+                underline: run.underline ? 1 : 0, strikethrough: run.strikethrough ? 1 : 0)
         }
         return cRuns.withUnsafeBufferPointer { buffer in
-            var text = ZentoroText(runs: buffer.baseAddress, runCount: Int32(buffer.count),
-                                   alignment: alignment.hostValue, lineLimit: Int32(lineLimit ?? 0))
+            var text = ZentoroText(
+                runs: buffer.baseAddress, runCount: Int32(buffer.count),
+                alignment: alignment.hostValue, lineLimit: Int32(lineLimit ?? 0))
             return body(&text)
         }
     }
@@ -100,10 +106,14 @@ final class HostBridge {
     private func withPath<R>(_ path: Path, _ body: (UnsafePointer<ZentoroPath>) -> R) -> R {
         let elements = path.segments.map { segment -> ZentoroPathElement in
             switch segment {
-            case .move(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_MOVE), points: (p.hostValue, ZentoroPoint(), ZentoroPoint()))
-            case .line(let p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_LINE), points: (p.hostValue, ZentoroPoint(), ZentoroPoint()))
-            case let .quad(c, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_QUAD), points: (c.hostValue, p.hostValue, ZentoroPoint()))
-            case let .cubic(a, b, p): return ZentoroPathElement(op: Int32(ZENTORO_PATH_CUBIC), points: (a.hostValue, b.hostValue, p.hostValue))
+            case .move(let p):
+                return ZentoroPathElement(op: Int32(ZENTORO_PATH_MOVE), points: (p.hostValue, ZentoroPoint(), ZentoroPoint()))
+            case .line(let p):
+                return ZentoroPathElement(op: Int32(ZENTORO_PATH_LINE), points: (p.hostValue, ZentoroPoint(), ZentoroPoint()))
+            case let .quad(c, p):
+                return ZentoroPathElement(op: Int32(ZENTORO_PATH_QUAD), points: (c.hostValue, p.hostValue, ZentoroPoint()))
+            case let .cubic(a, b, p):
+                return ZentoroPathElement(op: Int32(ZENTORO_PATH_CUBIC), points: (a.hostValue, b.hostValue, p.hostValue))
             case .close: return ZentoroPathElement(op: Int32(ZENTORO_PATH_CLOSE), points: (ZentoroPoint(), ZentoroPoint(), ZentoroPoint()))
             }
         }
@@ -114,8 +124,9 @@ final class HostBridge {
     }
 
     private func withPaint<R>(_ paint: Paint, _ body: (UnsafePointer<ZentoroPaint>) -> R) -> R {
-        var hostPaint = ZentoroPaint(kind: Int32(ZENTORO_PAINT_SOLID), color: ZentoroColor(), stops: nil, stopCount: 0,
-                                     start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0)
+        var hostPaint = ZentoroPaint(
+            kind: Int32(ZENTORO_PAINT_SOLID), color: ZentoroColor(), stops: nil, stopCount: 0,
+            start: ZentoroPoint(), end: ZentoroPoint(), startRadius: 0, endRadius: 0, angle: 0)
         let stops: [(Double, RGBA)]
         switch paint {
         case .solid(let color):
@@ -124,7 +135,8 @@ final class HostBridge {
         case let .linear(s, start, end):
             hostPaint.kind = Int32(ZENTORO_PAINT_LINEAR); hostPaint.start = start.hostValue; hostPaint.end = end.hostValue; stops = s
         case let .radial(s, center, r0, r1):
-            hostPaint.kind = Int32(ZENTORO_PAINT_RADIAL); hostPaint.start = center.hostValue; hostPaint.startRadius = Double(r0); hostPaint.endRadius = Double(r1); stops = s
+            hostPaint.kind = Int32(ZENTORO_PAINT_RADIAL); hostPaint.start = center.hostValue; hostPaint.startRadius = Double(r0);
+            hostPaint.endRadius = Double(r1); stops = s
         case let .angular(s, center, angle):
             hostPaint.kind = Int32(ZENTORO_PAINT_ANGULAR); hostPaint.start = center.hostValue; hostPaint.angle = angle; stops = s
         }
@@ -144,17 +156,20 @@ final class HostBridge {
         withPath(path) { p in
             withPaint(paint) { paint in
                 style.dash.map(Double.init).withUnsafeBufferPointer { dashes in
-                    var stroke = ZentoroStroke(lineWidth: Double(style.lineWidth), cap: style.lineCap.rawValue,
-                                               join: style.lineJoin.rawValue, miterLimit: Double(style.miterLimit),
-                                               dashes: dashes.baseAddress, dashCount: Int32(dashes.count),
-                                               dashPhase: Double(style.dashPhase))
+                    var stroke = ZentoroStroke(
+                        lineWidth: Double(style.lineWidth), cap: style.lineCap.rawValue,
+                        join: style.lineJoin.rawValue, miterLimit: Double(style.miterLimit),
+                        dashes: dashes.baseAddress, dashCount: Int32(dashes.count),
+                        dashPhase: Double(style.dashPhase))
                     host.pointee.strokePath(context, p, paint, &stroke)
                 }
             }
         }
     }
     func shadow(_ path: Path, color: RGBA, radius: CGFloat, offset: CGSize) {
-        withPath(path) { host.pointee.shadowPath(context, $0, color.hostValue, Double(radius), Double(offset.width), Double(offset.height)) }
+        withPath(path) {
+            host.pointee.shadowPath(context, $0, color.hostValue, Double(radius), Double(offset.width), Double(offset.height))
+        }
     }
     func drawSymbol(_ name: String, in rect: CGRect, paint: Paint) {
         withPaint(paint) { host.pointee.drawSymbol(context, name, rect.hostValue, $0) }
@@ -163,7 +178,9 @@ final class HostBridge {
 
 extension RGBA { var hostValue: ZentoroColor { ZentoroColor(red: red, green: green, blue: blue, alpha: alpha) } }
 extension CGPoint { var hostValue: ZentoroPoint { ZentoroPoint(x: Double(x), y: Double(y)) } }
-extension CGRect { var hostValue: ZentoroRect { ZentoroRect(x: Double(minX), y: Double(minY), width: Double(width), height: Double(height)) } }
+extension CGRect {
+    var hostValue: ZentoroRect { ZentoroRect(x: Double(minX), y: Double(minY), width: Double(width), height: Double(height)) }
+}
 extension TextAlignment {
     var hostValue: Int32 {
         switch self {
@@ -267,8 +284,10 @@ public func _zentoroViewRender(_ view: UnsafeMutableRawPointer?, _ clipPointer: 
 }
 
 @_cdecl("zentoro_view_pointer")
-public func _zentoroViewPointer(_ view: UnsafeMutableRawPointer?, _ kind: Int32, _ x: Double, _ y: Double,
-                                _ modifiers: Int32, _ clickCount: Int32) -> Int32 {
+public func _zentoroViewPointer(
+    _ view: UnsafeMutableRawPointer?, _ kind: Int32, _ x: Double, _ y: Double,
+    _ modifiers: Int32, _ clickCount: Int32
+) -> Int32 {
     MainActor.assumeIsolated {
         guard let graph = root(view), let event = PointerEvent.Kind(rawValue: kind) else { return 0 }
         return graph.pointer(event, at: CGPoint(x: x, y: y), clickCount: Int(clickCount)) ? 1 : 0

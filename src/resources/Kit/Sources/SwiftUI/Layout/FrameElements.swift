@@ -8,16 +8,19 @@ final class PaddingElement: WrapperElement {
     }
     override var bleed: CGFloat? { 0 }
     override func measure(_ proposal: ProposedViewSize) -> CGSize {
-        let inner = ProposedViewSize(width: proposal.width.map { max(0, $0 - insets.horizontal) },
-                                     height: proposal.height.map { max(0, $0 - insets.vertical) })
+        let inner = ProposedViewSize(
+            width: proposal.width.map { max(0, $0 - insets.horizontal) },
+            height: proposal.height.map { max(0, $0 - insets.vertical) })
         let s = child.size(inner)
         return CGSize(width: s.width + insets.horizontal, height: s.height + insets.vertical)
     }
     override func place(in rect: CGRect) {
         if keepsPlace(rect) { return }
         frame = rect
-        child.place(in: CGRect(x: rect.minX + insets.leading, y: rect.minY + insets.top,
-                               width: max(0, rect.width - insets.horizontal), height: max(0, rect.height - insets.vertical)))
+        child.place(
+            in: CGRect(
+                x: rect.minX + insets.leading, y: rect.minY + insets.top,
+                width: max(0, rect.width - insets.horizontal), height: max(0, rect.height - insets.vertical)))
     }
     override func outline() -> Path? { nil }
 }
@@ -52,21 +55,27 @@ final class FlexibleFrameElement: WrapperElement {
     let minWidth: CGFloat?, idealWidth: CGFloat?, maxWidth: CGFloat?
     let minHeight: CGFloat?, idealHeight: CGFloat?, maxHeight: CGFloat?
     let alignment: Alignment
-    init(_ child: Element, minWidth: CGFloat?, idealWidth: CGFloat?, maxWidth: CGFloat?,
-         minHeight: CGFloat?, idealHeight: CGFloat?, maxHeight: CGFloat?, alignment: Alignment) {
+    init(
+        _ child: Element, minWidth: CGFloat?, idealWidth: CGFloat?, maxWidth: CGFloat?,
+        minHeight: CGFloat?, idealHeight: CGFloat?, maxHeight: CGFloat?, alignment: Alignment
+    ) {
         self.minWidth = minWidth; self.idealWidth = idealWidth; self.maxWidth = maxWidth
         self.minHeight = minHeight; self.idealHeight = idealHeight; self.maxHeight = maxHeight
         self.alignment = alignment
         super.init(child)
     }
-    static func make(_ child: Element, minWidth: CGFloat?, idealWidth: CGFloat?, maxWidth: CGFloat?,
-                     minHeight: CGFloat?, idealHeight: CGFloat?, maxHeight: CGFloat?, alignment: Alignment,
-                     pass: Int) -> FlexibleFrameElement {
+    static func make(
+        _ child: Element, minWidth: CGFloat?, idealWidth: CGFloat?, maxWidth: CGFloat?,
+        minHeight: CGFloat?, idealHeight: CGFloat?, maxHeight: CGFloat?, alignment: Alignment,
+        pass: Int
+    ) -> FlexibleFrameElement {
         reusable([child], pass: pass) {
             $0.minWidth == minWidth && $0.idealWidth == idealWidth && $0.maxWidth == maxWidth && $0.minHeight == minHeight
                 && $0.idealHeight == idealHeight && $0.maxHeight == maxHeight && $0.alignment == alignment
-        } ?? FlexibleFrameElement(child, minWidth: minWidth, idealWidth: idealWidth, maxWidth: maxWidth,
-                                  minHeight: minHeight, idealHeight: idealHeight, maxHeight: maxHeight, alignment: alignment)
+        }
+            ?? FlexibleFrameElement(
+                child, minWidth: minWidth, idealWidth: idealWidth, maxWidth: maxWidth,
+                minHeight: minHeight, idealHeight: idealHeight, maxHeight: maxHeight, alignment: alignment)
     }
     override var bleed: CGFloat? { 0 }
 

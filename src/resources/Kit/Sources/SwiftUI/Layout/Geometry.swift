@@ -54,8 +54,9 @@ public struct EdgeInsets: Equatable, Sendable {
         self.top = top; self.leading = leading; self.bottom = bottom; self.trailing = trailing
     }
     init(_ edges: Edge.Set, _ length: CGFloat) {
-        self.init(top: edges.contains(.top) ? length : 0, leading: edges.contains(.leading) ? length : 0,
-                  bottom: edges.contains(.bottom) ? length : 0, trailing: edges.contains(.trailing) ? length : 0)
+        self.init(
+            top: edges.contains(.top) ? length : 0, leading: edges.contains(.leading) ? length : 0,
+            bottom: edges.contains(.bottom) ? length : 0, trailing: edges.contains(.trailing) ? length : 0)
     }
     var horizontal: CGFloat { leading + trailing }
     var vertical: CGFloat { top + bottom }
@@ -98,9 +99,10 @@ public struct Alignment: Equatable, Sendable {
 
     /// Where a child of `size` goes inside `rect`.
     func place(_ size: CGSize, in rect: CGRect) -> CGRect {
-        CGRect(x: rect.minX + (rect.width - size.width) * horizontal.fraction,
-               y: rect.minY + (rect.height - size.height) * vertical.fraction,
-               width: size.width, height: size.height)
+        CGRect(
+            x: rect.minX + (rect.width - size.width) * horizontal.fraction,
+            y: rect.minY + (rect.height - size.height) * vertical.fraction,
+            width: size.width, height: size.height)
     }
 }
 
@@ -125,7 +127,10 @@ public struct UnitPoint: Hashable, Sendable {
 
 public struct Angle: Hashable, Comparable, Sendable {
     public var radians: Double
-    public var degrees: Double { get { radians * 180 / .pi } set { radians = newValue * .pi / 180 } }
+    public var degrees: Double {
+        get { radians * 180 / .pi }
+        set { radians = newValue * .pi / 180 }
+    }
     public init() { radians = 0 }
     public init(radians: Double) { self.radians = radians }
     public init(degrees: Double) { self.radians = degrees * .pi / 180 }
@@ -156,9 +161,10 @@ public struct CGAffineTransform: Equatable, Sendable {
     }
     /// `self` applied first, then `t`.
     public func concatenating(_ t: CGAffineTransform) -> CGAffineTransform {
-        CGAffineTransform(a: a * t.a + b * t.c, b: a * t.b + b * t.d,
-                          c: c * t.a + d * t.c, d: c * t.b + d * t.d,
-                          tx: tx * t.a + ty * t.c + t.tx, ty: tx * t.b + ty * t.d + t.ty)
+        CGAffineTransform(
+            a: a * t.a + b * t.c, b: a * t.b + b * t.d,
+            c: c * t.a + d * t.c, d: c * t.b + d * t.d,
+            tx: tx * t.a + ty * t.c + t.tx, ty: tx * t.b + ty * t.d + t.ty)
     }
     public func translatedBy(x: CGFloat, y: CGFloat) -> CGAffineTransform {
         CGAffineTransform(translationX: x, y: y).concatenating(self)
@@ -172,8 +178,9 @@ public struct CGAffineTransform: Equatable, Sendable {
     public func inverted() -> CGAffineTransform {
         let det = a * d - b * c
         guard det != 0 else { return self }
-        return CGAffineTransform(a: d / det, b: -b / det, c: -c / det, d: a / det,
-                                 tx: (c * ty - d * tx) / det, ty: (b * tx - a * ty) / det)
+        return CGAffineTransform(
+            a: d / det, b: -b / det, c: -c / det, d: a / det,
+            tx: (c * ty - d * tx) / det, ty: (b * tx - a * ty) / det)
     }
     public var isIdentity: Bool { self == .identity }
 }

@@ -19,8 +19,10 @@ public struct GridItem: Sendable {
 public struct LazyVGrid<Content: View>: View, PrimitiveView {
     public typealias Body = Never
     let columns: [GridItem], alignment: HorizontalAlignment, spacing: CGFloat?, content: Content
-    public init(columns: [GridItem], alignment: HorizontalAlignment = .center, spacing: CGFloat? = nil,
-                pinnedViews: PinnedScrollableViews = .init(), @ViewBuilder content: () -> Content) {
+    public init(
+        columns: [GridItem], alignment: HorizontalAlignment = .center, spacing: CGFloat? = nil,
+        pinnedViews: PinnedScrollableViews = .init(), @ViewBuilder content: () -> Content
+    ) {
         self.columns = columns; self.alignment = alignment; self.spacing = spacing; self.content = content()
     }
     func resolve(_ context: ResolveContext) -> [Element] {
@@ -34,8 +36,10 @@ public struct LazyVGrid<Content: View>: View, PrimitiveView {
 public struct LazyHGrid<Content: View>: View, PrimitiveView {
     public typealias Body = Never
     let rows: [GridItem], spacing: CGFloat?, content: Content
-    public init(rows: [GridItem], alignment: VerticalAlignment = .center, spacing: CGFloat? = nil,
-                pinnedViews: PinnedScrollableViews = .init(), @ViewBuilder content: () -> Content) {
+    public init(
+        rows: [GridItem], alignment: VerticalAlignment = .center, spacing: CGFloat? = nil,
+        pinnedViews: PinnedScrollableViews = .init(), @ViewBuilder content: () -> Content
+    ) {
         self.rows = rows; self.spacing = spacing; self.content = content()
     }
     func resolve(_ context: ResolveContext) -> [Element] {
@@ -130,11 +134,14 @@ final class GridElement: Element {
                 let index = row * perRow + column
                 guard index < cells.count else { break }
                 let cell = cells[index]
-                let cellArea = transposed
+                let cellArea =
+                    transposed
                     ? CGRect(x: rect.minX + crossPosition, y: rect.minY + mainPosition, width: height, height: tracks[column].0)
                     : CGRect(x: rect.minX + mainPosition, y: rect.minY + crossPosition, width: tracks[column].0, height: height)
                 let s = cell.size(ProposedViewSize(cellArea.size))
-                cell.place(in: Alignment.center.place(CGSize(width: min(s.width, cellArea.width), height: min(s.height, cellArea.height)), in: cellArea))
+                cell.place(
+                    in: Alignment.center.place(
+                        CGSize(width: min(s.width, cellArea.width), height: min(s.height, cellArea.height)), in: cellArea))
                 mainPosition += tracks[column].0 + tracks[column].1
             }
             crossPosition += height + rowSpacing
@@ -146,8 +153,10 @@ final class GridElement: Element {
 public struct Grid<Content: View>: View, PrimitiveView {
     public typealias Body = Never
     let horizontalSpacing: CGFloat?, verticalSpacing: CGFloat?, content: Content
-    public init(alignment: Alignment = .center, horizontalSpacing: CGFloat? = nil, verticalSpacing: CGFloat? = nil,
-                @ViewBuilder content: () -> Content) {
+    public init(
+        alignment: Alignment = .center, horizontalSpacing: CGFloat? = nil, verticalSpacing: CGFloat? = nil,
+        @ViewBuilder content: () -> Content
+    ) {
         self.horizontalSpacing = horizontalSpacing; self.verticalSpacing = verticalSpacing; self.content = content()
     }
     func resolve(_ context: ResolveContext) -> [Element] {

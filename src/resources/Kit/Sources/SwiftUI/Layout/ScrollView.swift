@@ -17,8 +17,11 @@ public struct ScrollView<Content: View>: View, PrimitiveView {
         let children = resolveView(content, inner)
         let body = children.count == 1 ? children[0] : StackElement(axis: axis, crossFraction: 0.5, spacing: nil, children: children)
         let state = context.graph.storage(at: context.child(.id("scroll")).path).0.slot(0) { ScrollState() }
-        return [ScrollElement(body, axis: axis, state: state, graph: context.graph,
-                              indicator: showsIndicators ? Color.secondary.rgba(in: context.environment).withAlpha(0.6) : nil)]
+        return [
+            ScrollElement(
+                body, axis: axis, state: state, graph: context.graph,
+                indicator: showsIndicators ? Color.secondary.rgba(in: context.environment).withAlpha(0.6) : nil)
+        ]
     }
 }
 
@@ -54,7 +57,8 @@ final class ScrollElement: WrapperElement {
         s[axis.other] = max(s[axis.other], rect.size[axis.other])
         contentLength = s[axis]
         state.offset = clamp(state.offset, 0, max(0, contentLength - rect.size[axis]))
-        let origin = axis == .vertical ? CGPoint(x: rect.minX, y: rect.minY - state.offset) : CGPoint(x: rect.minX - state.offset, y: rect.minY)
+        let origin =
+            axis == .vertical ? CGPoint(x: rect.minX, y: rect.minY - state.offset) : CGPoint(x: rect.minX - state.offset, y: rect.minY)
         var contentRect = CGRect(origin: origin, size: s)
         if axis == .vertical { contentRect.size.width = min(s.width, rect.width) }
         graph?.viewports.append(rect)
@@ -70,7 +74,8 @@ final class ScrollElement: WrapperElement {
         if let indicator, contentLength > visible + 0.5 {
             let length = max(24, visible * visible / contentLength)
             let position = (visible - length) * state.offset / (contentLength - visible)
-            let bar = axis == .vertical
+            let bar =
+                axis == .vertical
                 ? CGRect(x: frame.maxX - 6, y: frame.minY + position, width: 4, height: length)
                 : CGRect(x: frame.minX + position, y: frame.maxY - 6, width: length, height: 4)
             renderer.fill(Path(roundedRect: bar, cornerRadius: 2), .solid(indicator))

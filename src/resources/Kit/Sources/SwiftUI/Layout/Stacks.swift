@@ -9,8 +9,11 @@ public struct VStack<Content: View>: View, PrimitiveView {
     func resolve(_ context: ResolveContext) -> [Element] {
         var inner = context
         inner.stackAxis = .vertical
-        return [StackElement.make(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
-                                  pass: context.graph.pass)]
+        return [
+            StackElement.make(
+                axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
+                pass: context.graph.pass)
+        ]
     }
 }
 
@@ -23,8 +26,11 @@ public struct HStack<Content: View>: View, PrimitiveView {
     func resolve(_ context: ResolveContext) -> [Element] {
         var inner = context
         inner.stackAxis = .horizontal
-        return [StackElement.make(axis: .horizontal, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
-                                  pass: context.graph.pass)]
+        return [
+            StackElement.make(
+                axis: .horizontal, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
+                pass: context.graph.pass)
+        ]
     }
 }
 
@@ -46,19 +52,28 @@ public struct ZStack<Content: View>: View, PrimitiveView {
 public struct LazyVStack<Content: View>: View, PrimitiveView {
     public typealias Body = Never
     let alignment: HorizontalAlignment, spacing: CGFloat?, content: Content
-    public init(alignment: HorizontalAlignment = .center, spacing: CGFloat? = nil, pinnedViews: PinnedScrollableViews = .init(),
-                @ViewBuilder content: () -> Content) {
+    public init(
+        alignment: HorizontalAlignment = .center, spacing: CGFloat? = nil, pinnedViews: PinnedScrollableViews = .init(),
+        @ViewBuilder content: () -> Content
+    ) {
         self.alignment = alignment; self.spacing = spacing; self.content = content()
     }
     func resolve(_ context: ResolveContext) -> [Element] {
         var inner = context
         inner.stackAxis = .vertical
         if let rows = content as? any LazyRows {
-            return [LazyStackElement(count: rows.rowCount, spacing: spacing ?? StackElement.defaultSpacing,
-                                     crossFraction: alignment.fraction, graph: context.graph) { rows.resolveRow($0, inner) }]
+            return [
+                LazyStackElement(
+                    count: rows.rowCount, spacing: spacing ?? StackElement.defaultSpacing,
+                    crossFraction: alignment.fraction, graph: context.graph
+                ) { rows.resolveRow($0, inner) }
+            ]
         }
-        return [StackElement.make(axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
-                                  pass: context.graph.pass)]
+        return [
+            StackElement.make(
+                axis: .vertical, crossFraction: alignment.fraction, spacing: spacing, children: resolveView(content, inner),
+                pass: context.graph.pass)
+        ]
     }
 }
 
@@ -84,7 +99,9 @@ final class LazyStackElement: Element {
     private func row(_ index: Int) -> Element {
         if let known = made[index] { return known }
         let elements = make(index)
-        let row = elements.count == 1 ? elements[0] : StackElement(axis: .vertical, crossFraction: crossFraction, spacing: spacing, children: elements)
+        let row =
+            elements.count == 1
+            ? elements[0] : StackElement(axis: .vertical, crossFraction: crossFraction, spacing: spacing, children: elements)
         made[index] = row
         return row
     }
@@ -117,8 +134,10 @@ final class LazyStackElement: Element {
 
 public struct LazyHStack<Content: View>: View {
     let alignment: VerticalAlignment, spacing: CGFloat?, content: Content
-    public init(alignment: VerticalAlignment = .center, spacing: CGFloat? = nil, pinnedViews: PinnedScrollableViews = .init(),
-                @ViewBuilder content: () -> Content) {
+    public init(
+        alignment: VerticalAlignment = .center, spacing: CGFloat? = nil, pinnedViews: PinnedScrollableViews = .init(),
+        @ViewBuilder content: () -> Content
+    ) {
         self.alignment = alignment; self.spacing = spacing; self.content = content()
     }
     public var body: some View { HStack(alignment: alignment, spacing: spacing) { content } }
@@ -145,8 +164,11 @@ public struct Divider: View, PrimitiveView {
     public typealias Body = Never
     public init() {}
     func resolve(_ context: ResolveContext) -> [Element] {
-        [DividerElement(axis: context.stackAxis == .horizontal ? .vertical : .horizontal,
-                        color: Color.separator.rgba(in: context.environment))]
+        [
+            DividerElement(
+                axis: context.stackAxis == .horizontal ? .vertical : .horizontal,
+                color: Color.separator.rgba(in: context.environment))
+        ]
     }
 }
 

@@ -37,13 +37,17 @@ public enum Subscribers {
 public protocol Publisher<Output, Failure> {
     associatedtype Output
     associatedtype Failure: Error
-    func _subscribe(_ receiveValue: @escaping (Output) -> Void,
-                    _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void) -> AnyCancellable
+    func _subscribe(
+        _ receiveValue: @escaping (Output) -> Void,
+        _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void
+    ) -> AnyCancellable
 }
 
 extension Publisher {
-    public func sink(receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void,
-                     receiveValue: @escaping (Output) -> Void) -> AnyCancellable {
+    public func sink(
+        receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void,
+        receiveValue: @escaping (Output) -> Void
+    ) -> AnyCancellable {
         _subscribe(receiveValue, receiveCompletion)
     }
     public func map<T>(_ transform: @escaping (Output) -> T) -> AnyPublisher<T, Failure> {
@@ -72,22 +76,30 @@ extension Publisher {
             self._subscribe({ v in scheduler.schedule { value(v) } }, { c in scheduler.schedule { completion(c) } })
         }
     }
-    public func debounce<S: Scheduler>(for interval: S.SchedulerTimeType.Stride, scheduler: S,
-                                       options: S.SchedulerOptions? = nil) -> AnyPublisher<Output, Failure> {
+    public func debounce<S: Scheduler>(
+        for interval: S.SchedulerTimeType.Stride, scheduler: S,
+        options: S.SchedulerOptions? = nil
+    ) -> AnyPublisher<Output, Failure> {
         AnyPublisher { value, completion in
             var generation = 0
-            return self._subscribe({ v in
-                generation += 1
-                let mine = generation
-                scheduler.schedule(after: interval) { if mine == generation { value(v) } }
-            }, completion)
+            return self._subscribe(
+                { v in
+                    generation += 1
+                    let mine = generation
+                    scheduler.schedule(after: interval) { if mine == generation { value(v) } }
+                }, completion)
         }
     }
     public func eraseToAnyPublisher() -> AnyPublisher<Output, Failure> {
         AnyPublisher { value, completion in self._subscribe(value, completion) }
     }
     public func handleEvents(receiveOutput: ((Output) -> Void)? = nil) -> AnyPublisher<Output, Failure> {
-        AnyPublisher { value, completion in self._subscribe({ receiveOutput?($0); value($0) }, completion) }
+        AnyPublisher { value, completion in
+            self._subscribe(
+                {
+                    receiveOutput?($0); value($0)
+                }, completion)
+        }
     }
 }
 
@@ -119,8 +131,10 @@ public struct AnyPublisher<Output, Failure: Error>: Publisher {
     init(_ subscribe: @escaping (@escaping (Output) -> Void, @escaping (Subscribers.Completion<Failure>) -> Void) -> AnyCancellable) {
         self.subscribe = subscribe
     }
-    public func _subscribe(_ receiveValue: @escaping (Output) -> Void,
-                           _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void) -> AnyCancellable {
+    public func _subscribe(
+        _ receiveValue: @escaping (Output) -> Void,
+        _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void
+    ) -> AnyCancellable {
         subscribe(receiveValue, receiveCompletion)
     }
 }
@@ -172,8 +186,10 @@ public final class PassthroughSubject<Output, Failure: Error>: Publisher {
     public func send(_ value: Output) { subscribers.send(value) }
     public func send() where Output == Void { subscribers.send(()) }
     public func send(completion: Subscribers.Completion<Failure>) { subscribers.complete(completion) }
-    public func _subscribe(_ receiveValue: @escaping (Output) -> Void,
-                           _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void) -> AnyCancellable {
+    public func _subscribe(
+        _ receiveValue: @escaping (Output) -> Void,
+        _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void
+    ) -> AnyCancellable {
         subscribers.add(receiveValue, receiveCompletion)
     }
 }
@@ -184,8 +200,10 @@ public final class CurrentValueSubject<Output, Failure: Error>: Publisher {
     public init(_ value: Output) { self.value = value }
     public func send(_ value: Output) { self.value = value }
     public func send(completion: Subscribers.Completion<Failure>) { subscribers.complete(completion) }
-    public func _subscribe(_ receiveValue: @escaping (Output) -> Void,
-                           _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void) -> AnyCancellable {
+    public func _subscribe(
+        _ receiveValue: @escaping (Output) -> Void,
+        _ receiveCompletion: @escaping (Subscribers.Completion<Failure>) -> Void
+    ) -> AnyCancellable {
         receiveValue(value)
         return subscribers.add(receiveValue, receiveCompletion)
     }
@@ -195,8 +213,10 @@ public struct Just<Output>: Publisher {
     public typealias Failure = Never
     public let output: Output
     public init(_ output: Output) { self.output = output }
-    public func _subscribe(_ receiveValue: @escaping (Output) -> Void,
-                           _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void) -> AnyCancellable {
+    public func _subscribe(
+        _ receiveValue: @escaping (Output) -> Void,
+        _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void
+    ) -> AnyCancellable {
         receiveValue(output)
         receiveCompletion(.finished)
         return AnyCancellable {}
@@ -210,8 +230,10 @@ public final class ObservableObjectPublisher: Publisher {
     private let subscribers = SubscriberList<Void, Never>()
     public init() {}
     public func send() { subscribers.send(()) }
-    public func _subscribe(_ receiveValue: @escaping (Void) -> Void,
-                           _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void) -> AnyCancellable {
+    public func _subscribe(
+        _ receiveValue: @escaping (Void) -> Void,
+        _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void
+    ) -> AnyCancellable {
         subscribers.add(receiveValue, receiveCompletion)
     }
 }
@@ -266,8 +288,10 @@ public struct Published<Value> {
         }
         let subject: Subject
         var upstream: AnyCancellable?
-        public func _subscribe(_ receiveValue: @escaping (Value) -> Void,
-                               _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void) -> AnyCancellable {
+        public func _subscribe(
+            _ receiveValue: @escaping (Value) -> Void,
+            _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void
+        ) -> AnyCancellable {
             receiveValue(subject.value)
             return subject.subscribers.add(receiveValue, receiveCompletion)
         }
@@ -357,8 +381,10 @@ extension RunLoop: Scheduler {
 extension Timer {
     /// `Timer.publish(every: 1, on: .main, in: .common).autoconnect()`: the current date at
     /// every interval, from a timer on the given run loop.
-    public static func publish(every interval: TimeInterval, tolerance: TimeInterval? = nil, on runLoop: RunLoop,
-                               in mode: RunLoop.Mode, options: Never? = nil) -> TimerPublisher {
+    public static func publish(
+        every interval: TimeInterval, tolerance: TimeInterval? = nil, on runLoop: RunLoop,
+        in mode: RunLoop.Mode, options: Never? = nil
+    ) -> TimerPublisher {
         TimerPublisher(interval: interval, runLoop: runLoop, mode: mode)
     }
 
@@ -374,8 +400,10 @@ extension Timer {
         init(interval: TimeInterval, runLoop: RunLoop, mode: RunLoop.Mode) {
             self.interval = interval; self.runLoop = runLoop; self.mode = mode
         }
-        public func _subscribe(_ receiveValue: @escaping (Date) -> Void,
-                               _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void) -> AnyCancellable {
+        public func _subscribe(
+            _ receiveValue: @escaping (Date) -> Void,
+            _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void
+        ) -> AnyCancellable {
             subscribers.add(receiveValue, receiveCompletion)
         }
         /// Starts the timer; cancelling the result stops it.
@@ -404,8 +432,10 @@ public enum Publishers {
         private var connection: Cancellable?
         private var count = 0
         init(upstream: Upstream) { self.upstream = upstream }
-        public func _subscribe(_ receiveValue: @escaping (Date) -> Void,
-                               _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void) -> AnyCancellable {
+        public func _subscribe(
+            _ receiveValue: @escaping (Date) -> Void,
+            _ receiveCompletion: @escaping (Subscribers.Completion<Never>) -> Void
+        ) -> AnyCancellable {
             let subscription = upstream._subscribe(receiveValue, receiveCompletion)
             count += 1
             if connection == nil { connection = upstream.connect() }

@@ -48,30 +48,61 @@ struct TextTraits: Equatable {
 
 extension EnvironmentValues {
     public var colorScheme: ColorScheme {
-        get { self[ColorSchemeKey.self] } set { self[ColorSchemeKey.self] = newValue }
+        get { self[ColorSchemeKey.self] }
+        set { self[ColorSchemeKey.self] = newValue }
     }
-    public var font: Font? { get { self[FontKey.self] } set { self[FontKey.self] = newValue } }
+    public var font: Font? {
+        get { self[FontKey.self] }
+        set { self[FontKey.self] = newValue }
+    }
     public var multilineTextAlignment: TextAlignment {
-        get { self[TextAlignmentKey.self] } set { self[TextAlignmentKey.self] = newValue }
+        get { self[TextAlignmentKey.self] }
+        set { self[TextAlignmentKey.self] = newValue }
     }
-    public var lineLimit: Int? { get { self[LineLimitKey.self] } set { self[LineLimitKey.self] = newValue } }
-    public var isEnabled: Bool { get { self[EnabledKey.self] } set { self[EnabledKey.self] = newValue } }
+    public var lineLimit: Int? {
+        get { self[LineLimitKey.self] }
+        set { self[LineLimitKey.self] = newValue }
+    }
+    public var isEnabled: Bool {
+        get { self[EnabledKey.self] }
+        set { self[EnabledKey.self] = newValue }
+    }
     public var defaultAppStorage: UserDefaults {
-        get { self[DefaultsKey.self] } set { self[DefaultsKey.self] = newValue }
+        get { self[DefaultsKey.self] }
+        set { self[DefaultsKey.self] = newValue }
     }
-    public var controlSize: ControlSize { get { self[ControlSizeKey.self] } set { self[ControlSizeKey.self] = newValue } }
-    public var dismiss: DismissAction { get { self[DismissKey.self] } set { self[DismissKey.self] = newValue } }
+    public var controlSize: ControlSize {
+        get { self[ControlSizeKey.self] }
+        set { self[ControlSizeKey.self] = newValue }
+    }
+    public var dismiss: DismissAction {
+        get { self[DismissKey.self] }
+        set { self[DismissKey.self] = newValue }
+    }
     public var layoutDirection: LayoutDirection {
-        get { self[LayoutDirectionKey.self] } set { self[LayoutDirectionKey.self] = newValue }
+        get { self[LayoutDirectionKey.self] }
+        set { self[LayoutDirectionKey.self] = newValue }
     }
     public var locale: Locale { Locale.current }
     public var timeZone: TimeZone { TimeZone.current }
     public var calendar: Calendar { Calendar.current }
 
-    var accentRGBA: RGBA { get { self[AccentKey.self] } set { self[AccentKey.self] = newValue } }
-    var foregroundStyle: AnyShapeStyle? { get { self[ForegroundKey.self] } set { self[ForegroundKey.self] = newValue } }
-    var tint: AnyShapeStyle? { get { self[TintKey.self] } set { self[TintKey.self] = newValue } }
-    var textTraits: TextTraits { get { self[TextTraitsKey.self] } set { self[TextTraitsKey.self] = newValue } }
+    var accentRGBA: RGBA {
+        get { self[AccentKey.self] }
+        set { self[AccentKey.self] = newValue }
+    }
+    var foregroundStyle: AnyShapeStyle? {
+        get { self[ForegroundKey.self] }
+        set { self[ForegroundKey.self] = newValue }
+    }
+    var tint: AnyShapeStyle? {
+        get { self[TintKey.self] }
+        set { self[TintKey.self] = newValue }
+    }
+    var textTraits: TextTraits {
+        get { self[TextTraitsKey.self] }
+        set { self[TextTraitsKey.self] = newValue }
+    }
 }
 
 public struct DismissAction {
@@ -90,7 +121,9 @@ extension View {
     public func environmentObject<T: ObservableObject>(_ object: T) -> some View {
         modifier(EnvironmentModifier { $0.objects[ObjectIdentifier(T.self)] = object })
     }
-    public func transformEnvironment<V>(_ keyPath: WritableKeyPath<EnvironmentValues, V>, transform: @escaping (inout V) -> Void) -> some View {
+    public func transformEnvironment<V>(_ keyPath: WritableKeyPath<EnvironmentValues, V>, transform: @escaping (inout V) -> Void)
+        -> some View
+    {
         modifier(EnvironmentModifier { transform(&$0[keyPath: keyPath]) })
     }
     public func defaultAppStorage(_ store: UserDefaults) -> some View {

@@ -39,8 +39,9 @@ public struct State<Value>: DynamicProperty, StorageBound {
     public var projectedValue: Binding<Value> {
         let box = self.box
         if let cell = MainActor.assumeIsolated({ box.cell }) {
-            return Binding(get: { MainActor.assumeIsolated { cell.value } },
-                           set: { value in MainActor.assumeIsolated { cell.set(value) } })
+            return Binding(
+                get: { MainActor.assumeIsolated { cell.value } },
+                set: { value in MainActor.assumeIsolated { cell.set(value) } })
         }
         return Binding(get: { box.initial }, set: { box.initial = $0 })
     }
@@ -72,7 +73,11 @@ public struct Binding<Value> {
     public init?(_ other: Binding<Value?>) {
         guard let value = other.wrappedValue else { return nil }
         var last = value
-        self.init(get: { other.wrappedValue ?? last }, set: { last = $0; other.wrappedValue = $0 })
+        self.init(
+            get: { other.wrappedValue ?? last },
+            set: {
+                last = $0; other.wrappedValue = $0
+            })
     }
     public init<V>(_ other: Binding<V>) where Value == V? {
         self.init(get: { other.wrappedValue }, set: { if let value = $0 { other.wrappedValue = value } })
@@ -89,8 +94,9 @@ public struct Binding<Value> {
 
     public subscript<Subject>(dynamicMember keyPath: WritableKeyPath<Value, Subject>) -> Binding<Subject> {
         let parent = self
-        return Binding<Subject>(get: { parent.wrappedValue[keyPath: keyPath] },
-                                set: { parent.wrappedValue[keyPath: keyPath] = $0 })
+        return Binding<Subject>(
+            get: { parent.wrappedValue[keyPath: keyPath] },
+            set: { parent.wrappedValue[keyPath: keyPath] = $0 })
     }
 
     public func animation(_ animation: Animation? = .default) -> Binding<Value> { self }
@@ -231,8 +237,10 @@ public struct AppStorage<Value>: DynamicProperty, StorageBound {
     private let encode: (Value) -> Any?
     private let box = Box()
 
-    private init(key: String, defaultValue: Value, store: UserDefaults?,
-                 decode: @escaping (Any) -> Value?, encode: @escaping (Value) -> Any?) {
+    private init(
+        key: String, defaultValue: Value, store: UserDefaults?,
+        decode: @escaping (Any) -> Value?, encode: @escaping (Value) -> Any?
+    ) {
         self.key = key; self.defaultValue = defaultValue; self.explicitStore = store
         self.decode = decode; self.encode = encode
     }
@@ -261,13 +269,17 @@ public struct AppStorage<Value>: DynamicProperty, StorageBound {
 
 extension AppStorage {
     public init(wrappedValue: Value, _ key: String, store: UserDefaults? = nil) where Value == Bool {
-        self.init(key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber)?.boolValue ?? ($0 as? Bool) }, encode: { $0 })
+        self.init(
+            key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber)?.boolValue ?? ($0 as? Bool) }, encode: { $0 })
     }
     public init(wrappedValue: Value, _ key: String, store: UserDefaults? = nil) where Value == Int {
-        self.init(key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber)?.intValue ?? ($0 as? Int) }, encode: { $0 })
+        self.init(
+            key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber)?.intValue ?? ($0 as? Int) }, encode: { $0 })
     }
     public init(wrappedValue: Value, _ key: String, store: UserDefaults? = nil) where Value == Double {
-        self.init(key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber)?.doubleValue ?? ($0 as? Double) }, encode: { $0 })
+        self.init(
+            key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber)?.doubleValue ?? ($0 as? Double) },
+            encode: { $0 })
     }
     public init(wrappedValue: Value, _ key: String, store: UserDefaults? = nil) where Value == String {
         self.init(key: key, defaultValue: wrappedValue, store: store, decode: { $0 as? String }, encode: { $0 })
@@ -276,13 +288,19 @@ extension AppStorage {
         self.init(key: key, defaultValue: wrappedValue, store: store, decode: { $0 as? Data }, encode: { $0 })
     }
     public init(wrappedValue: Value, _ key: String, store: UserDefaults? = nil) where Value == URL {
-        self.init(key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? String).flatMap(URL.init(string:)) }, encode: { $0.absoluteString })
+        self.init(
+            key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? String).flatMap(URL.init(string:)) },
+            encode: { $0.absoluteString })
     }
     public init(wrappedValue: Value, _ key: String, store: UserDefaults? = nil) where Value: RawRepresentable, Value.RawValue == String {
-        self.init(key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? String).flatMap(Value.init(rawValue:)) }, encode: { $0.rawValue })
+        self.init(
+            key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? String).flatMap(Value.init(rawValue:)) },
+            encode: { $0.rawValue })
     }
     public init(wrappedValue: Value, _ key: String, store: UserDefaults? = nil) where Value: RawRepresentable, Value.RawValue == Int {
-        self.init(key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber).flatMap { Value(rawValue: $0.intValue) } }, encode: { $0.rawValue })
+        self.init(
+            key: key, defaultValue: wrappedValue, store: store, decode: { ($0 as? NSNumber).flatMap { Value(rawValue: $0.intValue) } },
+            encode: { $0.rawValue })
     }
     public init(_ key: String, store: UserDefaults? = nil) where Value == String? {
         self.init(key: key, defaultValue: nil, store: store, decode: { $0 as? String }, encode: { $0 })

@@ -81,12 +81,16 @@ public struct SymbolRenderingMode: Sendable {
     public static let hierarchical = SymbolRenderingMode(), palette = SymbolRenderingMode()
 }
 public struct SymbolVariants: Sendable {
-    public static let none = SymbolVariants(), fill = SymbolVariants(), circle = SymbolVariants(), square = SymbolVariants(), slash = SymbolVariants()
+    public static let none = SymbolVariants(), fill = SymbolVariants(), circle = SymbolVariants(), square = SymbolVariants(),
+        slash = SymbolVariants()
 }
 
 private enum ImageScaleKey: EnvironmentKey { static let defaultValue = Image.Scale.medium }
 extension EnvironmentValues {
-    public var imageScale: Image.Scale { get { self[ImageScaleKey.self] } set { self[ImageScaleKey.self] = newValue } }
+    public var imageScale: Image.Scale {
+        get { self[ImageScaleKey.self] }
+        set { self[ImageScaleKey.self] = newValue }
+    }
 }
 
 /// Keeps a width-to-height ratio inside what is offered.
@@ -139,7 +143,10 @@ public struct LabelStyleKind: Equatable, Sendable {
 }
 private enum LabelStyleKey: EnvironmentKey { static let defaultValue = LabelStyleKind.automatic }
 extension EnvironmentValues {
-    var labelStyle: LabelStyleKind { get { self[LabelStyleKey.self] } set { self[LabelStyleKey.self] = newValue } }
+    var labelStyle: LabelStyleKind {
+        get { self[LabelStyleKey.self] }
+        set { self[LabelStyleKey.self] = newValue }
+    }
 }
 extension View {
     public func labelStyle(_ style: LabelStyleKind) -> some View { modifier(EnvironmentModifier { $0.labelStyle = style }) }
@@ -147,5 +154,8 @@ extension View {
 }
 private enum LabelsHiddenKey: EnvironmentKey { static let defaultValue = false }
 extension EnvironmentValues {
-    var labelsHidden: Bool { get { self[LabelsHiddenKey.self] } set { self[LabelsHiddenKey.self] = newValue } }
+    var labelsHidden: Bool {
+        get { self[LabelsHiddenKey.self] }
+        set { self[LabelsHiddenKey.self] = newValue }
+    }
 }

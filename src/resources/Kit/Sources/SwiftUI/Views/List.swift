@@ -14,12 +14,15 @@ public struct List<SelectionValue: Hashable, Content: View>: View, PrimitiveView
 
 extension List where SelectionValue == Never {
     public init(@ViewBuilder content: () -> Content) { self.content = content() }
-    public init<Data: RandomAccessCollection, RowContent: View>(_ data: Data, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent)
+    public init<Data: RandomAccessCollection, RowContent: View>(
+        _ data: Data, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent
+    )
     where Content == ForEach<Data, Data.Element.ID, RowContent>, Data.Element: Identifiable {
         content = ForEach(data, content: rowContent)
     }
     public init<Data: RandomAccessCollection, ID: Hashable, RowContent: View>(
-        _ data: Data, id: KeyPath<Data.Element, ID>, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent)
+        _ data: Data, id: KeyPath<Data.Element, ID>, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent
+    )
     where Content == ForEach<Data, ID, RowContent> {
         content = ForEach(data, id: id, content: rowContent)
     }
@@ -42,11 +45,15 @@ private func resolveRows<Content: View>(_ content: Content, context: ResolveCont
     var inner = context
     inner.stackAxis = nil
     inner.environment.inList = true
-    let list = lazyRows(content, context: inner, grouped: grouped)
+    let list =
+        lazyRows(content, context: inner, grouped: grouped)
         ?? ListElement(rows: resolveView(content, inner), grouped: grouped, environment: context.environment)
     let state = context.graph.storage(at: context.child(.id("scroll")).path).0.slot(0) { ScrollState() }
-    return [ScrollElement(list, axis: .vertical, state: state, graph: context.graph,
-                          indicator: Color.secondary.rgba(in: context.environment).withAlpha(0.6))]
+    return [
+        ScrollElement(
+            list, axis: .vertical, state: state, graph: context.graph,
+            indicator: Color.secondary.rgba(in: context.environment).withAlpha(0.6))
+    ]
 }
 
 /// Lists longer than this, made from one ForEach, make only the rows in view.
@@ -57,8 +64,10 @@ private func lazyRows<Content: View>(_ content: Content, context: ResolveContext
     guard let rows = content as? any LazyRows, rows.rowCount > eagerRowLimit else { return nil }
     let first = rows.resolveRow(0, context)
     guard !first.isEmpty, !first.contains(where: { $0 is ListMarkElement }) else { return nil }
-    return LazyListElement(first: first, count: rows.rowCount, grouped: grouped, environment: context.environment,
-                           graph: context.graph) { rows.resolveRow($0, context) }
+    return LazyListElement(
+        first: first, count: rows.rowCount, grouped: grouped, environment: context.environment,
+        graph: context.graph
+    ) { rows.resolveRow($0, context) }
 }
 
 /// A header (and footer) above a group of rows; outside a list its rows stack vertically.
@@ -187,11 +196,14 @@ final class ListElement: Element {
                 let top = mark.kind == .header ? y + h - 4 - s.height : y + 4
                 mark.place(in: CGRect(x: inner.minX + insets.leading, y: top, width: s.width, height: s.height))
             } else {
-                if panelStart == nil { panelStart = y } else {
+                if panelStart == nil {
+                    panelStart = y
+                } else {
                     separators.append(CGRect(x: inner.minX + insets.leading, y: y, width: inner.width - insets.leading, height: 1))
                 }
-                let area = CGRect(x: inner.minX + insets.leading, y: y + insets.top,
-                                  width: max(0, inner.width - insets.horizontal), height: h - insets.vertical)
+                let area = CGRect(
+                    x: inner.minX + insets.leading, y: y + insets.top,
+                    width: max(0, inner.width - insets.horizontal), height: h - insets.vertical)
                 let s = row.size(ProposedViewSize(width: area.width, height: nil))
                 let placed = CGRect(x: area.minX, y: area.midY - s.height / 2, width: min(area.width, max(s.width, 0)), height: s.height)
                 row.place(in: placed)
@@ -205,7 +217,8 @@ final class ListElement: Element {
         if grouped {
             for panel in panels {
                 renderer.fill(Path(roundedRect: panel, cornerRadius: 8), .solid(self.panel))
-                renderer.stroke(Path(roundedRect: panel.insetBy(dx: 0.5, dy: 0.5), cornerRadius: 8), .solid(border), StrokeStyle(lineWidth: 1))
+                renderer.stroke(
+                    Path(roundedRect: panel.insetBy(dx: 0.5, dy: 0.5), cornerRadius: 8), .solid(border), StrokeStyle(lineWidth: 1))
             }
         }
         for line in separators { renderer.fill(Path(line), .solid(separator)) }
@@ -230,8 +243,10 @@ final class LazyListElement: Element {
     private var separators: [CGRect] = []
     private var panelRect = CGRect.null
 
-    init(first: [Element], count: Int, grouped: Bool, environment: EnvironmentValues, graph: ViewGraph,
-         make: @escaping (Int) -> [Element]) {
+    init(
+        first: [Element], count: Int, grouped: Bool, environment: EnvironmentValues, graph: ViewGraph,
+        make: @escaping (Int) -> [Element]
+    ) {
         items = count; perItem = first.count; self.grouped = grouped; self.graph = graph; self.make = make
         separator = Color.separator.rgba(in: environment)
         panel = Color.controlBackground.rgba(in: environment)
@@ -282,8 +297,9 @@ final class LazyListElement: Element {
             if index > 0 {
                 separators.append(CGRect(x: inner.minX + insets.leading, y: y, width: inner.width - insets.leading, height: 1))
             }
-            let area = CGRect(x: inner.minX + insets.leading, y: y + insets.top,
-                              width: max(0, inner.width - insets.horizontal), height: step - insets.vertical)
+            let area = CGRect(
+                x: inner.minX + insets.leading, y: y + insets.top,
+                width: max(0, inner.width - insets.horizontal), height: step - insets.vertical)
             let s = element.size(ProposedViewSize(width: area.width, height: nil))
             element.place(in: CGRect(x: area.minX, y: area.midY - s.height / 2, width: min(area.width, max(s.width, 0)), height: s.height))
         }
@@ -294,7 +310,8 @@ final class LazyListElement: Element {
     override func draw(_ renderer: HostBridge) {
         if grouped, !panelRect.isNull {
             renderer.fill(Path(roundedRect: panelRect, cornerRadius: 8), .solid(panel))
-            renderer.stroke(Path(roundedRect: panelRect.insetBy(dx: 0.5, dy: 0.5), cornerRadius: 8), .solid(border), StrokeStyle(lineWidth: 1))
+            renderer.stroke(
+                Path(roundedRect: panelRect.insetBy(dx: 0.5, dy: 0.5), cornerRadius: 8), .solid(border), StrokeStyle(lineWidth: 1))
         }
         for line in separators { renderer.fill(Path(line), .solid(separator)) }
         for row in children { row.draw(renderer) }
@@ -325,8 +342,14 @@ public struct FormStyleKind: Equatable, Sendable {
 private enum ListStyleKey: EnvironmentKey { static let defaultValue = ListStyleKind.automatic }
 private enum InListKey: EnvironmentKey { static let defaultValue = false }
 extension EnvironmentValues {
-    var listStyle: ListStyleKind { get { self[ListStyleKey.self] } set { self[ListStyleKey.self] = newValue } }
-    var inList: Bool { get { self[InListKey.self] } set { self[InListKey.self] = newValue } }
+    var listStyle: ListStyleKind {
+        get { self[ListStyleKey.self] }
+        set { self[ListStyleKey.self] = newValue }
+    }
+    var inList: Bool {
+        get { self[InListKey.self] }
+        set { self[InListKey.self] = newValue }
+    }
 }
 
 extension View {
@@ -336,7 +359,9 @@ extension View {
     public func listRowSeparator(_ visibility: Visibility, edges: VerticalEdgeSet = .all) -> some View { self }
     public func listRowInsets(_ insets: EdgeInsets?) -> some View { self }
     public func scrollContentBackground(_ visibility: Visibility) -> some View { self }
-    public func swipeActions<T: View>(edge: HorizontalEdge = .trailing, allowsFullSwipe: Bool = true, @ViewBuilder content: () -> T) -> some View { self }
+    public func swipeActions<T: View>(edge: HorizontalEdge = .trailing, allowsFullSwipe: Bool = true, @ViewBuilder content: () -> T)
+        -> some View
+    { self }
 }
 
 public enum Visibility: Hashable, CaseIterable, Sendable { case automatic, visible, hidden }
@@ -353,7 +378,9 @@ public struct LabeledContent<Label: View, Content: View>: View {
     let label: Label, content: Content
     public init(@ViewBuilder content: () -> Content, @ViewBuilder label: () -> Label) { self.label = label(); self.content = content() }
     public var body: some View {
-        HStack { label; Spacer(); content.foregroundStyle(.secondary) }
+        HStack {
+            label; Spacer(); content.foregroundStyle(.secondary)
+        }
     }
 }
 extension LabeledContent where Label == Text, Content == Text {

@@ -30,7 +30,10 @@ final class NavigationModel {
 
 private enum NavigationKey: EnvironmentKey { static let defaultValue: NavigationModel? = nil }
 extension EnvironmentValues {
-    var navigation: NavigationModel? { get { self[NavigationKey.self] } set { self[NavigationKey.self] = newValue } }
+    var navigation: NavigationModel? {
+        get { self[NavigationKey.self] }
+        set { self[NavigationKey.self] = newValue }
+    }
 }
 
 /// A path of values for `NavigationStack(path:)`.
@@ -55,10 +58,12 @@ public struct NavigationStack<Root: View>: View, PrimitiveView {
         self.path = Binding(get: { path.wrappedValue.values }, set: { path.wrappedValue.values = $0 })
     }
     public init<Data: MutableCollection & RandomAccessCollection & RangeReplaceableCollection>(
-        path: Binding<Data>, @ViewBuilder root: () -> Root) where Data.Element: Hashable {
+        path: Binding<Data>, @ViewBuilder root: () -> Root
+    ) where Data.Element: Hashable {
         self.root = root()
-        self.path = Binding(get: { path.wrappedValue.map(AnyHashable.init) },
-                            set: { path.wrappedValue = Data($0.compactMap { $0.base as? Data.Element }) })
+        self.path = Binding(
+            get: { path.wrappedValue.map(AnyHashable.init) },
+            set: { path.wrappedValue = Data($0.compactMap { $0.base as? Data.Element }) })
     }
 
     func resolve(_ context: ResolveContext) -> [Element] {
@@ -111,16 +116,22 @@ public struct NavigationSplitView<Sidebar: View, Content: View, Detail: View>: V
         if let top = model.entries.last, let view = model.view(for: top) {
             shownDetail = single(view.resolve(inner.child(.index(3))), context: inner)
         }
-        let sideFrame = FlexibleFrameElement(side, minWidth: 200, idealWidth: 220, maxWidth: 260, minHeight: nil, idealHeight: nil,
-                                             maxHeight: .infinity, alignment: .topLeading)
-        let sidebarPanel = LayeredElement(sideFrame, layer: ShapeFillElement(Color.fill.rgba(in: context.environment)), alignment: .center, above: false)
-        let detailFrame = FlexibleFrameElement(shownDetail, minWidth: nil, idealWidth: nil, maxWidth: .infinity, minHeight: nil,
-                                               idealHeight: nil, maxHeight: .infinity, alignment: .center)
+        let sideFrame = FlexibleFrameElement(
+            side, minWidth: 200, idealWidth: 220, maxWidth: 260, minHeight: nil, idealHeight: nil,
+            maxHeight: .infinity, alignment: .topLeading)
+        let sidebarPanel = LayeredElement(
+            sideFrame, layer: ShapeFillElement(Color.fill.rgba(in: context.environment)), alignment: .center, above: false)
+        let detailFrame = FlexibleFrameElement(
+            shownDetail, minWidth: nil, idealWidth: nil, maxWidth: .infinity, minHeight: nil,
+            idealHeight: nil, maxHeight: .infinity, alignment: .center)
         var columns: [Element] = [sidebarPanel, DividerElement(axis: .vertical, color: Color.separator.rgba(in: context.environment))]
         if !middle.isEmpty {
-            columns += [FlexibleFrameElement(single(middle, context: inner), minWidth: 200, idealWidth: 260, maxWidth: 320, minHeight: nil,
-                                             idealHeight: nil, maxHeight: .infinity, alignment: .topLeading),
-                        DividerElement(axis: .vertical, color: Color.separator.rgba(in: context.environment))]
+            columns += [
+                FlexibleFrameElement(
+                    single(middle, context: inner), minWidth: 200, idealWidth: 260, maxWidth: 320, minHeight: nil,
+                    idealHeight: nil, maxHeight: .infinity, alignment: .topLeading),
+                DividerElement(axis: .vertical, color: Color.separator.rgba(in: context.environment))
+            ]
         }
         columns.append(navigationFrame(content: detailFrame, canGoBack: false, back: {}, context: inner))
         return [StackElement(axis: .horizontal, crossFraction: 0.5, spacing: 0, children: columns)]
@@ -131,7 +142,9 @@ extension NavigationSplitView where Content == EmptyView {
     public init(@ViewBuilder sidebar: () -> Sidebar, @ViewBuilder detail: () -> Detail) {
         self.init(sidebar: sidebar, content: { EmptyView() }, detail: detail)
     }
-    public init(columnVisibility: Binding<NavigationSplitViewVisibility>, @ViewBuilder sidebar: () -> Sidebar, @ViewBuilder detail: () -> Detail) {
+    public init(
+        columnVisibility: Binding<NavigationSplitViewVisibility>, @ViewBuilder sidebar: () -> Sidebar, @ViewBuilder detail: () -> Detail
+    ) {
         self.init(sidebar: sidebar, content: { EmptyView() }, detail: detail)
     }
 }
@@ -161,11 +174,14 @@ private func navigationFrame(content: Element, canGoBack: Bool, back: @escaping 
     if title == nil && items.isEmpty && !canGoBack { return content }
     let barContext = context.child(.id("navigation bar"))
     let bar = NavigationBar(title: title ?? "", canGoBack: canGoBack, back: back, items: items)
-    let barElement = FixedFrameElement(single(resolveView(bar, barContext), context: barContext), width: nil, height: 44, alignment: .center)
-    let filled = FlexibleFrameElement(content, minWidth: nil, idealWidth: nil, maxWidth: .infinity, minHeight: nil, idealHeight: nil,
-                                      maxHeight: .infinity, alignment: .top)
-    return StackElement(axis: .vertical, crossFraction: 0.5, spacing: 0,
-                        children: [barElement, DividerElement(axis: .horizontal, color: Color.separator.rgba(in: context.environment)), filled])
+    let barElement = FixedFrameElement(
+        single(resolveView(bar, barContext), context: barContext), width: nil, height: 44, alignment: .center)
+    let filled = FlexibleFrameElement(
+        content, minWidth: nil, idealWidth: nil, maxWidth: .infinity, minHeight: nil, idealHeight: nil,
+        maxHeight: .infinity, alignment: .top)
+    return StackElement(
+        axis: .vertical, crossFraction: 0.5, spacing: 0,
+        children: [barElement, DividerElement(axis: .horizontal, color: Color.separator.rgba(in: context.environment)), filled])
 }
 
 private struct NavigationBar: View {
@@ -226,7 +242,9 @@ public struct NavigationLink<Label: View, Destination: View>: View {
     }
 
     public var body: some View {
-        Button { navigation?.push(entry()) } label: {
+        Button {
+            navigation?.push(entry())
+        } label: {
             if inList {
                 HStack {
                     label
@@ -238,7 +256,10 @@ public struct NavigationLink<Label: View, Destination: View>: View {
                 label
             }
         }
-        .modifier(EnvironmentModifier { [inList] in $0.buttonStyle = inList ? AnyButtonStyle(PlainButtonStyle()) : AnyButtonStyle(LinkStyleForNavigation()) })
+        .modifier(
+            EnvironmentModifier { [inList] in
+                $0.buttonStyle = inList ? AnyButtonStyle(PlainButtonStyle()) : AnyButtonStyle(LinkStyleForNavigation())
+            })
     }
 }
 
@@ -335,9 +356,11 @@ struct ToolbarModifier: ViewModifier, PrimitiveModifier {
             return [ToolbarElement(single(elements, context: context), items: items)]
         }
         // Outside a navigation container the items get a bar of their own above the content.
-        let bar = PaddingElement(StackElement(axis: .horizontal, crossFraction: 0.5, spacing: 8,
-                                              children: [SpacerElement(minLength: 8, axis: .horizontal)] + items),
-                                 insets: EdgeInsets(top: 8, leading: 12, bottom: 8, trailing: 12))
+        let bar = PaddingElement(
+            StackElement(
+                axis: .horizontal, crossFraction: 0.5, spacing: 8,
+                children: [SpacerElement(minLength: 8, axis: .horizontal)] + items),
+            insets: EdgeInsets(top: 8, leading: 12, bottom: 8, trailing: 12))
         return [StackElement(axis: .vertical, crossFraction: 0.5, spacing: 0, children: [bar, single(elements, context: context)])]
     }
 }

@@ -31,7 +31,9 @@ struct PresentationModifier: ViewModifier, PrimitiveModifier {
         var inner = context.child(.id("presented"))
         inner.stackAxis = nil
         let binding = isPresented, onDismiss = onDismiss
-        inner.environment.dismiss = DismissAction { binding.wrappedValue = false; onDismiss?() }
+        inner.environment.dismiss = DismissAction {
+            binding.wrappedValue = false; onDismiss?()
+        }
         inner.environment.isPresented = true
         let panel = single(panel.resolve(inner), context: inner)
         context.graph.overlays.append(ModalElement(panel: panel, dim: RGBA(red: 0, green: 0, blue: 0, alpha: 0.3)))
@@ -44,7 +46,8 @@ private struct SheetPanel<Content: View>: View {
     var body: some View {
         content
             .frame(minWidth: 320, minHeight: 160)
-            .background(RoundedRectangle(cornerRadius: 10).fill(Color.windowBackground).shadow(color: .black.opacity(0.3), radius: 12, y: 4))
+            .background(
+                RoundedRectangle(cornerRadius: 10).fill(Color.windowBackground).shadow(color: .black.opacity(0.3), radius: 12, y: 4))
     }
 }
 
@@ -76,69 +79,101 @@ private struct AlertPanel<Actions: View, Message: View>: View {
 private enum PresentedKey: EnvironmentKey { static let defaultValue = false }
 private enum AlertDismissKey: EnvironmentKey { static let defaultValue: DismissAction? = nil }
 extension EnvironmentValues {
-    public var isPresented: Bool { get { self[PresentedKey.self] } set { self[PresentedKey.self] = newValue } }
+    public var isPresented: Bool {
+        get { self[PresentedKey.self] }
+        set { self[PresentedKey.self] = newValue }
+    }
     /// Inside an alert's actions every button also closes the alert.
-    var alertDismiss: DismissAction? { get { self[AlertDismissKey.self] } set { self[AlertDismissKey.self] = newValue } }
+    var alertDismiss: DismissAction? {
+        get { self[AlertDismissKey.self] }
+        set { self[AlertDismissKey.self] = newValue }
+    }
 }
 
 extension View {
-    public func sheet<Content: View>(isPresented: Binding<Bool>, onDismiss: (() -> Void)? = nil, @ViewBuilder content: @escaping () -> Content) -> some View {
+    public func sheet<Content: View>(
+        isPresented: Binding<Bool>, onDismiss: (() -> Void)? = nil, @ViewBuilder content: @escaping () -> Content
+    ) -> some View {
         modifier(PresentationModifier(isPresented: isPresented, panel: AnyView(SheetPanel(content: content())), onDismiss: onDismiss))
     }
-    public func sheet<Item: Identifiable, Content: View>(item: Binding<Item?>, onDismiss: (() -> Void)? = nil,
-                                                          @ViewBuilder content: @escaping (Item) -> Content) -> some View {
+    public func sheet<Item: Identifiable, Content: View>(
+        item: Binding<Item?>, onDismiss: (() -> Void)? = nil,
+        @ViewBuilder content: @escaping (Item) -> Content
+    ) -> some View {
         let shown = Binding<Bool>(get: { item.wrappedValue != nil }, set: { if !$0 { item.wrappedValue = nil } })
-        return modifier(PresentationModifier(isPresented: shown, panel: AnyView(item.wrappedValue.map { SheetPanel(content: content($0)) }),
-                                             onDismiss: onDismiss))
+        return modifier(
+            PresentationModifier(
+                isPresented: shown, panel: AnyView(item.wrappedValue.map { SheetPanel(content: content($0)) }),
+                onDismiss: onDismiss))
     }
-    public func popover<Content: View>(isPresented: Binding<Bool>, attachmentAnchor: PopoverAttachmentAnchor = .rect(.bounds),
-                                       arrowEdge: Edge = .top, @ViewBuilder content: @escaping () -> Content) -> some View {
+    public func popover<Content: View>(
+        isPresented: Binding<Bool>, attachmentAnchor: PopoverAttachmentAnchor = .rect(.bounds),
+        arrowEdge: Edge = .top, @ViewBuilder content: @escaping () -> Content
+    ) -> some View {
         sheet(isPresented: isPresented, content: content)
     }
-    public func fullScreenCover<Content: View>(isPresented: Binding<Bool>, onDismiss: (() -> Void)? = nil,
-                                               @ViewBuilder content: @escaping () -> Content) -> some View {
+    public func fullScreenCover<Content: View>(
+        isPresented: Binding<Bool>, onDismiss: (() -> Void)? = nil,
+        @ViewBuilder content: @escaping () -> Content
+    ) -> some View {
         sheet(isPresented: isPresented, onDismiss: onDismiss, content: content)
     }
     public func presentationDetents(_ detents: Set<PresentationDetent>) -> some View { self }
     public func presentationDragIndicator(_ visibility: Visibility) -> some View { self }
     public func interactiveDismissDisabled(_ disabled: Bool = true) -> some View { self }
 
-    public func alert<A: View, M: View>(_ title: Text, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A,
-                                        @ViewBuilder message: () -> M) -> some View {
-        modifier(PresentationModifier(isPresented: isPresented,
-                                      panel: AnyView(AlertPanel(title: title, actions: actions(), message: message(), hasActions: !(A.self == EmptyView.self))),
-                                      onDismiss: nil))
+    public func alert<A: View, M: View>(
+        _ title: Text, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A,
+        @ViewBuilder message: () -> M
+    ) -> some View {
+        modifier(
+            PresentationModifier(
+                isPresented: isPresented,
+                panel: AnyView(AlertPanel(title: title, actions: actions(), message: message(), hasActions: !(A.self == EmptyView.self))),
+                onDismiss: nil))
     }
     public func alert<A: View>(_ title: Text, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A) -> some View {
         alert(title, isPresented: isPresented, actions: actions, message: { EmptyView() })
     }
-    public func alert<A: View, M: View>(_ titleKey: LocalizedStringKey, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A,
-                                        @ViewBuilder message: () -> M) -> some View {
+    public func alert<A: View, M: View>(
+        _ titleKey: LocalizedStringKey, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A,
+        @ViewBuilder message: () -> M
+    ) -> some View {
         alert(Text(titleKey), isPresented: isPresented, actions: actions, message: message)
     }
     public func alert<A: View>(_ titleKey: LocalizedStringKey, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A) -> some View {
         alert(Text(titleKey), isPresented: isPresented, actions: actions, message: { EmptyView() })
     }
     @_disfavoredOverload
-    public func alert<S: StringProtocol, A: View, M: View>(_ title: S, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A,
-                                                           @ViewBuilder message: () -> M) -> some View {
+    public func alert<S: StringProtocol, A: View, M: View>(
+        _ title: S, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A,
+        @ViewBuilder message: () -> M
+    ) -> some View {
         alert(Text(title), isPresented: isPresented, actions: actions, message: message)
     }
     @_disfavoredOverload
     public func alert<S: StringProtocol, A: View>(_ title: S, isPresented: Binding<Bool>, @ViewBuilder actions: () -> A) -> some View {
         alert(Text(title), isPresented: isPresented, actions: actions, message: { EmptyView() })
     }
-    public func alert<T, A: View, M: View>(_ titleKey: LocalizedStringKey, isPresented: Binding<Bool>, presenting data: T?,
-                                           @ViewBuilder actions: (T) -> A, @ViewBuilder message: (T) -> M) -> some View {
-        alert(Text(titleKey), isPresented: isPresented, actions: { if let data { actions(data) } }, message: { if let data { message(data) } })
+    public func alert<T, A: View, M: View>(
+        _ titleKey: LocalizedStringKey, isPresented: Binding<Bool>, presenting data: T?,
+        @ViewBuilder actions: (T) -> A, @ViewBuilder message: (T) -> M
+    ) -> some View {
+        alert(
+            Text(titleKey), isPresented: isPresented, actions: { if let data { actions(data) } }, message: { if let data { message(data) } }
+        )
     }
-    public func confirmationDialog<A: View>(_ titleKey: LocalizedStringKey, isPresented: Binding<Bool>,
-                                            titleVisibility: Visibility = .automatic, @ViewBuilder actions: () -> A) -> some View {
+    public func confirmationDialog<A: View>(
+        _ titleKey: LocalizedStringKey, isPresented: Binding<Bool>,
+        titleVisibility: Visibility = .automatic, @ViewBuilder actions: () -> A
+    ) -> some View {
         alert(Text(titleKey), isPresented: isPresented, actions: actions, message: { EmptyView() })
     }
-    public func confirmationDialog<A: View, M: View>(_ titleKey: LocalizedStringKey, isPresented: Binding<Bool>,
-                                                     titleVisibility: Visibility = .automatic, @ViewBuilder actions: () -> A,
-                                                     @ViewBuilder message: () -> M) -> some View {
+    public func confirmationDialog<A: View, M: View>(
+        _ titleKey: LocalizedStringKey, isPresented: Binding<Bool>,
+        titleVisibility: Visibility = .automatic, @ViewBuilder actions: () -> A,
+        @ViewBuilder message: () -> M
+    ) -> some View {
         alert(Text(titleKey), isPresented: isPresented, actions: actions, message: message)
     }
 }

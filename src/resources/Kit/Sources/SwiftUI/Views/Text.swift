@@ -81,8 +81,9 @@ public struct Font: Hashable, Sendable {
         case .rounded: designCode = 2
         case .serif: designCode = 3
         }
-        return ResolvedFont(size: size, weight: w.value, design: designCode, italic: isItalic || traits.italic,
-                            monospacedDigits: hasMonospacedDigits || traits.monospacedDigit)
+        return ResolvedFont(
+            size: size, weight: w.value, design: designCode, italic: isItalic || traits.italic,
+            monospacedDigits: hasMonospacedDigits || traits.monospacedDigit)
     }
 }
 
@@ -179,8 +180,12 @@ public struct Text: Equatable {
         }
         static func relative(_ interval: TimeInterval) -> String {
             let seconds = Int(abs(interval).rounded())
-            let (amount, unit): (Int, String) = seconds < 60 ? (seconds, "second") : seconds < 3600 ? (seconds / 60, "minute")
-                : seconds < 86400 ? (seconds / 3600, "hour") : (seconds / 86400, "day")
+            let (amount, unit): (Int, String) =
+                seconds < 60
+                ? (seconds, "second")
+                : seconds < 3600
+                    ? (seconds / 60, "minute")
+                    : seconds < 86400 ? (seconds / 3600, "hour") : (seconds / 86400, "day")
             let phrase = "\(amount) \(unit)\(amount == 1 ? "" : "s")"
             return interval < 0 ? "\(phrase) ago" : "in \(phrase)"
         }
@@ -232,13 +237,15 @@ extension Text: View, PrimitiveView {
             runTraits.italic = traits.italic || run.italic
             runTraits.monospaced = traits.monospaced || run.monospaced
             let font = (run.font ?? environment.font ?? .body).resolved(runTraits)
-            return TextRun(string: run.string, font: font, color: run.color?.rgba(in: environment) ?? fallbackColor,
-                           underline: run.underline || traits.underline, strikethrough: run.strikethrough || traits.strikethrough)
+            return TextRun(
+                string: run.string, font: font, color: run.color?.rgba(in: environment) ?? fallbackColor,
+                underline: run.underline || traits.underline, strikethrough: run.strikethrough || traits.strikethrough)
         }
         let alignment = environment.multilineTextAlignment, lineLimit = environment.lineLimit
         let graph = context.graph
         if let previous = graph.reusableText(at: context.path), previous.runs == resolved, previous.alignment == alignment,
-           previous.lineLimit == lineLimit, previous.host === graph.host {
+            previous.lineLimit == lineLimit, previous.host === graph.host
+        {
             previous.reusedPass = graph.pass
             graph.keepText(previous, at: context.path)
             return [previous]
@@ -302,9 +309,14 @@ extension View {
         modifier(EnvironmentModifier { if active { $0.textTraits.strikethrough = true } })
     }
     public func fontDesign(_ design: Font.Design?) -> some View {
-        modifier(EnvironmentModifier { env in
-            if let design { env.font = { var f = env.font ?? .body; f.design = design; return f }() }
-        })
+        modifier(
+            EnvironmentModifier { env in
+                if let design {
+                    env.font = {
+                        var f = env.font ?? .body; f.design = design; return f
+                    }()
+                }
+            })
     }
     public func multilineTextAlignment(_ alignment: TextAlignment) -> some View {
         environment(\.multilineTextAlignment, alignment)

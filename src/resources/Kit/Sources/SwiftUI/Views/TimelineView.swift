@@ -21,8 +21,9 @@ public struct TimelineView<Schedule: TimelineSchedule, Content: View>: View, Pri
             node.cancellables.append(AnyCancellable { timer.invalidate() })
         }
         let now = Date()
-        return resolveView(content(Context(date: now, cadence: schedule.interval >= 60 ? .minutes : schedule.interval >= 1 ? .seconds : .live)),
-                           context.child(.index(0)))
+        return resolveView(
+            content(Context(date: now, cadence: schedule.interval >= 60 ? .minutes : schedule.interval >= 1 ? .seconds : .live)),
+            context.child(.index(0)))
     }
 }
 

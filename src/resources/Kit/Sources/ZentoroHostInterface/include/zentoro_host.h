@@ -21,10 +21,16 @@ extern "C" {
  * whose `zentoro_kit_interface_version()` differs from the value it was built with. */
 #define ZENTORO_HOST_INTERFACE_VERSION 3
 
-typedef struct { double x, y; } ZentoroPoint;
-typedef struct { double x, y, width, height; } ZentoroRect;
+typedef struct {
+    double x, y;
+} ZentoroPoint;
+typedef struct {
+    double x, y, width, height;
+} ZentoroRect;
 /* Components from 0 to 1, not premultiplied, sRGB. */
-typedef struct { double red, green, blue, alpha; } ZentoroColor;
+typedef struct {
+    double red, green, blue, alpha;
+} ZentoroColor;
 
 enum {
     ZENTORO_PATH_MOVE = 0,  /* points[0] */
@@ -33,7 +39,10 @@ enum {
     ZENTORO_PATH_CUBIC = 3, /* controls points[0], points[1], end points[2] */
     ZENTORO_PATH_CLOSE = 4
 };
-typedef struct { int32_t op; ZentoroPoint points[3]; } ZentoroPathElement;
+typedef struct {
+    int32_t op;
+    ZentoroPoint points[3];
+} ZentoroPathElement;
 typedef struct {
     const ZentoroPathElement *elements;
     int32_t count;
@@ -42,11 +51,14 @@ typedef struct {
 
 enum {
     ZENTORO_PAINT_SOLID = 0,
-    ZENTORO_PAINT_LINEAR = 1,  /* from `start` to `end` */
-    ZENTORO_PAINT_RADIAL = 2,  /* centred on `start`, from `startRadius` to `endRadius` */
-    ZENTORO_PAINT_ANGULAR = 3  /* centred on `start`, beginning at `angle` degrees, clockwise */
+    ZENTORO_PAINT_LINEAR = 1, /* from `start` to `end` */
+    ZENTORO_PAINT_RADIAL = 2, /* centred on `start`, from `startRadius` to `endRadius` */
+    ZENTORO_PAINT_ANGULAR = 3 /* centred on `start`, beginning at `angle` degrees, clockwise */
 };
-typedef struct { double location; ZentoroColor color; } ZentoroGradientStop;
+typedef struct {
+    double location;
+    ZentoroColor color;
+} ZentoroGradientStop;
 typedef struct {
     int32_t kind;
     ZentoroColor color; /* the solid colour */
@@ -76,8 +88,8 @@ enum {
     ZENTORO_DESIGN_SERIF = 3
 };
 typedef struct {
-    double size;      /* logical pixels */
-    int32_t weight;   /* 100 (ultra light) to 900 (black); 400 regular, 700 bold */
+    double size;    /* logical pixels */
+    int32_t weight; /* 100 (ultra light) to 900 (black); 400 regular, 700 bold */
     int32_t design;
     int32_t italic;
     int32_t monospacedDigits;
@@ -101,10 +113,10 @@ typedef struct {
 } ZentoroText;
 
 enum {
-    ZENTORO_FIELD_SECURE = 1,     /* shows bullets in place of the characters */
-    ZENTORO_FIELD_FOCUS = 2,      /* the kit wants this field to take the keyboard focus */
+    ZENTORO_FIELD_SECURE = 1, /* shows bullets in place of the characters */
+    ZENTORO_FIELD_FOCUS = 2,  /* the kit wants this field to take the keyboard focus */
     ZENTORO_FIELD_DISABLED = 4,
-    ZENTORO_FIELD_PLAIN = 8       /* no frame: the kit draws the field's surroundings */
+    ZENTORO_FIELD_PLAIN = 8 /* no frame: the kit draws the field's surroundings */
 };
 
 /* What the host offers the kit. The kit keeps the pointer it is given by `zentoro_view_attach`;
@@ -114,8 +126,7 @@ typedef struct ZentoroHost {
     void *context;   /* passed back as the first argument of every function below */
 
     /* The size a text takes when it may wrap at `maxWidth` (no wrapping when negative). */
-    void (*measureText)(void *context, const ZentoroText *text, double maxWidth,
-                        double *outWidth, double *outHeight);
+    void (*measureText)(void *context, const ZentoroText *text, double maxWidth, double *outWidth, double *outHeight);
 
     /* Drawing, valid only inside `zentoro_view_render`. The state stack holds the transform,
      * the clip and the opacity. */
@@ -125,11 +136,9 @@ typedef struct ZentoroHost {
     void (*multiplyOpacity)(void *context, double opacity);
     void (*clipPath)(void *context, const ZentoroPath *path);
     void (*fillPath)(void *context, const ZentoroPath *path, const ZentoroPaint *paint);
-    void (*strokePath)(void *context, const ZentoroPath *path, const ZentoroPaint *paint,
-                       const ZentoroStroke *stroke);
+    void (*strokePath)(void *context, const ZentoroPath *path, const ZentoroPaint *paint, const ZentoroStroke *stroke);
     /* Draws `path` filled with `color` blurred by `radius`, offset by (dx, dy): a shadow. */
-    void (*shadowPath)(void *context, const ZentoroPath *path, ZentoroColor color, double radius,
-                       double dx, double dy);
+    void (*shadowPath)(void *context, const ZentoroPath *path, ZentoroColor color, double radius, double dx, double dy);
     void (*drawText)(void *context, const ZentoroText *text, ZentoroRect rect);
     /* A named symbol icon fitted into `rect`; unknown names draw a neutral glyph. */
     void (*drawSymbol)(void *context, const char *name, ZentoroRect rect, const ZentoroPaint *paint);
@@ -138,8 +147,8 @@ typedef struct ZentoroHost {
      * each with an identifier that stays the same while the field exists; fields not placed
      * in a render are removed. The host shows `text` only when it differs from what the field
      * holds, so typing is never interrupted. */
-    void (*placeTextField)(void *context, int64_t identifier, ZentoroRect rect, const char *text,
-                           const char *prompt, ZentoroFont font, int32_t flags);
+    void (*placeTextField)(void *context, int64_t identifier, ZentoroRect rect, const char *text, const char *prompt,
+                           ZentoroFont font, int32_t flags);
 
     /* The kit's state changed: call `zentoro_view_update` soon to learn what to paint again. */
     void (*requestRedraw)(void *context);
@@ -172,15 +181,9 @@ enum {
     ZENTORO_POINTER_UP = 2,
     ZENTORO_POINTER_LEAVE = 3
 };
-enum {
-    ZENTORO_MODIFIER_SHIFT = 1,
-    ZENTORO_MODIFIER_CONTROL = 2,
-    ZENTORO_MODIFIER_ALT = 4,
-    ZENTORO_MODIFIER_META = 8
-};
+enum { ZENTORO_MODIFIER_SHIFT = 1, ZENTORO_MODIFIER_CONTROL = 2, ZENTORO_MODIFIER_ALT = 4, ZENTORO_MODIFIER_META = 8 };
 /* Returns 1 when the kit used the event. `clickCount` counts quick successive presses. */
-int32_t zentoro_view_pointer(void *view, int32_t kind, double x, double y, int32_t modifiers,
-                             int32_t clickCount);
+int32_t zentoro_view_pointer(void *view, int32_t kind, double x, double y, int32_t modifiers, int32_t clickCount);
 int32_t zentoro_view_scroll(void *view, double x, double y, double dx, double dy);
 
 enum {
