@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <execinfo.h>
 #include <fcntl.h>
@@ -23,6 +24,7 @@ namespace zentoro::CrashLog {
 namespace {
 
 constexpr int frameLimit = 128;
+constexpr std::chrono::seconds upkeepDelay{3};
 // Both made before the handler is installed, so the handler never allocates.
 void **frames = nullptr;
 char *alternateStack = nullptr;
@@ -212,15 +214,18 @@ std::optional<PreviousCrash> start(const QString &logs)
     for (const QString &left : folder.entryList({QStringLiteral("*.log.tmp-*")}, QDir::Files))
         QFile::remove(folder.filePath(left));
     if (QFileInfo(previous).size() > keptBytes || QFileInfo(kept).size() > keptBytes || (keep && !linked)) {
-        QThreadPool::globalInstance()->start([previous, kept, keep] {
-            keepEnd(previous);
-            if (!keep) {
-                keepEnd(kept);
-            } else if (!linkOver(previous, kept)) {
-                QFile log(previous);
-                if (log.open(QIODevice::ReadOnly))
-                    AtomicFile::write(kept, log.readAll(), 0644, AtomicFile::Durability::Written);
-            }
+        // Cutting copies up to `keptBytes`: later, so that the first frame has the processor.
+        QTimer::singleShot(upkeepDelay, [previous, kept, keep] {
+            QThreadPool::globalInstance()->start([previous, kept, keep] {
+                keepEnd(previous);
+                if (!keep) {
+                    keepEnd(kept);
+                } else if (!linkOver(previous, kept)) {
+                    QFile log(previous);
+                    if (log.open(QIODevice::ReadOnly))
+                        AtomicFile::write(kept, log.readAll(), 0644, AtomicFile::Durability::Written);
+                }
+            });
         });
     }
     return crash;
@@ -230,11 +235,9 @@ void keepEnd(const QString &file)
 {
     if (QFileInfo(file).size() <= keptBytes)
         return;
-    const QByteArray end = endOf(file, keptBytes);
-    AtomicFile::write(file,
-                      QByteArrayLiteral("Zentoro: this log passed ") + QByteArray::number(keptBytes >> 20) +
-                          QByteArrayLiteral(" MB; only its end is kept.\n") + end,
-                      0644, AtomicFile::Durability::Written);
+    const QByteArray note = QByteArrayLiteral("Zentoro: this log passed ") + QByteArray::number(keptBytes >> 20) +
+                            QByteArrayLiteral(" MB; only its end is kept.\n");
+    AtomicFile::write(file, note + endOf(file, keptBytes - note.size()), 0644, AtomicFile::Durability::Written);
 }
 
 std::optional<PreviousCrash> previousCrash(const QString &file)

@@ -42,7 +42,8 @@ struct PreviousCrash {
 // 2 into "current.log" (unless `ZentoroNoLogRedirect` is set), installs the crash handler,
 // prints the header line and returns the crash of the run before, which is also kept as
 // "crash.log" (a second name of "previous.log", not a copy). A previous log over `keptBytes`
-// is cut to its end on a thread of the global pool, so the first frame never waits for it.
+// is cut to its end a few seconds later on a thread of the global pool, so the first frame
+// neither waits for it nor shares the processor with it.
 // Everything here fails silently: there is nowhere yet to report it.
 std::optional<PreviousCrash> start(const QString &logs);
 
