@@ -161,10 +161,25 @@ QString preparedFolder(const QString &compilerVersion)
     return QCoreApplication::applicationDirPath() + QStringLiteral("/KitCache/") + identity(compilerVersion);
 }
 
-bool isReady(const QString &compilerVersion)
+QString installedFolder(const QString &compilerVersion)
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/zentoro/KitCache/") +
+                           identity(compilerVersion));
+}
+
+std::optional<QString> readyPreparedFolder(const QString &compilerVersion)
 {
     const QString kit = identity(compilerVersion);
-    return isComplete(preparedFolder(compilerVersion), kit) || isComplete(cacheFolder(compilerVersion), kit);
+    for (const QString &folder : {preparedFolder(compilerVersion), installedFolder(compilerVersion)}) {
+        if (isComplete(folder, kit))
+            return folder;
+    }
+    return std::nullopt;
+}
+
+bool isReady(const QString &compilerVersion)
+{
+    return readyPreparedFolder(compilerVersion) || isComplete(cacheFolder(compilerVersion), identity(compilerVersion));
 }
 
 QStringList appArguments(const QString &folder)
@@ -185,9 +200,8 @@ QStringList appArguments(const QString &folder)
 
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
 {
-    const QString prepared = preparedFolder(compilerVersion);
-    if (isComplete(prepared, identity(compilerVersion)))
-        co_return Build{appArguments(prepared), {}};
+    if (const auto prepared = readyPreparedFolder(compilerVersion))
+        co_return Build{appArguments(*prepared), {}};
     co_return co_await buildInto(cacheFolder(compilerVersion), task, swiftc);
 }
 

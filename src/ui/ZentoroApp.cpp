@@ -36,6 +36,8 @@ int ZentoroApp::run(int argc, char **argv)
     // before Qt resolves links.
     if (argc > 1 && qstrcmp(argv[1], "--prepare-kit") == 0)
         return Kit::prepare(argc, argv);
+    if (argc > 1 && qstrcmp(argv[1], "--prepared-kit-folder") == 0)
+        return Kit::printPreparedFolder(argc, argv);
     const QString argv0 = QString::fromLocal8Bit(argc > 0 ? argv[0] : "");
     Relaunch::rememberExecutable(argv0);
 

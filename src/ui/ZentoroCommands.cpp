@@ -4,6 +4,7 @@
 #include "runtime/Runtime.h"
 #include "ui/ConversationMenu.h"
 #include "ui/MainWindow.h"
+#include "ui/NewAppDialog.h"
 #include "ui/VersionMenu.h"
 
 #include <QApplication>
@@ -27,6 +28,10 @@ ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &ag
     const QString name = runtime.workspace().name;
 
     QMenu *file = bar->addMenu(QStringLiteral("&File"));
+    QAction *newApp = file->addAction(QStringLiteral("New App…"));
+    newApp->setShortcut(QKeySequence::New);
+    connect(newApp, &QAction::triggered, this, [this] { NewAppDialog::open(&window_); });
+    file->addSeparator();
     QAction *quit = file->addAction(QStringLiteral("Quit %1").arg(name));
     quit->setShortcut(QKeySequence::Quit);
     connect(quit, &QAction::triggered, qApp, &QApplication::closeAllWindows);
