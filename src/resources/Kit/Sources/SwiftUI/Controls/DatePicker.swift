@@ -137,6 +137,7 @@ struct FieldFace: View {
             .padding(.horizontal, 8).padding(.vertical, 3)
             .background(RoundedRectangle(cornerRadius: 5).fill(Color.controlBackground))
             .overlay(RoundedRectangle(cornerRadius: 5).strokeBorder(Color.controlBorder, lineWidth: 1))
+            .fixedSize()
     }
 }
 
@@ -159,6 +160,7 @@ private struct TimeField: View {
         .padding(.horizontal, 6).padding(.vertical, 1)
         .background(RoundedRectangle(cornerRadius: 5).fill(Color.controlBackground))
         .overlay(RoundedRectangle(cornerRadius: 5).strokeBorder(Color.controlBorder, lineWidth: 1))
+        .fixedSize()
     }
 
     private func unit(_ value: Int, _ component: Calendar.Component) -> some View {
@@ -204,7 +206,7 @@ struct MonthCalendar: View {
         let orderedSymbols = Array(symbols[(calendar.firstWeekday - 1)...] + symbols[..<(calendar.firstWeekday - 1)])
         VStack(spacing: 4) {
             HStack {
-                Text(formatter.string(from: month)).font(.headline)
+                Text(formatter.string(from: month)).font(.headline).lineLimit(1).fixedSize()
                 Spacer()
                 Button {
                     shownMonth = calendar.date(byAdding: .month, value: -1, to: month)

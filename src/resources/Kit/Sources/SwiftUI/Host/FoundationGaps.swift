@@ -92,3 +92,80 @@ open class MeasurementFormatter: Formatter, @unchecked Sendable {
         return string(from: measurement)
     }
 }
+
+// On Linux a unit's members live on its own class only, so `.meters` where a `Dimension` is
+// expected (a list of units of one kind) finds nothing; on a Mac it does.
+extension Dimension {
+    public static var kilometers: UnitLength { UnitLength.kilometers }
+    public static var meters: UnitLength { UnitLength.meters }
+    public static var centimeters: UnitLength { UnitLength.centimeters }
+    public static var millimeters: UnitLength { UnitLength.millimeters }
+    public static var micrometers: UnitLength { UnitLength.micrometers }
+    public static var nanometers: UnitLength { UnitLength.nanometers }
+    public static var inches: UnitLength { UnitLength.inches }
+    public static var feet: UnitLength { UnitLength.feet }
+    public static var yards: UnitLength { UnitLength.yards }
+    public static var miles: UnitLength { UnitLength.miles }
+    public static var nauticalMiles: UnitLength { UnitLength.nauticalMiles }
+    public static var lightYears: UnitLength { UnitLength.lightYears }
+    public static var kilograms: UnitMass { UnitMass.kilograms }
+    public static var grams: UnitMass { UnitMass.grams }
+    public static var milligrams: UnitMass { UnitMass.milligrams }
+    public static var micrograms: UnitMass { UnitMass.micrograms }
+    public static var metricTons: UnitMass { UnitMass.metricTons }
+    public static var ounces: UnitMass { UnitMass.ounces }
+    public static var pounds: UnitMass { UnitMass.pounds }
+    public static var stones: UnitMass { UnitMass.stones }
+    public static var shortTons: UnitMass { UnitMass.shortTons }
+    public static var carats: UnitMass { UnitMass.carats }
+    public static var celsius: UnitTemperature { UnitTemperature.celsius }
+    public static var fahrenheit: UnitTemperature { UnitTemperature.fahrenheit }
+    public static var kelvin: UnitTemperature { UnitTemperature.kelvin }
+    public static var liters: UnitVolume { UnitVolume.liters }
+    public static var milliliters: UnitVolume { UnitVolume.milliliters }
+    public static var centiliters: UnitVolume { UnitVolume.centiliters }
+    public static var deciliters: UnitVolume { UnitVolume.deciliters }
+    public static var cubicMeters: UnitVolume { UnitVolume.cubicMeters }
+    public static var cubicCentimeters: UnitVolume { UnitVolume.cubicCentimeters }
+    public static var cubicInches: UnitVolume { UnitVolume.cubicInches }
+    public static var cubicFeet: UnitVolume { UnitVolume.cubicFeet }
+    public static var cups: UnitVolume { UnitVolume.cups }
+    public static var pints: UnitVolume { UnitVolume.pints }
+    public static var quarts: UnitVolume { UnitVolume.quarts }
+    public static var gallons: UnitVolume { UnitVolume.gallons }
+    public static var fluidOunces: UnitVolume { UnitVolume.fluidOunces }
+    public static var tablespoons: UnitVolume { UnitVolume.tablespoons }
+    public static var teaspoons: UnitVolume { UnitVolume.teaspoons }
+    public static var imperialGallons: UnitVolume { UnitVolume.imperialGallons }
+    public static var imperialPints: UnitVolume { UnitVolume.imperialPints }
+    public static var imperialFluidOunces: UnitVolume { UnitVolume.imperialFluidOunces }
+    public static var metersPerSecond: UnitSpeed { UnitSpeed.metersPerSecond }
+    public static var kilometersPerHour: UnitSpeed { UnitSpeed.kilometersPerHour }
+    public static var milesPerHour: UnitSpeed { UnitSpeed.milesPerHour }
+    public static var knots: UnitSpeed { UnitSpeed.knots }
+    public static var hours: UnitDuration { UnitDuration.hours }
+    public static var minutes: UnitDuration { UnitDuration.minutes }
+    public static var seconds: UnitDuration { UnitDuration.seconds }
+    public static var milliseconds: UnitDuration { UnitDuration.milliseconds }
+    public static var squareMeters: UnitArea { UnitArea.squareMeters }
+    public static var squareKilometers: UnitArea { UnitArea.squareKilometers }
+    public static var squareCentimeters: UnitArea { UnitArea.squareCentimeters }
+    public static var squareMillimeters: UnitArea { UnitArea.squareMillimeters }
+    public static var squareInches: UnitArea { UnitArea.squareInches }
+    public static var squareFeet: UnitArea { UnitArea.squareFeet }
+    public static var squareYards: UnitArea { UnitArea.squareYards }
+    public static var squareMiles: UnitArea { UnitArea.squareMiles }
+    public static var acres: UnitArea { UnitArea.acres }
+    public static var ares: UnitArea { UnitArea.ares }
+    public static var hectares: UnitArea { UnitArea.hectares }
+    public static var joules: UnitEnergy { UnitEnergy.joules }
+    public static var kilojoules: UnitEnergy { UnitEnergy.kilojoules }
+    public static var calories: UnitEnergy { UnitEnergy.calories }
+    public static var kilocalories: UnitEnergy { UnitEnergy.kilocalories }
+    public static var kilowattHours: UnitEnergy { UnitEnergy.kilowattHours }
+    public static var bars: UnitPressure { UnitPressure.bars }
+    public static var millibars: UnitPressure { UnitPressure.millibars }
+    public static var hectopascals: UnitPressure { UnitPressure.hectopascals }
+    public static var kilopascals: UnitPressure { UnitPressure.kilopascals }
+    public static var poundsForcePerSquareInch: UnitPressure { UnitPressure.poundsForcePerSquareInch }
+}

@@ -9,13 +9,16 @@ public struct Table<Value: Identifiable, Columns: View>: View {
     let sortOrder: Binding<[KeyPathComparator<Value>]>?
 
     public var body: some View {
-        VStack(spacing: 0) {
-            header
-            Divider()
-            ScrollView {
-                LazyVStack(spacing: 0) {
-                    ForEach(Array(rows.enumerated()), id: \.element.id) { index, row in
-                        TableRow(columns: columns, row: row, striped: index % 2 == 1, selection: selection)
+        GeometryReader { proxy in
+            let widths = columnWidths(proxy.size.width)
+            VStack(spacing: 0) {
+                header(widths)
+                Divider()
+                ScrollView {
+                    LazyVStack(spacing: 0) {
+                        ForEach(Array(rows.enumerated()), id: \.element.id) { index, row in
+                            TableRow(columns: columns, widths: widths, row: row, striped: index % 2 == 1, selection: selection)
+                        }
                     }
                 }
             }
@@ -23,7 +26,17 @@ public struct Table<Value: Identifiable, Columns: View>: View {
         .background(Color.controlBackground)
     }
 
-    private var header: some View {
+    /// Fixed columns take their width; the others share what is left, within their limits.
+    private func columnWidths(_ total: CGFloat) -> [CGFloat] {
+        let fixed = columns.compactMap(\.width.fixed).reduce(0, +)
+        let flexible = columns.filter { $0.width.fixed == nil }.count
+        let share = flexible > 0 ? max(0, total - fixed - CGFloat(columns.count - 1)) / CGFloat(flexible) : 0
+        return columns.map { column in
+            column.width.fixed ?? min(max(share, column.width.min ?? 0), column.width.max ?? .infinity)
+        }
+    }
+
+    private func header(_ widths: [CGFloat]) -> some View {
         HStack(spacing: 0) {
             ForEach(0..<columns.count, id: \.self) { index in
                 let column = columns[index]
@@ -43,8 +56,8 @@ public struct Table<Value: Identifiable, Columns: View>: View {
                     .contentShape(Rectangle())
                 }
                 .buttonStyle(.plain)
-                .modifier(ColumnWidth(width: column.width))
-                if index < columns.count - 1 { Divider().frame(height: 14) }
+                .frame(width: widths[index], alignment: .leading)
+                if index < columns.count - 1 { Rectangle().fill(Color.separator).frame(width: 1, height: 14) }
             }
         }
     }
@@ -63,6 +76,7 @@ public struct Table<Value: Identifiable, Columns: View>: View {
 
 private struct TableRow<Value: Identifiable>: View {
     let columns: [TableColumnSpec<Value>]
+    let widths: [CGFloat]
     let row: Value
     let striped: Bool
     let selection: ListSelection?
@@ -73,11 +87,11 @@ private struct TableRow<Value: Identifiable>: View {
                 columns[index].cell(row)
                     .lineLimit(1)
                     .padding(.horizontal, 8).padding(.vertical, 4)
-                    .modifier(ColumnWidth(width: columns[index].width))
+                    .frame(width: widths[index], alignment: .leading)
                 if index < columns.count - 1 { Color.clear.frame(width: 1) }
             }
         }
-        .frame(minHeight: 24)
+        .frame(minHeight: 24, alignment: .leading)
         .background(
             selected
                 ? AnyShapeStyle(TintShapeStyle().opacity(0.3))
@@ -85,18 +99,6 @@ private struct TableRow<Value: Identifiable>: View {
         )
         .contentShape(Rectangle())
         .onTapGesture { selection?.select(AnyHashable(row.id)) }
-    }
-}
-
-/// A column's fixed width, or an equal share of what is left.
-private struct ColumnWidth: ViewModifier {
-    let width: TableColumnWidth
-    func body(content: Content) -> some View {
-        if let fixed = width.fixed {
-            content.frame(width: fixed, alignment: .leading)
-        } else {
-            content.frame(minWidth: width.min ?? 40, maxWidth: width.max ?? .infinity, alignment: .leading)
-        }
     }
 }
 
