@@ -500,6 +500,13 @@ extension LabeledContent where Label == Text, Content == Text {
     public init<S: StringProtocol>(_ title: S, value: S) { self.init(content: { Text(value) }, label: { Text(title) }) }
     @_disfavoredOverload
     public init<S: StringProtocol, V: StringProtocol>(_ title: S, value: V) { self.init(content: { Text(value) }, label: { Text(title) }) }
+    public init<F: FormatStyle>(_ titleKey: LocalizedStringKey, value: F.FormatInput, format: F) where F.FormatOutput == String {
+        self.init(content: { Text(format.format(value)) }, label: { Text(titleKey) })
+    }
+    @_disfavoredOverload
+    public init<S: StringProtocol, F: FormatStyle>(_ title: S, value: F.FormatInput, format: F) where F.FormatOutput == String {
+        self.init(content: { Text(format.format(value)) }, label: { Text(title) })
+    }
 }
 extension LabeledContent where Label == Text {
     public init<S: StringProtocol>(_ title: S, @ViewBuilder content: () -> Content) { self.init(content: content, label: { Text(title) }) }
