@@ -185,7 +185,13 @@ bool isReady(const QString &compilerVersion)
 QStringList appArguments(const QString &folder)
 {
     const QString name = QFileInfo(folder).fileName();
-    return {QStringLiteral("-I"),
+    // Every file of the app sees SwiftUI, as on a Mac, where Foundation alone brings Combine's
+    // ObservableObject and the kit's own names: a model file that imports only Foundation builds.
+    return {QStringLiteral("-Xfrontend"),
+            QStringLiteral("-import-module"),
+            QStringLiteral("-Xfrontend"),
+            QStringLiteral("SwiftUI"),
+            QStringLiteral("-I"),
             folder,
             QStringLiteral("-I"),
             folder + QStringLiteral("/include"),

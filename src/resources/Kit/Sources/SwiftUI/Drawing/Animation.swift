@@ -20,6 +20,7 @@ public struct Animation: Equatable, Sendable {
     public static func spring(response: Double = 0.5, dampingFraction: Double = 0.825, blendDuration: Double = 0) -> Animation {
         Animation(duration: response)
     }
+    @_disfavoredOverload
     public static func spring(duration: Double = 0.5, bounce: Double = 0, blendDuration: Double = 0) -> Animation {
         Animation(duration: duration)
     }
@@ -59,3 +60,56 @@ extension View {
     public func transition(_ transition: AnyTransition) -> some View { self }
     public func contentTransition(_ transition: ContentTransition) -> some View { self }
 }
+
+/// Values an animation could interpolate; the kit shows the final value at once.
+public protocol VectorArithmetic: AdditiveArithmetic {
+    mutating func scale(by rhs: Double)
+    var magnitudeSquared: Double { get }
+}
+extension Double: VectorArithmetic {
+    public mutating func scale(by rhs: Double) { self *= rhs }
+    public var magnitudeSquared: Double { self * self }
+}
+extension Float: VectorArithmetic {
+    public mutating func scale(by rhs: Double) { self *= Float(rhs) }
+    public var magnitudeSquared: Double { Double(self * self) }
+}
+extension CGFloat: VectorArithmetic {
+    public mutating func scale(by rhs: Double) { self *= CGFloat(rhs) }
+    public var magnitudeSquared: Double { Double(self * self) }
+}
+
+public struct EmptyAnimatableData: VectorArithmetic {
+    public init() {}
+    public static var zero: EmptyAnimatableData { EmptyAnimatableData() }
+    public static func + (a: Self, b: Self) -> Self { a }
+    public static func - (a: Self, b: Self) -> Self { a }
+    public mutating func scale(by rhs: Double) {}
+    public var magnitudeSquared: Double { 0 }
+}
+
+public struct AnimatablePair<First: VectorArithmetic, Second: VectorArithmetic>: VectorArithmetic {
+    public var first: First
+    public var second: Second
+    public init(_ first: First, _ second: Second) { self.first = first; self.second = second }
+    public static var zero: Self { Self(.zero, .zero) }
+    public static func + (a: Self, b: Self) -> Self { Self(a.first + b.first, a.second + b.second) }
+    public static func - (a: Self, b: Self) -> Self { Self(a.first - b.first, a.second - b.second) }
+    public mutating func scale(by rhs: Double) { first.scale(by: rhs); second.scale(by: rhs) }
+    public var magnitudeSquared: Double { first.magnitudeSquared + second.magnitudeSquared }
+}
+
+/// A view or shape whose `animatableData` an animation would step through.
+public protocol Animatable {
+    associatedtype AnimatableData: VectorArithmetic
+    var animatableData: AnimatableData { get set }
+}
+extension Animatable where AnimatableData == EmptyAnimatableData {
+    public var animatableData: EmptyAnimatableData {
+        get { EmptyAnimatableData() }
+        set {}
+    }
+}
+
+/// A view modifier that could animate; applied at its final value.
+public protocol AnimatableModifier: Animatable, ViewModifier {}

@@ -25,7 +25,6 @@ public struct State<Value>: DynamicProperty, StorageBound {
 
     public init(wrappedValue value: Value) { box = Box(value) }
     public init(initialValue value: Value) { box = Box(value) }
-    public init() where Value: ExpressibleByNilLiteral { box = Box(nil) }
 
     public var wrappedValue: Value {
         get { MainActor.assumeIsolated { box.cell?.value ?? box.initial } }
@@ -351,4 +350,10 @@ public struct Transaction {
     public var disablesAnimations = false
     public init() {}
     public init(animation: Animation?) { self.animation = animation }
+}
+
+extension State where Value: ExpressibleByNilLiteral {
+    // In an extension, so that `@State var items: [Item]` without a value keeps a memberwise
+    // initialiser that takes the items themselves.
+    public init() { self.init(wrappedValue: nil) }
 }
