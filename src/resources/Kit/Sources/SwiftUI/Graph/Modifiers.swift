@@ -116,7 +116,10 @@ extension View {
     public func frame(width: CGFloat? = nil, height: CGFloat? = nil, alignment: Alignment = .center) -> some View {
         modifier(
             ElementModifier { element, context in
-                FixedFrameElement.make(element, width: width, height: height, alignment: alignment, pass: context.graph.pass)
+                FixedFrameElement.make(
+                    element, width: width.map { context.animated($0, .frameWidth) },
+                    height: height.map { context.animated($0, .frameHeight) },
+                    alignment: alignment, pass: context.graph.pass)
             })
     }
     public func frame(
@@ -139,11 +142,11 @@ extension View {
         modifier(ElementModifier { element, context in LayoutPriorityElement(element, priority: value) })
     }
     public func offset(_ offset: CGSize) -> some View {
-        modifier(ElementModifier { element, context in OffsetElement(element, offset: offset) })
+        modifier(ElementModifier { element, context in OffsetElement(element, offset: context.animated(offset, .offset)) })
     }
     public func offset(x: CGFloat = 0, y: CGFloat = 0) -> some View { offset(CGSize(width: x, height: y)) }
     public func position(_ position: CGPoint) -> some View {
-        modifier(ElementModifier { element, context in PositionElement(element, position: position) })
+        modifier(ElementModifier { element, context in PositionElement(element, position: context.animated(position, .position)) })
     }
     public func position(x: CGFloat = 0, y: CGFloat = 0) -> some View { position(CGPoint(x: x, y: y)) }
 
@@ -176,13 +179,14 @@ extension View {
     }
 
     public func opacity(_ opacity: Double) -> some View {
-        modifier(ElementModifier { element, context in OpacityElement(element, opacity: opacity) })
+        modifier(ElementModifier { element, context in OpacityElement(element, opacity: context.animated(opacity, .opacity)) })
     }
     public func hidden() -> some View { opacity(0) }
     public func rotationEffect(_ angle: Angle, anchor: UnitPoint = .center) -> some View {
         modifier(
-            ElementModifier { element, _ in
-                TransformElement(element) { rect in
+            ElementModifier { element, context in
+                let angle = context.animated(angle, .rotation)
+                return TransformElement(element) { rect in
                     let a = anchor.point(in: rect)
                     return CGAffineTransform(translationX: -a.x, y: -a.y)
                         .concatenating(CGAffineTransform(rotationAngle: CGFloat(angle.radians)))
@@ -198,11 +202,12 @@ extension View {
     }
     public func scaleEffect(x: CGFloat = 1, y: CGFloat = 1, anchor: UnitPoint = .center) -> some View {
         modifier(
-            ElementModifier { element, _ in
-                TransformElement(element) { rect in
+            ElementModifier { element, context in
+                let scale = context.animated(CGSize(width: x, height: y), .scale)
+                return TransformElement(element) { rect in
                     let a = anchor.point(in: rect)
                     return CGAffineTransform(translationX: -a.x, y: -a.y)
-                        .concatenating(CGAffineTransform(scaleX: x, y: y))
+                        .concatenating(CGAffineTransform(scaleX: scale.width, y: scale.height))
                         .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
                 }
             })

@@ -1,0 +1,248 @@
+import Foundation
+
+/// The properties of a view that animate, each a separate value at the view's place.
+enum AnimatedProperty: Int {
+    case opacity, offset, scale, rotation, position, frameWidth, frameHeight, shape, fill, transition, presentation, matched
+}
+
+/// One animated value at one place in the graph.
+struct AnimatorKey: Hashable {
+    let path: ViewPath
+    /// The property, and which of its kind at this place (`.opacity(a).opacity(b)`).
+    let slot: Int
+}
+
+@MainActor
+class AnyAnimator {
+    var lastPass = 0
+}
+
+/// A value and the animation that carries its presentation towards it. The app always sees
+/// the target; only what is drawn moves.
+@MainActor
+final class AnimatedValue<V: VectorArithmetic>: AnyAnimator {
+    private(set) var target: V
+    private var from: V
+    private var velocity: V
+    private var start = 0.0
+    private(set) var animation: Animation?
+
+    init(_ value: V) {
+        target = value; from = value; velocity = .zero
+    }
+
+    /// The value drawn at `time`, and whether its animation has ended.
+    func sample(_ time: Double) -> (V, finished: Bool) {
+        guard let animation else { return (target, true) }
+        let (a, b, finished) = animation.state(at: time - start)
+        if finished {
+            self.animation = nil
+            return (target, true)
+        }
+        return (target + (from - target).scaled(by: a) + velocity.scaled(by: b), false)
+    }
+
+    /// Moves the target; with an animation, from where the value is drawn now and as fast as
+    /// it moves there, so a change in the middle of an animation bends it instead of jumping.
+    func retarget(_ value: V, animation: Animation?, at time: Double) {
+        guard let animation else {
+            target = value
+            self.animation = nil
+            return
+        }
+        let (current, finished) = sample(time)
+        var speed = V.zero
+        if !finished {
+            let step = 1.0 / 240
+            let (earlier, _) = sample(time - step)
+            speed = (current - earlier).scaled(by: 1 / step)
+        }
+        if case .spring = animation.curve, animation.repeats == 1, !animation.autoreverses {
+            velocity = speed
+        } else {
+            velocity = .zero
+        }
+        from = current
+        target = value
+        start = time
+        self.animation = animation
+    }
+
+    /// Starts an animation from `value` to the target, as an inserted view's transition does.
+    func run(from value: V, animation: Animation, at time: Double) {
+        from = value
+        velocity = .zero
+        start = time
+        self.animation = animation
+    }
+}
+
+/// The animation engine of one graph: the values being animated, the transaction of the
+/// update being resolved, the clock, and whether the host must come back for another frame.
+@MainActor
+final class Motion {
+    /// Seconds on a steady clock. Tests set their own to step through animations.
+    static var clock: () -> Double = { ProcessInfo.processInfo.systemUptime }
+    /// The time between frames while something moves.
+    static let frameInterval = 1.0 / 60
+
+    /// The moment the update being resolved shows.
+    private(set) var now = 0.0
+    /// The transaction of the changes the update being resolved shows.
+    private(set) var transaction = Transaction()
+    private var pending: Transaction?
+    private var animators: [AnimatorKey: AnyAnimator] = [:]
+    private var ordinals: [AnimatorKey: Int] = [:]
+    private var pass = 0
+    /// Whether a value was still moving in the last update.
+    private(set) var moving = false
+    /// The shortest interval a live timeline asked for in the last update.
+    private var timelineInterval: Double?
+    private var lastFrame = -Double.infinity
+    /// Views that went away with a transition, drawn until it ends.
+    var departures = Departures()
+    /// Transition scopes present in the update being resolved, and in the previous one.
+    var presentTransitions: [ViewPath: TransitionElement] = [:]
+    var previousTransitions: [ViewPath: TransitionElement] = [:]
+    var matched = MatchedGeometry()
+
+    /// Remembers the transaction of a state change so that the update that shows it animates.
+    func record(_ change: Transaction) {
+        if change.effectiveAnimation != nil || change.disablesAnimations { pending = change }
+    }
+
+    /// Whether the next update must resolve again because something moves and a frame is due.
+    var frameDue: Bool {
+        guard moving || timelineInterval != nil else { return false }
+        let interval = moving ? Motion.frameInterval : timelineInterval!
+        return Motion.clock() - lastFrame >= interval * 0.5
+    }
+
+    /// Seconds until the next frame (0 when it is due), or nil when nothing moves.
+    var nextFrame: Double? {
+        guard moving || timelineInterval != nil else { return nil }
+        let interval = moving ? Motion.frameInterval : timelineInterval!
+        return max(0, lastFrame + interval - Motion.clock())
+    }
+
+    func beginPass(_ pass: Int) {
+        self.pass = pass
+        now = Motion.clock()
+        transaction = pending ?? Transaction()
+        pending = nil
+        moving = false
+        timelineInterval = nil
+        ordinals.removeAll(keepingCapacity: true)
+        swap(&previousTransitions, &presentTransitions)
+        presentTransitions.removeAll(keepingCapacity: true)
+        matched.beginPass()
+    }
+
+    func endPass(graph: ViewGraph) {
+        animators = animators.filter { $0.value.lastPass == pass }
+        departures.collect(leaving: previousTransitions, staying: presentTransitions, motion: self)
+        if departures.advance(to: now) { moving = true }
+        lastFrame = now
+    }
+
+    /// A live timeline wants frames every `interval` seconds.
+    func requestFrames(every interval: Double) {
+        timelineInterval = min(timelineInterval ?? .infinity, max(Motion.frameInterval, interval))
+    }
+
+    /// Marks that something will still be moving after this update.
+    func keepMoving() { moving = true }
+
+    private func key(_ path: ViewPath, _ property: AnimatedProperty) -> AnimatorKey {
+        let base = AnimatorKey(path: path, slot: property.rawValue)
+        let ordinal = ordinals[base, default: 0]
+        ordinals[base] = ordinal + 1
+        return ordinal == 0 ? base : AnimatorKey(path: path, slot: property.rawValue + 64 * ordinal)
+    }
+
+    /// The animator of `property` at `path`, made at `value` when it is new.
+    func animator<V: VectorArithmetic>(_ value: V, at path: ViewPath, _ property: AnimatedProperty) -> (AnimatedValue<V>, isNew: Bool) {
+        let key = key(path, property)
+        if let existing = animators[key] as? AnimatedValue<V> {
+            existing.lastPass = pass
+            return (existing, false)
+        }
+        let made = AnimatedValue(value)
+        made.lastPass = pass
+        animators[key] = made
+        return (made, true)
+    }
+
+    /// What to draw for `value` of `property` at `path`: the value itself unless it changed
+    /// under an animated transaction and is on its way there.
+    func animated<V: VectorArithmetic>(_ value: V, at path: ViewPath, _ property: AnimatedProperty, transaction: Transaction) -> V {
+        let (animator, isNew) = animator(value, at: path, property)
+        if isNew { return value }
+        if animator.target != value {
+            animator.retarget(value, animation: transaction.effectiveAnimation, at: now)
+        }
+        let (shown, finished) = animator.sample(now)
+        if !finished { moving = true }
+        return shown
+    }
+}
+
+extension ResolveContext {
+    /// The value to draw for `value`, which animates when it changes under an animation.
+    func animated<V: VectorArithmetic>(_ value: V, _ property: AnimatedProperty) -> V {
+        graph.motion.animated(value, at: path, property, transaction: environment.transaction)
+    }
+    func animated<A: Animatable>(_ value: A, _ property: AnimatedProperty) -> A {
+        var shown = value
+        shown.animatableData = animated(value.animatableData, property)
+        return shown
+    }
+}
+
+// MARK: - Shapes
+
+/// A shape's outline, and for a shape with animatable data, the shape as its animation
+/// shows it at the update being resolved.
+struct ShapeSource {
+    let path: (CGRect) -> Path
+    let presented: (@MainActor (ResolveContext) -> ShapeSource)?
+
+    init<S: Shape>(_ shape: S) {
+        path = { shape.path(in: $0) }
+        if S.AnimatableData.self == EmptyAnimatableData.self {
+            presented = nil
+        } else {
+            presented = { context in ShapeSource(still: context.animated(shape, .shape)) }
+        }
+    }
+    private init<S: Shape>(still shape: S) {
+        path = { shape.path(in: $0) }
+        presented = nil
+    }
+    func callAsFunction(_ rect: CGRect) -> Path { path(rect) }
+}
+
+extension ShapeView {
+    /// The solid colour to draw while a change of it animates; nil otherwise.
+    @MainActor
+    func animatedColor(_ context: ResolveContext) -> RGBA? {
+        let style = stroke.map { $0.0 } ?? fill
+        let paint = style?.paint(in: .zero, environment: context.environment) ?? context.environment.foregroundRGBA(in: .zero)
+        guard case .solid(let color) = paint else { return nil }
+        let shown = context.animated(color, .fill)
+        return shown == color ? nil : shown
+    }
+}
+
+extension AnyTransition {
+    /// A sheet or an alert: the panel rises in as the window behind dims.
+    static let presentation = AnyTransition(insertion: [], removal: [], animation: .spring(duration: 0.35))
+}
+
+extension ViewGraph {
+    /// A change made under `change` (possibly on another thread's turn): update, animating as it says.
+    func invalidate(after change: Transaction) {
+        motion.record(change)
+        invalidate()
+    }
+}
