@@ -176,7 +176,9 @@ private struct Arrivals: View {
         let hosted = Hosted(Arrivals())
         func green() -> [CGRect] { hosted.double.fills.filter { $0.paint.color.green > 0.7 && $0.paint.color.red < 0.3 }.map(\.bounds) }
         hosted.click("Toggle")
+        let pass = hosted.graph.pass
         step(hosted, to: 0.5)
+        #expect(hosted.graph.pass == pass, "a frame that only moves a transition along resolves nothing")
         let arriving = element(hosted, TransitionElement.self)!
         checkEqual(arriving.progress, 0.5, accuracy: 1e-6)
         let placed = arriving.frame

@@ -105,6 +105,10 @@ final class Motion {
     var presentTransitions: [ViewPath: TransitionElement] = [:]
     var previousTransitions: [ViewPath: TransitionElement] = [:]
     var matched = MatchedGeometry()
+    /// What moves the drawn values of the tree in place, for frames where nothing else changed.
+    private var sinks: [(Double) -> Bool] = []
+    /// Whether something moves that only resolving the tree again can show.
+    private var needsResolve = false
 
     /// Remembers the transaction of a state change so that the update that shows it animates.
     func record(_ change: Transaction) {
@@ -131,6 +135,8 @@ final class Motion {
         transaction = pending ?? Transaction()
         pending = nil
         moving = false
+        needsResolve = false
+        sinks.removeAll(keepingCapacity: true)
         timelineInterval = nil
         ordinals.removeAll(keepingCapacity: true)
         swap(&previousTransitions, &presentTransitions)
@@ -150,8 +156,31 @@ final class Motion {
         timelineInterval = min(timelineInterval ?? .infinity, max(Motion.frameInterval, interval))
     }
 
-    /// Marks that something will still be moving after this update.
-    func keepMoving() { moving = true }
+    /// Marks that something will still be moving after this update, which the next frame
+    /// resolves again to show.
+    func keepMoving() {
+        moving = true
+        needsResolve = true
+    }
+
+    /// Marks that `sink` moves something drawn: it takes the time of a frame and says whether
+    /// it is still moving.
+    func keepMoving(_ sink: @escaping (Double) -> Bool) {
+        moving = true
+        sinks.append(sink)
+    }
+
+    /// Moves what is drawn on to the clock's time without resolving the tree, when nothing but
+    /// values with sinks moves; false when the tree must be resolved instead.
+    func patchFrame() -> Bool {
+        guard !needsResolve, timelineInterval == nil else { return false }
+        now = Motion.clock()
+        sinks.removeAll { !$0(now) }
+        moving = !sinks.isEmpty
+        if departures.advance(to: now) { moving = true }
+        lastFrame = now
+        return true
+    }
 
     private func key(_ path: ViewPath, _ property: AnimatedProperty) -> AnimatorKey {
         let base = AnimatorKey(path: path, slot: property.rawValue)
@@ -175,14 +204,27 @@ final class Motion {
 
     /// What to draw for `value` of `property` at `path`: the value itself unless it changed
     /// under an animated transaction and is on its way there.
-    func animated<V: VectorArithmetic>(_ value: V, at path: ViewPath, _ property: AnimatedProperty, transaction: Transaction) -> V {
+    /// With `apply`, a frame that only moves values patches what is drawn through it.
+    func animated<V: VectorArithmetic>(
+        _ value: V, at path: ViewPath, _ property: AnimatedProperty, transaction: Transaction, apply: ((V) -> Void)? = nil
+    ) -> V {
         let (animator, isNew) = animator(value, at: path, property)
         if isNew { return value }
         if animator.target != value {
             animator.retarget(value, animation: transaction.effectiveAnimation, at: now)
         }
         let (shown, finished) = animator.sample(now)
-        if !finished { moving = true }
+        if !finished {
+            if let apply {
+                keepMoving { time in
+                    let (shown, finished) = animator.sample(time)
+                    apply(shown)
+                    return !finished
+                }
+            } else {
+                keepMoving()
+            }
+        }
         return shown
     }
 }
@@ -196,6 +238,23 @@ extension ResolveContext {
         var shown = value
         shown.animatableData = animated(value.animatableData, property)
         return shown
+    }
+
+    /// Sets the element's property at `keyPath` to its animated value, and keeps it moving on
+    /// frames that resolve nothing.
+    func animate<E: Element, V: VectorArithmetic>(_ element: E, _ keyPath: ReferenceWritableKeyPath<E, V>, _ property: AnimatedProperty)
+        -> E
+    {
+        element[keyPath: keyPath] = graph.motion.animated(
+            element[keyPath: keyPath], at: path, property, transaction: environment.transaction
+        ) { element[keyPath: keyPath] = $0 }
+        return element
+    }
+    func animate<E: Element, A: Animatable>(_ element: E, _ keyPath: ReferenceWritableKeyPath<E, A>, _ property: AnimatedProperty) -> E {
+        element[keyPath: keyPath].animatableData = graph.motion.animated(
+            element[keyPath: keyPath].animatableData, at: path, property, transaction: environment.transaction
+        ) { element[keyPath: keyPath].animatableData = $0 }
+        return element
     }
 }
 
@@ -223,14 +282,16 @@ struct ShapeSource {
 }
 
 extension ShapeView {
-    /// The solid colour to draw while a change of it animates; nil otherwise.
+    /// Gives the element the solid colour to draw while a change of it animates.
     @MainActor
-    func animatedColor(_ context: ResolveContext) -> RGBA? {
+    func animateColor(of element: ShapeElement, _ context: ResolveContext) {
         let style = stroke.map { $0.0 } ?? fill
         let paint = style?.paint(in: .zero, environment: context.environment) ?? context.environment.foregroundRGBA(in: .zero)
-        guard case .solid(let color) = paint else { return nil }
-        let shown = context.animated(color, .fill)
-        return shown == color ? nil : shown
+        guard case .solid(let color) = paint else { return }
+        let shown = context.graph.motion.animated(color, at: context.path, .fill, transaction: context.environment.transaction) {
+            element.color = $0 == color ? nil : $0
+        }
+        element.color = shown == color ? nil : shown
     }
 }
 

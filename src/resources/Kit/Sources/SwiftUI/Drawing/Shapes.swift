@@ -35,7 +35,7 @@ public struct ShapeView: View, PrimitiveView {
         var view = self
         if let presented = shape.presented { view.shape = presented(context) }
         let element = ShapeElement(view: view, environment: context.environment)
-        element.color = animatedColor(context)
+        animateColor(of: element, context)
         return [element]
     }
 }

@@ -183,9 +183,15 @@ extension ResolveContext {
             }
         }
         let (shown, finished) = progress.sample(motion.now)
-        if !finished { motion.keepMoving() }
         let wrapped = TransitionElement(
             element, transition: transition, effects: transition.insertion, progress: shown, scopes: environment.animationScopes)
+        if !finished {
+            motion.keepMoving { time in
+                let (shown, finished) = progress.sample(time)
+                wrapped.progress = shown
+                return !finished
+            }
+        }
         wrapped.graph = graph
         motion.presentTransitions[key] = wrapped
         return wrapped

@@ -183,7 +183,18 @@ final class ViewGraph {
     /// at once, a few times at most, so the first frame shows their effect.
     func update() {
         var rounds = 0
-        if motion.frameDue { dirty = true }
+        if motion.frameDue {
+            // A frame in which only animated values move patches the tree and places it again.
+            if !dirty && laidOutSize == size, let root = rootElement, motion.patchFrame() {
+                let window = CGRect(origin: .zero, size: size)
+                root.place(in: Alignment.center.place(root.size(ProposedViewSize(size)), in: window))
+                for overlay in overlays { overlay.place(in: window) }
+                root.forEach { $0.forgetDrawnBounds() }
+                damage = .whole
+                return
+            }
+            dirty = true
+        }
         while needsUpdate && rounds < 4 {
             rounds += 1
             dirty = false

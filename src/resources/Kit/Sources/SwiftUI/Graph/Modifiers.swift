@@ -142,11 +142,12 @@ extension View {
         modifier(ElementModifier { element, context in LayoutPriorityElement(element, priority: value) })
     }
     public func offset(_ offset: CGSize) -> some View {
-        modifier(ElementModifier { element, context in OffsetElement(element, offset: context.animated(offset, .offset)) })
+        modifier(ElementModifier { element, context in context.animate(OffsetElement(element, offset: offset), \.offset, .offset) })
     }
     public func offset(x: CGFloat = 0, y: CGFloat = 0) -> some View { offset(CGSize(width: x, height: y)) }
     public func position(_ position: CGPoint) -> some View {
-        modifier(ElementModifier { element, context in PositionElement(element, position: context.animated(position, .position)) })
+        modifier(
+            ElementModifier { element, context in context.animate(PositionElement(element, position: position), \.position, .position) })
     }
     public func position(x: CGFloat = 0, y: CGFloat = 0) -> some View { position(CGPoint(x: x, y: y)) }
 
@@ -179,19 +180,19 @@ extension View {
     }
 
     public func opacity(_ opacity: Double) -> some View {
-        modifier(ElementModifier { element, context in OpacityElement(element, opacity: context.animated(opacity, .opacity)) })
+        modifier(ElementModifier { element, context in context.animate(OpacityElement(element, opacity: opacity), \.opacity, .opacity) })
     }
     public func hidden() -> some View { opacity(0) }
     public func rotationEffect(_ angle: Angle, anchor: UnitPoint = .center) -> some View {
         modifier(
             ElementModifier { element, context in
-                let angle = context.animated(angle, .rotation)
-                return TransformElement(element) { rect in
+                let made = TransformElement(element, amount: CGSize(width: angle.radians, height: 0)) { rect, amount in
                     let a = anchor.point(in: rect)
                     return CGAffineTransform(translationX: -a.x, y: -a.y)
-                        .concatenating(CGAffineTransform(rotationAngle: CGFloat(angle.radians)))
+                        .concatenating(CGAffineTransform(rotationAngle: amount.width))
                         .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
                 }
+                return context.animate(made, \.amount, .rotation)
             })
     }
     public func scaleEffect(_ scale: CGFloat, anchor: UnitPoint = .center) -> some View {
@@ -203,13 +204,13 @@ extension View {
     public func scaleEffect(x: CGFloat = 1, y: CGFloat = 1, anchor: UnitPoint = .center) -> some View {
         modifier(
             ElementModifier { element, context in
-                let scale = context.animated(CGSize(width: x, height: y), .scale)
-                return TransformElement(element) { rect in
+                let made = TransformElement(element, amount: CGSize(width: x, height: y)) { rect, scale in
                     let a = anchor.point(in: rect)
                     return CGAffineTransform(translationX: -a.x, y: -a.y)
                         .concatenating(CGAffineTransform(scaleX: scale.width, y: scale.height))
                         .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
                 }
+                return context.animate(made, \.amount, .scale)
             })
     }
     public func clipShape<S: Shape>(_ shape: S, style: FillStyle = FillStyle()) -> some View {
@@ -275,7 +276,7 @@ struct LayerModifier: ViewModifier, PrimitiveModifier {
 }
 
 final class PositionElement: WrapperElement {
-    let position: CGPoint
+    var position: CGPoint
     init(_ child: Element, position: CGPoint) { self.position = position; super.init(child) }
     override func measure(_ proposal: ProposedViewSize) -> CGSize { proposal.replacingUnspecifiedDimensions() }
     override func place(in rect: CGRect) {
