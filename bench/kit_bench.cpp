@@ -8,8 +8,9 @@
 // (5) motion: a list of 200 rows whose offset and opacity animate, and a spring that follows
 //     a drag and springs back: frames per second and processor time per frame while it moves,
 //     processor time while idle after it (goal: 60 frames per second, none idle).
-// With `show <App.swift> <image.png> [width height]` it shows an app in a window instead and
-// saves what the window shows once the app has settled; with `motion` it runs (5) alone.
+// With `show <App.swift> <image.png> [width height [x y]...]` it shows an app in a window instead
+// and saves what the window shows once the app has settled, and half a second after each click;
+// with `motion` it runs (5) alone.
 #include "Measure.h"
 #include "runtime/Kit.h"
 #include "runtime/KitHostView.h"
@@ -320,7 +321,22 @@ int show(const QString &swiftc, const Kit::Build &kit, const QString &folder, ch
     Window window(handle, size);
     window.container.setWindowTitle(QFileInfo(file).dir().dirName());
     settle(1500);
-    return window.container.grab().save(QString::fromLocal8Bit(argv[3])) ? 0 : 1;
+    const QString image = QString::fromLocal8Bit(argv[3]);
+    if (!window.container.grab().save(image))
+        return 1;
+    // Each further pair of numbers is a click; what follows it is saved every 100 ms for half a
+    // second, as <image>-<click>-<k>.png, to look at motion.
+    for (int click = 0; 7 + 2 * click < argc; ++click) {
+        window.click(QPointF(atof(argv[6 + 2 * click]), atof(argv[7 + 2 * click])));
+        for (int k = 0; k <= 5; ++k) {
+            const QString name = QStringLiteral("%1-%2-%3.png").arg(image.chopped(4)).arg(click).arg(k);
+            if (!window.container.grab().save(name))
+                return 1;
+            settle(100);
+        }
+        settle(1000);
+    }
+    return 0;
 }
 
 } // namespace
