@@ -198,3 +198,44 @@ private struct Arrivals: View {
         #expect(green().isEmpty && hosted.graph.motion.nextFrame == nil)
     }
 }
+
+private struct Bar: View, Animatable {
+    var fraction: Double
+    var animatableData: Double {
+        get { fraction }
+        set { fraction = newValue }
+    }
+    var body: some View { Text("\(Int(fraction * 100))%") }
+}
+
+private struct Grow: AnimatableModifier {
+    var width: Double
+    var animatableData: Double {
+        get { width }
+        set { width = newValue }
+    }
+    func body(content: Content) -> some View { content.frame(width: width, height: 10) }
+}
+
+private struct Progress: View {
+    @State var done = false
+    var body: some View {
+        VStack {
+            Button("Finish") { withAnimation(.linear(duration: 1)) { done = true } }
+            Bar(fraction: done ? 1 : 0)
+            Color.blue.modifier(Grow(width: done ? 200 : 0))
+        }
+    }
+}
+
+extension MotionTests {
+    @Test func appsOwnAnimatableViewsAndModifiersSeeEachStep() {
+        FakeClock.install()
+        defer { FakeClock.restore() }
+        let hosted = Hosted(Progress())
+        hosted.click("Finish")
+        step(hosted, to: 0.5)
+        hosted.expectShown("50%")
+        #expect(hosted.double.fills.contains { $0.bounds.width == 100 && $0.bounds.height == 10 })
+    }
+}

@@ -344,6 +344,9 @@ extension Animatable where AnimatableData == EmptyAnimatableData {
     }
 }
 
+/// A modifier whose `animatableData` steps along animations: its body sees each step.
+public protocol AnimatableModifier: Animatable, ViewModifier {}
+
 extension Animatable where Self: VectorArithmetic {
     public var animatableData: Self {
         get { self }

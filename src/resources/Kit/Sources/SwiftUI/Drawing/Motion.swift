@@ -3,6 +3,8 @@ import Foundation
 /// The properties of a view that animate, each a separate value at the view's place.
 enum AnimatedProperty: Int {
     case opacity, offset, scale, rotation, position, frameWidth, frameHeight, shape, fill, transition, presentation, matched
+    /// The data of an app's own `Animatable` view or modifier.
+    case custom
 }
 
 /// One animated value at one place in the graph.
@@ -256,6 +258,17 @@ extension ResolveContext {
         ) { element[keyPath: keyPath].animatableData = $0 }
         return element
     }
+}
+
+/// An app's view or modifier that is `Animatable`, as its animation shows it now.
+@MainActor
+func presented<T>(_ value: T, _ context: ResolveContext) -> T {
+    // Shapes animate their outline where they are drawn, whether filled, stroked or bare.
+    guard let animatable = value as? any Animatable, !(value is any Shape) else { return value }
+    func open<A: Animatable>(_ value: A) -> Any {
+        A.AnimatableData.self == EmptyAnimatableData.self ? value : context.animated(value, .custom)
+    }
+    return open(animatable) as! T
 }
 
 // MARK: - Shapes

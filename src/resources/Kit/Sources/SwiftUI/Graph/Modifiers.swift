@@ -51,6 +51,7 @@ extension ModifiedContent: View, PrimitiveView where Content: View, Modifier: Vi
             return primitive.resolve(content: resolver, context: context)
         }
         var inner = context.child(.type(ObjectIdentifier(Modifier.self)))
+        let modifier = presented(self.modifier, inner)
         context.graph.bindDynamicProperties(of: modifier, context: inner)
         inner.modifierContent = { resolver($0.child(.index(0))) }
         return resolveView(modifier.body(content: _ViewModifier_Content<Modifier>()), inner)
