@@ -239,3 +239,29 @@ extension MotionTests {
         #expect(hosted.double.fills.contains { $0.bounds.width == 100 && $0.bounds.height == 10 })
     }
 }
+
+private struct Shelf: View {
+    @State var items = ["a", "b"]
+    var body: some View {
+        VStack(spacing: 0) {
+            Button("Add") { withAnimation(.linear(duration: 1)) { items.insert("z", at: 0) } }
+            ForEach(items, id: \.self) { Text($0).frame(height: 40) }
+        }
+    }
+}
+
+extension MotionTests {
+    @Test func rowsSlideToTheirNewPlaceWhenOneIsInsertedAbove() {
+        FakeClock.install()
+        defer { FakeClock.restore() }
+        let hosted = Hosted(Shelf())
+        let before = hosted.text("a")!.rect.minY
+        hosted.click("Add")
+        // The stack grows by a row and stays centred: "a" ends 20 points lower.
+        step(hosted, to: 0.5)
+        checkEqual(hosted.text("a")!.rect.minY, before + 10, accuracy: 0.5)
+        step(hosted, to: 2)
+        checkEqual(hosted.text("a")!.rect.minY, before + 20, accuracy: 0.01)
+        #expect(hosted.graph.motion.nextFrame == nil)
+    }
+}

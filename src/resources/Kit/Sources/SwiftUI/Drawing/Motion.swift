@@ -95,7 +95,7 @@ final class Motion {
     private var pending: Transaction?
     private var animators: [AnimatorKey: AnyAnimator] = [:]
     private var ordinals: [AnimatorKey: Int] = [:]
-    private var pass = 0
+    private(set) var pass = 0
     /// Whether a value was still moving in the last update.
     private(set) var moving = false
     /// The shortest interval a live timeline asked for in the last update.
@@ -143,7 +143,7 @@ final class Motion {
         ordinals.removeAll(keepingCapacity: true)
         swap(&previousTransitions, &presentTransitions)
         presentTransitions.removeAll(keepingCapacity: true)
-        matched.beginPass()
+        matched.beginPass(pass)
     }
 
     func endPass(graph: ViewGraph) {
@@ -157,6 +157,9 @@ final class Motion {
     func requestFrames(every interval: Double) {
         timelineInterval = min(timelineInterval ?? .infinity, max(Motion.frameInterval, interval))
     }
+
+    /// Marks that a view still moves to where it was placed; placing the tree again moves it on.
+    func keepMovingInPlace() { moving = true }
 
     /// Marks that something will still be moving after this update, which the next frame
     /// resolves again to show.
@@ -178,7 +181,7 @@ final class Motion {
         guard !needsResolve, timelineInterval == nil else { return false }
         now = Motion.clock()
         sinks.removeAll { !$0(now) }
-        moving = !sinks.isEmpty
+        moving = !sinks.isEmpty || matched.moving(at: now)
         if departures.advance(to: now) { moving = true }
         lastFrame = now
         return true

@@ -374,43 +374,56 @@ public struct MatchedGeometryProperties: OptionSet, Sendable {
     public static let frame: MatchedGeometryProperties = [.position, .size]
 }
 
-/// The frames of matched views by id: a view that takes over an id from one in another place
-/// moves from there to its own place.
+/// Where views with an identity were last placed: a view that takes its place elsewhere under
+/// an animation (a row moved by an insertion above it, a matched view taking over an id) moves
+/// from there to its new place.
 @MainActor
 struct MatchedGeometry {
     struct Key: Hashable {
         let namespace: Namespace.ID
         let id: AnyHashable
     }
-    private var frames: [Key: CGRect] = [:]
-    private var previous: [Key: CGRect] = [:]
+    private var placed: [Key: (rect: CGRect, pass: Int)] = [:]
+    private var seen: [Key: Int] = [:]
     private var animators: [Key: AnimatedValue<CGRect.AnimatableData>] = [:]
 
-    mutating func beginPass() {
-        swap(&frames, &previous)
-        frames.removeAll(keepingCapacity: true)
-        let placed = previous
-        animators = animators.filter { placed[$0.key] != nil }
+    /// Forgets the views that were not there in the last two updates.
+    mutating func beginPass(_ pass: Int) {
+        guard pass % 32 == 0 else { return }
+        seen = seen.filter { $0.value >= pass - 2 }
+        let live = seen
+        placed = placed.filter { live[$0.key] != nil }
+        animators = animators.filter { live[$0.key] != nil }
     }
+
+    mutating func see(_ key: Key, pass: Int) { seen[key] = pass }
+
+    func isMoving(_ key: Key) -> Bool { animators[key]?.animation != nil }
+
+    /// Whether a view still moves to its place at `time`.
+    func moving(at time: Double) -> Bool { animators.values.contains { !$0.sample(time).finished } }
 
     /// Where the view of `key` placed at `rect` is drawn.
     mutating func place(_ key: Key, at rect: CGRect, animation: Animation?, motion: Motion) -> CGRect {
-        if frames[key] != nil { return rect }
-        frames[key] = rect
+        let previous = placed[key]
+        // A second view with the same id in one update stays where it is.
+        if let previous, previous.pass == motion.pass, previous.rect != rect { return rect }
+        placed[key] = (rect, motion.pass)
         let animator: AnimatedValue<CGRect.AnimatableData>
         if let existing = animators[key] {
             animator = existing
         } else {
-            animator = AnimatedValue((previous[key] ?? rect).animatableData)
+            guard let previous, previous.rect != rect, animation != nil else { return rect }
+            animator = AnimatedValue(previous.rect.animatableData)
             animators[key] = animator
         }
         if animator.target != rect.animatableData { animator.retarget(rect.animatableData, animation: animation, at: motion.now) }
         let (shown, finished) = animator.sample(motion.now)
         if finished {
-            if previous[key] == nil { animators[key] = nil }
+            animators[key] = nil
             return rect
         }
-        motion.keepMoving()
+        motion.keepMovingInPlace()
         var result = CGRect.zero
         result.animatableData = shown
         return result
@@ -427,8 +440,23 @@ final class MatchedGeometryElement: WrapperElement {
         self.key = key; self.animation = animation; self.properties = properties; self.motion = motion
         super.init(child)
     }
+    /// The element for `child`; the previous update's when nothing about it moves.
+    static func make(
+        _ child: Element, key: MatchedGeometry.Key, properties: MatchedGeometryProperties, context: ResolveContext
+    ) -> MatchedGeometryElement {
+        let motion = context.graph.motion, animation = context.environment.transaction.effectiveAnimation
+        motion.matched.see(key, pass: context.graph.pass)
+        if animation == nil, !motion.matched.isMoving(key),
+            let previous = reusable(
+                [child], pass: context.graph.pass, { (e: MatchedGeometryElement) in e.key == key && e.transform.isIdentity })
+        {
+            return previous
+        }
+        return MatchedGeometryElement(child, key: key, animation: animation, properties: properties, motion: motion)
+    }
     override var bleed: CGFloat? { transform.isIdentity ? 0 : nil }
     override func place(in rect: CGRect) {
+        if keepsPlace(rect) { return }
         frame = rect
         child.place(in: rect)
         let shown = motion.matched.place(key, at: rect, animation: animation, motion: motion)
@@ -454,6 +482,23 @@ final class MatchedGeometryElement: WrapperElement {
     }
 }
 
+extension ResolveContext {
+    /// The elements of a row of a ForEach, which slide to their new place when rows are
+    /// inserted, removed or moved under an animation.
+    func sliding(_ elements: [Element], row: ViewPath) -> [Element] {
+        elements.enumerated().map { index, element in
+            let id: AnyHashable = index == 0 ? AnyHashable(row) : AnyHashable(row.appending(.index(index)))
+            return MatchedGeometryElement.make(
+                element, key: MatchedGeometry.Key(namespace: .rows, id: id), properties: .position, context: self)
+        }
+    }
+}
+
+extension Namespace.ID {
+    /// The rows of every ForEach.
+    static let rows = Namespace.ID(value: 0)
+}
+
 extension View {
     /// Views with the same `id` in `namespace` share a geometry: when one takes the other's
     /// place under an animation, it moves and resizes from where the other was.
@@ -463,9 +508,8 @@ extension View {
     ) -> some View {
         modifier(
             ElementModifier { element, context in
-                MatchedGeometryElement(
-                    element, key: MatchedGeometry.Key(namespace: namespace, id: AnyHashable(id)),
-                    animation: context.environment.transaction.effectiveAnimation, properties: properties, motion: context.graph.motion)
+                MatchedGeometryElement.make(
+                    element, key: MatchedGeometry.Key(namespace: namespace, id: AnyHashable(id)), properties: properties, context: context)
             })
     }
 }
