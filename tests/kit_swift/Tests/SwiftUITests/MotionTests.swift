@@ -106,6 +106,7 @@ private struct Arrivals: View {
         checkEqual(a(pulse, 1.25), 0.25, accuracy: 1e-9)
         checkEqual(a(pulse, 2.25), 0.75, accuracy: 1e-9)
         #expect(pulse.state(at: 3.1).finished && !Animation.linear(duration: 1).repeatForever().state(at: 1e6).finished)
+        #expect(pulse.delay(0.5).totalDuration == 3.5 && pulse.speed(2).totalDuration == 1.5)
     }
 
     @Test func changesInWithAnimationMoveOnScreenWhileStateIsFinal() {

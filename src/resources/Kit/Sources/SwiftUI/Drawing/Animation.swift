@@ -276,6 +276,33 @@ public func withAnimation<Result>(_ animation: Animation? = .default, _ body: ()
     return try withTransaction(transaction, body)
 }
 
+public struct AnimationCompletionCriteria: Hashable, Sendable {
+    public static let logicallyComplete = AnimationCompletionCriteria()
+    public static let removed = AnimationCompletionCriteria()
+}
+
+/// Animates the changes of `body` and runs `completion` once the animation has ended.
+@discardableResult
+public func withAnimation<Result>(
+    _ animation: Animation? = .default, completionCriteria: AnimationCompletionCriteria = .logicallyComplete,
+    _ body: () throws -> Result, completion: @escaping @MainActor () -> Void
+) rethrows -> Result {
+    let result = try withAnimation(animation, body)
+    let seconds = animation?.totalDuration ?? 0
+    if seconds.isFinite {
+        DispatchQueue.main.asyncAfter(deadline: .now() + seconds) { MainActor.assumeIsolated { completion() } }
+    }
+    return result
+}
+
+extension Animation {
+    /// Seconds from the start until the animation ends; infinite when it repeats for ever.
+    var totalDuration: Double {
+        guard let repeats else { return .infinity }
+        return delay + curve.duration * Double(repeats) / speed
+    }
+}
+
 // MARK: - Values that can be interpolated
 
 /// A value with addition and scaling: what animations interpolate.
