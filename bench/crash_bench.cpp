@@ -118,9 +118,9 @@ bool makeEmptyVersion(const Workspace &workspace, int number)
     // The kit's other entry points are only looked up while the factory makes no view.
     for (const char *name :
          {"zentoro_view_attach", "zentoro_view_release", "zentoro_view_set_size", "zentoro_view_set_appearance",
-          "zentoro_view_update", "zentoro_view_render", "zentoro_view_pointer", "zentoro_view_scroll",
-          "zentoro_view_key", "zentoro_view_text_changed", "zentoro_view_text_submitted", "zentoro_view_text_focus",
-          "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
+          "zentoro_view_update", "zentoro_view_render", "zentoro_view_next_frame", "zentoro_view_pointer",
+          "zentoro_view_scroll", "zentoro_view_key", "zentoro_view_text_changed", "zentoro_view_text_submitted",
+          "zentoro_view_text_focus", "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
         file.write("void " + QByteArray(name) + "(void) {}\n");
     file.close();
     return await(Shell::run(cc, {"-shared", "-fPIC", "-o", workspace.dylib(number), source})).status == 0;

@@ -4,9 +4,13 @@
 // (2) scrolling a LazyVStack of 10,000 rows against one of 100 rows (goal: frame time ratio
 //     near 1.0);
 // (3) the kit's build for this compiler (its first build when the cache is fresh);
-// (4) resident memory of the to-do reference app, and what loading it added.
-// With `show <App.swift> <image.png> [width height]` it shows an app in a window instead and
-// saves what the window shows once the app has settled.
+// (4) resident memory of the to-do reference app, and what loading it added;
+// (5) motion: a list of 200 rows whose offset and opacity animate, and a spring that follows
+//     a drag and springs back: frames per second and processor time per frame while it moves,
+//     processor time while idle after it (goal: 60 frames per second, none idle).
+// With `show <App.swift> <image.png> [width height [x y]...]` it shows an app in a window instead
+// and saves what the window shows once the app has settled, and half a second after each click;
+// with `motion` it runs (5) alone.
 #include "Measure.h"
 #include "runtime/Kit.h"
 #include "runtime/KitHostView.h"
@@ -27,7 +31,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <dlfcn.h>
+#include <functional>
 #include <unistd.h>
 #include <vector>
 
@@ -60,7 +66,7 @@ void *loadApp(const QString &swiftc, const Kit::Build &kit, const QString &folde
         "extension UserDefaults { static let app = UserDefaults(suiteName: \"dev.vantu.zentoro.app.Kit Bench\")! }\n"
         "@_cdecl(\"zentoro_make_root_view\")\n"
         "public func zentoro_make_root_view() -> UnsafeMutableRawPointer "
-        "{ ZentoroHosting.makeRootView(AppRoot().defaultAppStorage(.app)) }\n");
+        "{ ZentoroHosting.makeRootView(AppRoot().defaultAppStorage(.app), appName: \"Kit Bench\") }\n");
     entry.close();
     app.open(QIODevice::WriteOnly);
     app.write(source.toUtf8());
@@ -194,6 +200,97 @@ struct AppRoot: View {
         .arg(count);
 }
 
+// 200 rows in a scroll view; the button moves every row aside and fades it, in one second.
+const char *const animatedRows = R"swift(
+import SwiftUI
+struct AppRoot: View {
+    @State private var shifted = false
+    var body: some View {
+        VStack(spacing: 0) {
+            Button("Shift") { withAnimation(.easeInOut(duration: 1)) { shifted.toggle() } }
+                .frame(height: 28)
+            ScrollView {
+                VStack(spacing: 2) {
+                    ForEach(0..<200, id: \.self) { row in
+                        HStack {
+                            Text("Row \(row)")
+                            Spacer()
+                            Text("\(row * 3)").foregroundStyle(.secondary)
+                        }
+                        .padding(.horizontal)
+                        .offset(x: shifted ? 60 : 0)
+                        .opacity(shifted ? 0.35 : 1)
+                    }
+                }
+            }
+        }
+    }
+}
+)swift";
+
+// A disc that follows the pointer on a spring while dragged and springs home when let go.
+const char *const springDrag = R"swift(
+import SwiftUI
+struct AppRoot: View {
+    @State private var offset = CGSize.zero
+    var body: some View {
+        Circle()
+            .fill(Color.blue)
+            .frame(width: 80, height: 80)
+            .offset(offset)
+            .gesture(
+                DragGesture()
+                    .onChanged { value in
+                        withAnimation(.spring(response: 0.3, dampingFraction: 0.6)) { offset = value.translation }
+                    }
+                    .onEnded { _ in withAnimation(.spring(response: 0.4, dampingFraction: 0.5)) { offset = .zero } })
+            .frame(maxWidth: .infinity, maxHeight: .infinity)
+    }
+}
+)swift";
+
+struct MotionFigures {
+    double fps = 0, cpuPerFrameMs = 0, idleCpu = 0;
+    int frames = 0;
+};
+
+// Starts the motion with `start`, then runs events until no frame has been painted for 150 ms;
+// then two idle seconds.
+MotionFigures measureMotion(Window &window, const std::function<void()> &start)
+{
+    MotionFigures figures;
+    const int before = window.paints;
+    const std::clock_t cpu = std::clock();
+    QElapsedTimer clock, quiet;
+    clock.start();
+    quiet.start();
+    start();
+    int seen = window.paints;
+    while (quiet.elapsed() < 150 && clock.elapsed() < 10000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+        if (window.paints != seen) {
+            seen = window.paints;
+            quiet.restart();
+        }
+    }
+    const double seconds = (clock.elapsed() - quiet.elapsed()) / 1000.0;
+    figures.frames = window.paints - before;
+    figures.fps = figures.frames / std::max(seconds, 0.001);
+    figures.cpuPerFrameMs = 1000.0 * double(std::clock() - cpu) / CLOCKS_PER_SEC / std::max(1, figures.frames);
+    const std::clock_t idle = std::clock();
+    settle(2000);
+    figures.idleCpu = double(std::clock() - idle) / CLOCKS_PER_SEC;
+    return figures;
+}
+
+void printMotion(const char *what, const MotionFigures &figures)
+{
+    std::printf("%s: %d frames, %.0f frames per second (goal 60) %s, %.2f ms of processor time per frame; "
+                "idle after it: %.3f s of processor time in 2 s %s\n",
+                what, figures.frames, figures.fps, figures.fps >= 55 ? "ok" : "UNDER", figures.cpuPerFrameMs,
+                figures.idleCpu, figures.idleCpu < 0.02 ? "ok" : "OVER");
+}
+
 QString referenceApp(const QString &name)
 {
     // bench/run works from the repository's top folder.
@@ -224,7 +321,22 @@ int show(const QString &swiftc, const Kit::Build &kit, const QString &folder, ch
     Window window(handle, size);
     window.container.setWindowTitle(QFileInfo(file).dir().dirName());
     settle(1500);
-    return window.container.grab().save(QString::fromLocal8Bit(argv[3])) ? 0 : 1;
+    const QString image = QString::fromLocal8Bit(argv[3]);
+    if (!window.container.grab().save(image))
+        return 1;
+    // Each further pair of numbers is a click; what follows it is saved every 100 ms for half a
+    // second, as <image>-<click>-<k>.png, to look at motion.
+    for (int click = 0; 7 + 2 * click < argc; ++click) {
+        window.click(QPointF(atof(argv[6 + 2 * click]), atof(argv[7 + 2 * click])));
+        for (int k = 0; k <= 5; ++k) {
+            const QString name = QStringLiteral("%1-%2-%3.png").arg(image.chopped(4)).arg(click).arg(k);
+            if (!window.container.grab().save(name))
+                return 1;
+            settle(100);
+        }
+        settle(1000);
+    }
+    return 0;
 }
 
 } // namespace
@@ -254,14 +366,15 @@ int main(int argc, char **argv)
     if (showing)
         return show(compiler->swiftc, kit, folder.path(), argv, argc);
 
-    std::printf("== UI kit: a state change among 1,000 views, lazy scrolling, the to-do app's memory\n");
+    const bool motionOnly = argc > 1 && QByteArray(argv[1]) == "motion";
+    std::printf("== UI kit: a state change among 1,000 views, lazy scrolling, the to-do app's memory, motion\n");
     if (kitSeconds > 5)
         std::printf("kit first build: %.1f s\n", kitSeconds);
     else
         std::printf("kit first build: already in the cache (%.2f s); the build benchmark times a fresh one\n",
                     kitSeconds);
 
-    {
+    if (!motionOnly) {
         void *handle = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("Thousand"),
                                QString::fromUtf8(thousandViews));
         if (!handle)
@@ -277,7 +390,7 @@ int main(int argc, char **argv)
                     m, 100 * m / frameMs, m < frameMs / 2 ? "ok" : "OVER");
     }
 
-    {
+    if (!motionOnly) {
         void *small = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("Rows100"), lazyRows(100));
         void *large = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("Rows10000"), lazyRows(10000));
         if (!small || !large)
@@ -292,6 +405,38 @@ int main(int argc, char **argv)
     }
 
     {
+        void *rows = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("AnimatedRows"),
+                             QString::fromUtf8(animatedRows));
+        void *drag = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("SpringDrag"),
+                             QString::fromUtf8(springDrag));
+        if (!rows || !drag)
+            return 1;
+        Window rowsWindow(rows, {500, 700});
+        printMotion("200 rows, offset and opacity animated for 1 s", measureMotion(rowsWindow, [&] {
+                        rowsWindow.click({250, 14});
+                    }));
+        rowsWindow.container.hide();
+        Window dragWindow(drag, {600, 500});
+        // One pointer move per 16 ms for a second, then the release.
+        QTimer mover;
+        int step = 0;
+        QObject::connect(&mover, &QTimer::timeout, [&] {
+            ++step;
+            const QPointF at(300 + 3 * step, 250 + 1.5 * step);
+            if (step < 60) {
+                dragWindow.send(QEvent::MouseMove, at, Qt::LeftButton);
+            } else {
+                dragWindow.send(QEvent::MouseButtonRelease, at, Qt::NoButton);
+                mover.stop();
+            }
+        });
+        printMotion("spring-driven drag, 1 s of dragging and the spring home", measureMotion(dragWindow, [&] {
+                        dragWindow.send(QEvent::MouseButtonPress, {300, 250}, Qt::LeftButton);
+                        mover.start(16);
+                    }));
+    }
+
+    if (!motionOnly) {
         const double before = residentMiB();
         void *handle = loadApp(compiler->swiftc, kit, folder.path(), QStringLiteral("TodoList"),
                                referenceApp(QStringLiteral("TodoList")));

@@ -24,6 +24,7 @@ std::shared_ptr<const KitEntryPoints> KitEntryPoints::find(void *library, QStrin
     look(kit->setAppearance, "zentoro_view_set_appearance");
     look(kit->update, "zentoro_view_update");
     look(kit->render, "zentoro_view_render");
+    look(kit->nextFrame, "zentoro_view_next_frame");
     look(kit->pointer, "zentoro_view_pointer");
     look(kit->scroll, "zentoro_view_scroll");
     look(kit->key, "zentoro_view_key");

@@ -17,6 +17,7 @@ struct KitEntryPoints {
     decltype(&zentoro_view_set_appearance) setAppearance = nullptr;
     decltype(&zentoro_view_update) update = nullptr;
     decltype(&zentoro_view_render) render = nullptr;
+    decltype(&zentoro_view_next_frame) nextFrame = nullptr;
     decltype(&zentoro_view_pointer) pointer = nullptr;
     decltype(&zentoro_view_scroll) scroll = nullptr;
     decltype(&zentoro_view_key) key = nullptr;

@@ -14,6 +14,7 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 
+#include <cmath>
 #include <functional>
 
 namespace zentoro {
@@ -106,6 +107,9 @@ KitHostView::KitHostView(void *library, void *rootView, QWidget *parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
+    frames_.setSingleShot(true);
+    frames_.setTimerType(Qt::PreciseTimer);
+    connect(&frames_, &QTimer::timeout, this, &KitHostView::repaintDamage);
     kit_ = KitEntryPoints::find(library, error_);
     if (!kit_ || !root_) {
         if (error_.isEmpty())
@@ -165,6 +169,20 @@ void KitHostView::sendAppearance()
 void KitHostView::afterCall()
 {
     KitMainQueue::service();
+    scheduleFrame();
+}
+
+// Animations get frames at the kit's pace while they run; a hidden view or one where nothing
+// moves gets none, so an idle app costs no processor time.
+void KitHostView::scheduleFrame()
+{
+    const double next = kit_ ? kit_->nextFrame(root_) : -1;
+    if (next < 0 || !isVisible()) {
+        frames_.stop();
+        return;
+    }
+    if (!frames_.isActive())
+        frames_.start(int(std::ceil(next * 1000)));
 }
 
 // Repaints only what the kit says changed: on a state change that is often a small part of

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QSet>
+#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -53,9 +54,12 @@ private:
                         const QFont &font, int flags);
     void afterCall();
     void repaintDamage();
+    void scheduleFrame();
 
     std::shared_ptr<const KitEntryPoints> kit_;
     void *root_ = nullptr;
+    // The display timer: runs only while something on the view moves.
+    QTimer frames_;
     QString error_;
     std::unique_ptr<ZentoroHost> host_;
     QPainter *painter_ = nullptr;

@@ -25,9 +25,9 @@ QByteArray standInLibrary(int interfaceVersion)
     // Never called while the factory makes no view; only found.
     for (const char *name :
          {"zentoro_view_attach", "zentoro_view_release", "zentoro_view_set_size", "zentoro_view_set_appearance",
-          "zentoro_view_update", "zentoro_view_render", "zentoro_view_pointer", "zentoro_view_scroll",
-          "zentoro_view_key", "zentoro_view_text_changed", "zentoro_view_text_submitted", "zentoro_view_text_focus",
-          "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
+          "zentoro_view_update", "zentoro_view_render", "zentoro_view_next_frame", "zentoro_view_pointer",
+          "zentoro_view_scroll", "zentoro_view_key", "zentoro_view_text_changed", "zentoro_view_text_submitted",
+          "zentoro_view_text_focus", "zentoro_kit_main_queue_fd", "zentoro_kit_service_main"})
         source += "void " + QByteArray(name) + "(void) {}\n";
     return source;
 }

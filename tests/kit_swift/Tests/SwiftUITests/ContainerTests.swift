@@ -137,13 +137,21 @@ private struct Warning: View {
     }
 
     @Test func alertsShowOverTheWindowAndCloseWithTheirButtons() {
+        FakeClock.install()
+        defer { FakeClock.restore() }
         let hosted = Hosted(Warning(), width: 400, height: 300)
         #expect(hosted.text("Delete all?") == nil)
         hosted.click("Ask")
         hosted.click("answer none")
+        FakeClock.now += 0.1
+        hosted.render()
         hosted.expectShown("Delete all?", "This cannot be undone.", "answer none")
+        // Mid-way in, the alert takes clicks where it is drawn.
         hosted.click("Delete")
-        #expect(hosted.text("answer deleted") != nil && hosted.text("Delete all?") == nil)
+        hosted.expectShown("answer deleted", "Delete all?")
+        FakeClock.now += 1
+        hosted.render()
+        #expect(hosted.text("Delete all?") == nil, "the alert is gone once it has moved out")
     }
 
     @Test func gridsFillColumnsRowByRow() {

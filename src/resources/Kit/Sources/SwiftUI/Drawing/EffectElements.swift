@@ -1,14 +1,19 @@
 import Foundation
 
-/// Rotation and scale about an anchor: drawing and hit testing go through the transform.
+/// Rotation and scale about an anchor: drawing and hit testing go through the transform, made
+/// from the frame and an amount (an angle, or scales), which may be animating.
 final class TransformElement: WrapperElement {
-    let make: (CGRect) -> CGAffineTransform
+    let make: (CGRect, CGSize) -> CGAffineTransform
+    var amount: CGSize
     private var transform = CGAffineTransform.identity
-    init(_ child: Element, make: @escaping (CGRect) -> CGAffineTransform) { self.make = make; super.init(child) }
+    init(_ child: Element, amount: CGSize, make: @escaping (CGRect, CGSize) -> CGAffineTransform) {
+        self.make = make; self.amount = amount
+        super.init(child)
+    }
     override func place(in rect: CGRect) {
         frame = rect
         child.place(in: rect)
-        transform = make(rect)
+        transform = make(rect, amount)
     }
     override func draw(_ renderer: HostBridge) {
         renderer.save()
@@ -22,7 +27,7 @@ final class TransformElement: WrapperElement {
 }
 
 final class OpacityElement: WrapperElement {
-    let opacity: Double
+    var opacity: Double
     init(_ child: Element, opacity: Double) { self.opacity = opacity; super.init(child) }
     override var bleed: CGFloat? { 0 }
     override var drawsOnlyChildren: Bool { false }

@@ -2,7 +2,7 @@ import Foundation
 
 /// An outline that fills the space it is offered, drawn in the foreground style unless filled
 /// or stroked with something else.
-public protocol Shape: View {
+public protocol Shape: Animatable, View {
     func path(in rect: CGRect) -> Path
     func sizeThatFits(_ proposal: ProposedViewSize) -> CGSize
 }
@@ -18,27 +18,33 @@ public protocol InsettableShape: Shape {
 
 extension Shape {
     public var body: ShapeView {
-        ShapeView(shape: { self.path(in: $0) }, sizing: { self.sizeThatFits($0) }, fill: nil, stroke: nil)
+        ShapeView(shape: ShapeSource(self), sizing: { self.sizeThatFits($0) }, fill: nil, stroke: nil)
     }
 }
 
 /// A shape with its paint: what the kit turns into a shape element.
 public struct ShapeView: View, PrimitiveView {
     public typealias Body = Never
-    let shape: (CGRect) -> Path
+    var shape: ShapeSource
     let sizing: (ProposedViewSize) -> CGSize
     let fill: AnyShapeStyle?
     let stroke: (AnyShapeStyle?, StrokeStyle, inset: Bool)?
     var evenOdd = false
 
     func resolve(_ context: ResolveContext) -> [Element] {
-        [ShapeElement(view: self, environment: context.environment)]
+        var view = self
+        if let presented = shape.presented { view.shape = presented(context) }
+        let element = ShapeElement(view: view, environment: context.environment)
+        animateColor(of: element, context)
+        return [element]
     }
 }
 
 final class ShapeElement: Element {
     let view: ShapeView
     let environment: EnvironmentValues
+    /// The solid colour drawn, while it animates.
+    var color: RGBA?
     init(view: ShapeView, environment: EnvironmentValues) { self.view = view; self.environment = environment }
 
     private func path(in rect: CGRect) -> Path {
@@ -56,6 +62,7 @@ final class ShapeElement: Element {
     override func draw(_ renderer: HostBridge) {
         let path = path(in: frame)
         func paint(_ style: AnyShapeStyle?) -> Paint {
+            if let color { return .solid(color) }
             if let style { return style.paint(in: frame, environment: environment) }
             return environment.foregroundRGBA(in: frame)
         }
@@ -78,7 +85,7 @@ final class ShapeElement: Element {
 
 extension Shape {
     private var shapeView: ShapeView {
-        ShapeView(shape: { self.path(in: $0) }, sizing: { self.sizeThatFits($0) }, fill: nil, stroke: nil)
+        ShapeView(shape: ShapeSource(self), sizing: { self.sizeThatFits($0) }, fill: nil, stroke: nil)
     }
     public func fill<S: ShapeStyle>(_ style: S, style fillStyle: FillStyle = FillStyle()) -> ShapeView {
         var view = ShapeView(shape: shapeView.shape, sizing: shapeView.sizing, fill: AnyShapeStyle(style), stroke: nil)
@@ -140,9 +147,16 @@ extension Shape {
 }
 
 public struct TrimmedShape<Base: Shape>: Shape {
-    let base: Base
-    let start: CGFloat, end: CGFloat
+    var base: Base
+    var start: CGFloat, end: CGFloat
     public func path(in rect: CGRect) -> Path { base.path(in: rect).trimmedPath(from: start, to: end) }
+    public var animatableData: AnimatablePair<Base.AnimatableData, AnimatablePair<CGFloat, CGFloat>> {
+        get { AnimatablePair(base.animatableData, AnimatablePair(start, end)) }
+        set {
+            base.animatableData = newValue.first
+            (start, end) = (newValue.second.first, newValue.second.second)
+        }
+    }
 }
 
 public struct TransformedShape<Base: Shape>: Shape {
@@ -170,6 +184,10 @@ public struct RoundedRectangle: InsettableShape {
         Path(roundedRect: rect.insetBy(dx: insetAmount, dy: insetAmount), cornerSize: cornerSize)
     }
     public func inset(by amount: CGFloat) -> RoundedRectangle { var s = self; s.insetAmount += amount; return s }
+    public var animatableData: CGSize.AnimatableData {
+        get { cornerSize.animatableData }
+        set { cornerSize.animatableData = newValue }
+    }
 }
 
 public struct UnevenRoundedRectangle: Shape {

@@ -72,6 +72,8 @@ class Element {
     /// Whether drawing this element is exactly drawing its children, unchanged.
     var drawsOnlyChildren: Bool { bleed == 0 }
     private var boundsCache: CGRect??
+    /// Something inside moved without a new tree: bounds are measured again.
+    final func forgetDrawnBounds() { boundsCache = nil }
     /// Where this element and everything in it draws; nil when that is not known.
     final var drawnBounds: CGRect? {
         if let known = boundsCache { return known }

@@ -26,7 +26,7 @@ public struct ForEach<Data: RandomAccessCollection, ID: Hashable, Content: View>
         let identity = identify(element)
         var rowContext = context.child(.id(AnyHashable(identity)))
         rowContext.environment.pickerTags = false
-        var elements = resolveView(content(element), rowContext)
+        var elements = rowContext.sliding(resolveView(content(element), rowContext), row: rowContext.path)
         if context.environment.pickerTags {
             elements = elements.map { TagElement($0, tag: AnyHashable(identity)) }
             // A picker over an enum's cases whose ids are not the cases themselves matches by the case.

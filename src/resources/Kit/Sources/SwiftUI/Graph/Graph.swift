@@ -133,6 +133,8 @@ final class ViewGraph {
     var overlays: [Element] = []
     /// The visible rectangles of the scroll views being placed, innermost last.
     var viewports: [CGRect] = []
+    /// What animates, and whether the host must come back for another frame.
+    let motion = Motion()
 
     init<Root: View>(_ root: Root) {
         rootResolver = { resolveView(root, $0) }
@@ -160,6 +162,7 @@ final class ViewGraph {
 
     /// State changed: the next update resolves the tree again.
     func invalidate() {
+        motion.record(Transaction.current)
         if dirty { return }
         dirty = true
         host?.requestRedraw()
@@ -171,6 +174,7 @@ final class ViewGraph {
         var environment = EnvironmentValues()
         environment.colorScheme = colorScheme
         environment.accentRGBA = accent
+        environment.transaction = motion.transaction
         return environment
     }
 
@@ -179,6 +183,18 @@ final class ViewGraph {
     /// at once, a few times at most, so the first frame shows their effect.
     func update() {
         var rounds = 0
+        if motion.frameDue {
+            // A frame in which only animated values move patches the tree and places it again.
+            if !dirty && laidOutSize == size, let root = rootElement, motion.patchFrame() {
+                let window = CGRect(origin: .zero, size: size)
+                root.place(in: Alignment.center.place(root.size(ProposedViewSize(size)), in: window))
+                for overlay in overlays { overlay.place(in: window) }
+                root.forEach { $0.forgetDrawnBounds() }
+                damage = .whole
+                return
+            }
+            dirty = true
+        }
         while needsUpdate && rounds < 4 {
             rounds += 1
             dirty = false
@@ -193,6 +209,7 @@ final class ViewGraph {
             keyHandlers = []
             interaction.hoverHandlers = [:]
             overlays = []
+            motion.beginPass(pass)
             let context = ResolveContext(graph: self, path: .root, environment: rootEnvironment(), stackAxis: nil)
             let root = withObservationTracking {
                 let elements = rootResolver(context)
@@ -203,12 +220,16 @@ final class ViewGraph {
                 for overlay in overlays { overlay.place(in: window) }
                 return root
             } onChange: { [weak self] in
-                DispatchQueue.main.async { MainActor.assumeIsolated { self?.invalidate() } }
+                let transaction = Transaction.current
+                DispatchQueue.main.async {
+                    MainActor.assumeIsolated { self?.invalidate(after: transaction) }
+                }
             }
             resolving = false
+            motion.endPass(graph: self)
             rootElement = root
             laidOutSize = size
-            if resized || previousRoot == nil || !previousOverlays.isEmpty || !overlays.isEmpty {
+            if resized || previousRoot == nil || !previousOverlays.isEmpty || !overlays.isEmpty || !motion.departures.isEmpty {
                 damage = .whole
             } else if damage != .whole {
                 damage = Damage.between(previousRoot!, root, pass: pass, adding: damage)

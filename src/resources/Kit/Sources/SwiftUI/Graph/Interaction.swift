@@ -67,7 +67,9 @@ extension ViewGraph {
         update()
         host.clip = clip
         rootElement?.draw(host)
+        motion.departures.draw(host, overlays: false)
         for overlay in overlays { overlay.draw(host) }
+        motion.departures.draw(host, overlays: true)
     }
 
     private func topHits(_ point: CGPoint) -> [InteractiveElement] {

@@ -51,6 +51,7 @@ extension ModifiedContent: View, PrimitiveView where Content: View, Modifier: Vi
             return primitive.resolve(content: resolver, context: context)
         }
         var inner = context.child(.type(ObjectIdentifier(Modifier.self)))
+        let modifier = presented(self.modifier, inner)
         context.graph.bindDynamicProperties(of: modifier, context: inner)
         inner.modifierContent = { resolver($0.child(.index(0))) }
         return resolveView(modifier.body(content: _ViewModifier_Content<Modifier>()), inner)
@@ -116,7 +117,10 @@ extension View {
     public func frame(width: CGFloat? = nil, height: CGFloat? = nil, alignment: Alignment = .center) -> some View {
         modifier(
             ElementModifier { element, context in
-                FixedFrameElement.make(element, width: width, height: height, alignment: alignment, pass: context.graph.pass)
+                FixedFrameElement.make(
+                    element, width: width.map { context.animated($0, .frameWidth) },
+                    height: height.map { context.animated($0, .frameHeight) },
+                    alignment: alignment, pass: context.graph.pass)
             })
     }
     public func frame(
@@ -139,11 +143,12 @@ extension View {
         modifier(ElementModifier { element, context in LayoutPriorityElement(element, priority: value) })
     }
     public func offset(_ offset: CGSize) -> some View {
-        modifier(ElementModifier { element, context in OffsetElement(element, offset: offset) })
+        modifier(ElementModifier { element, context in context.animate(OffsetElement(element, offset: offset), \.offset, .offset) })
     }
     public func offset(x: CGFloat = 0, y: CGFloat = 0) -> some View { offset(CGSize(width: x, height: y)) }
     public func position(_ position: CGPoint) -> some View {
-        modifier(ElementModifier { element, context in PositionElement(element, position: position) })
+        modifier(
+            ElementModifier { element, context in context.animate(PositionElement(element, position: position), \.position, .position) })
     }
     public func position(x: CGFloat = 0, y: CGFloat = 0) -> some View { position(CGPoint(x: x, y: y)) }
 
@@ -179,18 +184,19 @@ extension View {
     }
 
     public func opacity(_ opacity: Double) -> some View {
-        modifier(ElementModifier { element, context in OpacityElement(element, opacity: opacity) })
+        modifier(ElementModifier { element, context in context.animate(OpacityElement(element, opacity: opacity), \.opacity, .opacity) })
     }
     public func hidden() -> some View { opacity(0) }
     public func rotationEffect(_ angle: Angle, anchor: UnitPoint = .center) -> some View {
         modifier(
-            ElementModifier { element, _ in
-                TransformElement(element) { rect in
+            ElementModifier { element, context in
+                let made = TransformElement(element, amount: CGSize(width: angle.radians, height: 0)) { rect, amount in
                     let a = anchor.point(in: rect)
                     return CGAffineTransform(translationX: -a.x, y: -a.y)
-                        .concatenating(CGAffineTransform(rotationAngle: CGFloat(angle.radians)))
+                        .concatenating(CGAffineTransform(rotationAngle: amount.width))
                         .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
                 }
+                return context.animate(made, \.amount, .rotation)
             })
     }
     public func scaleEffect(_ scale: CGFloat, anchor: UnitPoint = .center) -> some View {
@@ -201,13 +207,14 @@ extension View {
     }
     public func scaleEffect(x: CGFloat = 1, y: CGFloat = 1, anchor: UnitPoint = .center) -> some View {
         modifier(
-            ElementModifier { element, _ in
-                TransformElement(element) { rect in
+            ElementModifier { element, context in
+                let made = TransformElement(element, amount: CGSize(width: x, height: y)) { rect, scale in
                     let a = anchor.point(in: rect)
                     return CGAffineTransform(translationX: -a.x, y: -a.y)
-                        .concatenating(CGAffineTransform(scaleX: x, y: y))
+                        .concatenating(CGAffineTransform(scaleX: scale.width, y: scale.height))
                         .concatenating(CGAffineTransform(translationX: a.x, y: a.y))
                 }
+                return context.animate(made, \.amount, .scale)
             })
     }
     public func clipShape<S: Shape>(_ shape: S, style: FillStyle = FillStyle()) -> some View {
@@ -273,7 +280,7 @@ struct LayerModifier: ViewModifier, PrimitiveModifier {
 }
 
 final class PositionElement: WrapperElement {
-    let position: CGPoint
+    var position: CGPoint
     init(_ child: Element, position: CGPoint) { self.position = position; super.init(child) }
     override func measure(_ proposal: ProposedViewSize) -> CGSize { proposal.replacingUnspecifiedDimensions() }
     override func place(in rect: CGRect) {

@@ -31,6 +31,7 @@ func resolveView<V: View>(_ view: V, _ context: ResolveContext) -> [Element] {
     }
     var inner = context
     inner.path = context.path.appending(.type(ObjectIdentifier(V.self)))
+    let view = presented(view, inner)
     context.graph.bindDynamicProperties(of: view, context: inner)
     return resolveView(view.body, inner)
 }

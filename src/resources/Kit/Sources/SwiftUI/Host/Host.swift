@@ -284,6 +284,11 @@ public func _zentoroViewRender(_ view: UnsafeMutableRawPointer?, _ clipPointer: 
     }
 }
 
+@_cdecl("zentoro_view_next_frame")
+public func _zentoroViewNextFrame(_ view: UnsafeMutableRawPointer?) -> Double {
+    MainActor.assumeIsolated { root(view)?.motion.nextFrame ?? -1 }
+}
+
 @_cdecl("zentoro_view_pointer")
 public func _zentoroViewPointer(
     _ view: UnsafeMutableRawPointer?, _ kind: Int32, _ x: Double, _ y: Double,

@@ -163,7 +163,7 @@ final class LayeredElement: WrapperElement {
 }
 
 final class OffsetElement: WrapperElement {
-    let offset: CGSize
+    var offset: CGSize
     init(_ child: Element, offset: CGSize) { self.offset = offset; super.init(child) }
     override var bleed: CGFloat? { 0 }
     override func place(in rect: CGRect) {

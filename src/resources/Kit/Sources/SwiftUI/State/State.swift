@@ -98,8 +98,18 @@ public struct Binding<Value> {
             set: { parent.wrappedValue[keyPath: keyPath] = $0 })
     }
 
-    public func animation(_ animation: Animation? = .default) -> Binding<Value> { self }
-    public func transaction(_ transaction: Transaction) -> Binding<Value> { self }
+    /// A binding whose changes animate with `animation`.
+    public func animation(_ animation: Animation? = .default) -> Binding<Value> {
+        var transaction = Transaction(animation: animation)
+        transaction.disablesAnimations = animation == nil
+        return self.transaction(transaction)
+    }
+    public func transaction(_ transaction: Transaction) -> Binding<Value> {
+        let parent = self
+        var copy = Binding(get: getter, set: { value, _ in withTransaction(transaction) { parent.wrappedValue = value } })
+        copy.transaction = transaction
+        return copy
+    }
 }
 
 extension Binding: DynamicProperty {}
@@ -343,13 +353,6 @@ public struct FocusState<Value: Hashable>: DynamicProperty, StorageBound {
     func bind(to storage: NodeStorage, index: Int, context: ResolveContext) {
         state.bind(to: storage, index: index, context: context)
     }
-}
-
-public struct Transaction {
-    public var animation: Animation?
-    public var disablesAnimations = false
-    public init() {}
-    public init(animation: Animation?) { self.animation = animation }
 }
 
 extension State where Value: ExpressibleByNilLiteral {

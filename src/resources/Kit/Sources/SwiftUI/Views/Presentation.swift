@@ -5,6 +5,8 @@ import Foundation
 final class ModalElement: Element {
     let panel: Element
     let dim: RGBA
+    /// How far the panel has come in: it rises from below the window as the dimming fades in.
+    var appearance = 1.0
     init(panel: Element, dim: RGBA) { self.panel = panel; self.dim = dim }
     override var children: [Element] { [panel] }
     override func place(in rect: CGRect) {
@@ -12,12 +14,22 @@ final class ModalElement: Element {
         let limit = ProposedViewSize(width: max(0, rect.width - 40), height: max(0, rect.height - 40))
         var s = panel.size(limit)
         s.width = min(s.width, limit.width ?? s.width); s.height = min(s.height, limit.height ?? s.height)
-        panel.place(in: Alignment.center.place(s, in: rect))
+        let place = Alignment.center.place(s, in: rect)
+        placedLift = (rect.maxY - place.minY) * CGFloat(1 - min(1, appearance))
+        panel.place(in: place.offsetBy(dx: 0, dy: placedLift))
     }
     override func draw(_ renderer: HostBridge) {
-        renderer.fill(Path(frame), .solid(dim))
+        renderer.fill(Path(frame), .solid(dim.withAlpha(max(0, min(1, appearance)))))
+        // A panel on its way out is drawn lower than it was last placed.
+        let rest = panel.frame.minY - placedLift
+        let shift = (frame.maxY - rest) * CGFloat(1 - min(1, appearance)) - placedLift
+        guard shift != 0 else { return panel.draw(renderer) }
+        renderer.save()
+        renderer.concat(CGAffineTransform(translationX: 0, y: shift))
         panel.draw(renderer)
+        renderer.restore()
     }
+    private var placedLift: CGFloat = 0
     override func hits(_ point: CGPoint) -> [InteractiveElement]? { panel.hits(point) ?? [] }
 }
 
@@ -36,7 +48,8 @@ struct PresentationModifier: ViewModifier, PrimitiveModifier {
         }
         inner.environment.isPresented = true
         let panel = single(panel.resolve(inner), context: inner)
-        context.graph.overlays.append(ModalElement(panel: panel, dim: RGBA(red: 0, green: 0, blue: 0, alpha: 0.3)))
+        let modal = ModalElement(panel: panel, dim: RGBA(red: 0, green: 0, blue: 0, alpha: 0.3))
+        context.graph.overlays.append(inner.transitioning(modal, .presentation, at: inner.path))
         return elements
     }
 }

@@ -11,7 +11,10 @@ public struct TimelineView<Schedule: TimelineSchedule, Content: View>: View, Pri
     }
     func resolve(_ context: ResolveContext) -> [Element] {
         let (node, isNew) = context.graph.storage(at: context.child(.id("timeline")).path)
-        if isNew {
+        if let animation = schedule as? AnimationTimelineSchedule {
+            // Frames of the host's display timer, for as long as the timeline shows and runs.
+            if !animation.paused { context.graph.motion.requestFrames(every: animation.interval) }
+        } else if isNew {
             let graph = context.graph
             let interval = max(1.0 / 60, schedule.interval)
             let timer = Timer(timeInterval: interval, repeats: true) { [weak graph] _ in
@@ -43,7 +46,11 @@ public struct PeriodicTimelineSchedule: TimelineSchedule {
 public struct EveryMinuteTimelineSchedule: TimelineSchedule { public var interval: TimeInterval { 60 } }
 public struct AnimationTimelineSchedule: TimelineSchedule {
     public let interval: TimeInterval
-    public init(minimumInterval: Double? = nil, paused: Bool = false) { interval = minimumInterval ?? 1.0 / 30 }
+    let paused: Bool
+    public init(minimumInterval: Double? = nil, paused: Bool = false) {
+        interval = minimumInterval ?? 1.0 / 60
+        self.paused = paused
+    }
 }
 extension TimelineSchedule where Self == PeriodicTimelineSchedule {
     public static func periodic(from startDate: Date, by interval: TimeInterval) -> PeriodicTimelineSchedule {

@@ -177,6 +177,10 @@ int32_t zentoro_view_update(void *view, ZentoroRect *damaged);
 /* Updates if needed, then draws what meets `clip`, the part of the view being painted (all of
  * it when null). */
 void zentoro_view_render(void *view, const ZentoroRect *clip);
+/* Seconds until the view wants `zentoro_view_update` again because something on it moves (0
+ * when that is now), or a negative number when nothing moves. The host asks after each update
+ * and keeps a display timer only while the answer is not negative. */
+double zentoro_view_next_frame(void *view);
 
 enum {
     ZENTORO_POINTER_DOWN = 0,
