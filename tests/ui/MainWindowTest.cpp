@@ -45,7 +45,7 @@ TEST_F(Window, WithoutACompilerNothingIsBuiltAndTheSetupScreenSaysWhatIsMissing)
     launch();
     EXPECT_FALSE(open().commands()->buildAndRun()->isEnabled());
     EXPECT_TRUE(window->buildingIndicator()->isHidden());
-    EXPECT_EQ(window->restartButton()->toolTip(), QStringLiteral("Restart %1 (Alt+Ctrl+R)").arg(workspace.name));
+    EXPECT_EQ(window->restartButton()->toolTip(), QStringLiteral("Restart %1 (Ctrl+Alt+R)").arg(workspace.name));
 
     window.reset();
     state = RuntimeState{};
@@ -89,7 +89,7 @@ TEST_F(Window, TheAgentToggleIsRememberedForTheNextWindow)
     ASSERT_TRUE(main.showsAgent());
     main.agentButton()->click();
     EXPECT_FALSE(main.agentPanel()->isVisible());
-    EXPECT_EQ(main.agentButton()->toolTip(), QStringLiteral("Show the agent (Alt+Ctrl+I)"));
+    EXPECT_EQ(main.agentButton()->toolTip(), QStringLiteral("Show the agent (Ctrl+Alt+I)"));
 
     window.reset();
     MainWindow &next = open();
