@@ -13,6 +13,7 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -77,30 +78,39 @@ private:
     int maximum_;
 };
 
-// The prominent button: filled with the accent colour, as the one thing to do next.
+// The prominent button: white words on the accent colour, as the one thing to do next. It
+// draws itself, as styles lighten a button's colour into a gradient that white can't be read on.
 class ProminentButton : public QPushButton {
 public:
-    ProminentButton() { recolour(); }
+    ProminentButton() { setCursor(Qt::PointingHandCursor); }
+
+    QSize sizeHint() const override
+    {
+        const QFontMetrics metrics = fontMetrics();
+        return QSize(metrics.horizontalAdvance(text()) + 2 * 16, std::max(30, metrics.height() + 2 * 7));
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void changeEvent(QEvent *event) override
+    void paintEvent(QPaintEvent *) override
     {
-        if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
-            recolour();
-        QPushButton::changeEvent(event);
-    }
-
-private:
-    void recolour()
-    {
-        const QPalette base = parentWidget() ? parentWidget()->palette() : QApplication::palette(this);
-        QPalette palette = this->palette();
-        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-            palette.setColor(group, QPalette::Button, PanelStyle::bubbleFill(base));
-            palette.setColor(group, QPalette::ButtonText, Qt::white);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor fill = PanelStyle::bubbleFill(palette());
+        if (!isEnabled())
+            fill = PanelStyle::tertiary(palette());
+        else if (isDown())
+            fill = fill.darker(115);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(fill);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 7, 7);
+        if (hasFocus()) {
+            painter.setPen(QPen(palette().color(QPalette::WindowText), 1.5));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), 7, 7);
         }
-        if (!(palette == this->palette()))
-            setPalette(palette);
+        painter.setPen(Qt::white);
+        painter.drawText(rect(), Qt::AlignCenter, text());
     }
 };
 
