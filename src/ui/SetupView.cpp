@@ -140,7 +140,11 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
 
     auto *intro = new QVBoxLayout;
     intro->setSpacing(8);
-    intro->addWidget(new Brand::StretchWordmark(runtime.workspace().name, 40), 0, Qt::AlignHCenter);
+    auto *wordmark = new Brand::StretchWordmark(runtime.workspace().name, 40);
+    // A name too long even at the wordmark's smallest is cut at both ends rather than
+    // widening the page beyond the window and cutting the box under it.
+    wordmark->setMinimumWidth(1);
+    intro->addWidget(wordmark, 0, Qt::AlignHCenter);
     auto *pitch = new QLabel(
         QStringLiteral("An app that rewrites itself. Describe a change, and its agent edits the "
                        "app's Swift code, compiles it, and swaps in the new version while you watch."));
