@@ -9,13 +9,16 @@
 #include "ui/Icons.h"
 #include "ui/LazyColumn.h"
 #include "ui/PanelStyle.h"
+#include "ui/RoundedBox.h"
 #include "ui/SetupRows.h"
+#include "ui/Shortcuts.h"
 #include "ui/WorkingRow.h"
 
 #include <QBoxLayout>
 #include <QEvent>
 #include <QFrame>
 #include <QMenu>
+#include <QPainter>
 
 namespace zentoro {
 
@@ -79,9 +82,8 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
     auto *headColumn = new QVBoxLayout(head);
     headColumn->setContentsMargins(0, 0, 0, 0);
     headColumn->setSpacing(14);
-    accessBox_ = new QFrame;
+    accessBox_ = new RoundedBox(10);
     accessBox_->setObjectName(QStringLiteral("access"));
-    accessBox_->setStyleSheet(QStringLiteral("#access { background: palette(alternate-base); border-radius: 10px; }"));
     auto *accessColumn = new QVBoxLayout(accessBox_);
     accessColumn->setContentsMargins(14, 14, 14, 14);
     accessRow_ = new AgentAccessRow(agent_);
@@ -97,7 +99,10 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
     composer_ = new Composer;
     column->addWidget(composer_);
 
-    connect(emptyState_, &EmptyState::suggestionChosen, this, [this](const QString &text) { agent_.send(text); });
+    connect(emptyState_, &EmptyState::suggestionChosen, this, [this](const QString &text) {
+        transcript_->scrollToBottom();
+        agent_.send(text);
+    });
     connect(composer_, &Composer::sendRequested, this, &AgentPanel::send);
     connect(composer_, &Composer::stopRequested, this, [this] { agent_.task().cancel(); });
     connect(composer_->field(), &QPlainTextEdit::textChanged, this, &AgentPanel::syncState);
@@ -128,7 +133,7 @@ QWidget *AgentPanel::makeHeader()
     model_ = new QLabel(AgentConfig::model());
     model_->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
     model_->setAccessibleName(QStringLiteral("Model"));
-    PanelStyle::setTextColor(model_, PanelStyle::secondary(palette()));
+    PanelStyle::setTextRole(model_, PanelStyle::Role::Secondary);
     row->addWidget(model_);
     row->addStretch(1);
 
@@ -143,8 +148,9 @@ QWidget *AgentPanel::makeHeader()
     });
     row->addWidget(conversations_);
 
-    newConversation_ = headerButton(QStringLiteral(
-                                        "New conversation (Alt+Ctrl+K). This one stays under Conversations."),
+    newConversation_ = headerButton(Shortcuts::withShortcut(QStringLiteral("New conversation"),
+                                                            Shortcuts::newConversation()) +
+                                        QStringLiteral(". This one stays under Conversations."),
                                     QStringLiteral("New conversation"));
     connect(newConversation_, &QToolButton::clicked, this, [this] { agent_.newConversation(); });
     row->addWidget(newConversation_);
@@ -211,6 +217,8 @@ void AgentPanel::send()
         return;
     const QString text = draft();
     composer_->field()->clear();
+    // Whatever the user was reading, their own words and the work they start come into view.
+    transcript_->scrollToBottom();
     agent_.send(text);
 }
 
@@ -245,10 +253,15 @@ void AgentPanel::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     model_->setText(AgentConfig::model());
-    if (!focusedOnce_) {
-        focusedOnce_ = true;
-        composer_->field()->setFocus();
-    }
+    composer_->field()->setFocus();
+}
+
+void AgentPanel::paintEvent(QPaintEvent *)
+{
+    // The edge against the app's side, which on the setup screen has the same background.
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(0, 0, 0, height());
 }
 
 } // namespace zentoro

@@ -43,6 +43,7 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     QWidget *makeHeader();
@@ -65,7 +66,6 @@ private:
     AgentAccessRow *accessRow_ = nullptr;
     WorkingRow *workingRow_ = nullptr;
     Composer *composer_ = nullptr;
-    bool focusedOnce_ = false;
 };
 
 } // namespace zentoro

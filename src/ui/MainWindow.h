@@ -55,9 +55,11 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void makeToolbar();
+    void updateToolbarIcons();
     void syncToolbar();
     void syncContent();
 

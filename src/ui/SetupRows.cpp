@@ -7,6 +7,7 @@
 #include "ui/PanelStyle.h"
 #include "ui/Spinner.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -24,7 +25,7 @@ QLabel *secondaryLabel(QWidget *owner, PanelStyle::Type type)
 {
     auto *label = new QLabel;
     label->setFont(PanelStyle::font(owner->font(), type));
-    PanelStyle::setTextColor(label, PanelStyle::secondary(owner->palette()));
+    PanelStyle::setTextRole(label, PanelStyle::Role::Secondary);
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
@@ -33,10 +34,41 @@ QLabel *secondaryLabel(QWidget *owner, PanelStyle::Type type)
 QLabel *titleLabel(QWidget *owner)
 {
     auto *label = new QLabel;
-    label->setFont(PanelStyle::font(owner->font(), PanelStyle::Type::Body, QFont::Medium));
+    label->setFont(PanelStyle::font(owner->font(), PanelStyle::Type::Body, PanelStyle::medium(owner->font())));
     label->setWordWrap(true);
     return label;
 }
+
+// A link in the tint colour. Rich text takes a link's colour from the markup rather than from
+// the label's palette, so the markup is written anew when the palette changes.
+class TintLink : public QLabel {
+public:
+    TintLink(const QString &url, const QString &text) : url_(url), text_(text)
+    {
+        setOpenExternalLinks(true);
+        setTextInteractionFlags(Qt::TextBrowserInteraction);
+        setAccessibleName(text);
+        write();
+    }
+
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        if (event->type() == QEvent::PaletteChange)
+            write();
+        QLabel::changeEvent(event);
+    }
+
+private:
+    void write()
+    {
+        setText(QStringLiteral("<a href=\"%1\" style=\"color: %2\">%3</a>")
+                    .arg(url_.toHtmlEscaped(), PanelStyle::tint(palette()).name(), text_.toHtmlEscaped()));
+    }
+
+    QString url_;
+    QString text_;
+};
 
 bool isBlank(const QString &text)
 {
@@ -87,6 +119,13 @@ ToolchainRow::ToolchainRow(Runtime &runtime, QWidget *parent)
     });
     connect(&runtime_, &Runtime::toolchainChanged, this, &ToolchainRow::sync);
     sync();
+}
+
+void ToolchainRow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        sync();
+    QWidget::changeEvent(event);
 }
 
 QString ToolchainRow::title() const
@@ -189,14 +228,12 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     fieldRow->addWidget(key_, 1);
     fieldRow->addWidget(save_);
     entry->addLayout(fieldRow);
-    auto *link = new QLabel(
-        QStringLiteral("<a href=\"https://platform.openai.com/api-keys\">API keys on the OpenAI platform</a>"));
+    auto *link = new TintLink(QStringLiteral("https://platform.openai.com/api-keys"),
+                              QStringLiteral("API keys on the OpenAI platform"));
     link->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
-    link->setOpenExternalLinks(true);
-    link->setTextInteractionFlags(Qt::TextBrowserInteraction);
     entry->addWidget(link);
     error_->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
-    PanelStyle::setTextColor(error_, PanelStyle::red(palette()));
+    PanelStyle::setTextRole(error_, PanelStyle::Role::Red);
     error_->setWordWrap(true);
     error_->hide();
     entry->addWidget(error_);
@@ -210,6 +247,13 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     connect(&agent_, &Agent::preferredProviderChanged, this, &AgentAccessRow::sync);
     save_->setEnabled(false);
     sync();
+}
+
+void AgentAccessRow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        sync();
+    QWidget::changeEvent(event);
 }
 
 QString AgentAccessRow::title() const

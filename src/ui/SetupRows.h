@@ -24,6 +24,9 @@ public:
     QString detail() const;
     QPushButton *actionButton() const { return action_; }
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     void sync();
 
@@ -48,6 +51,9 @@ public:
     QString error() const;
     // Saves the typed key for every copy; on success the field empties and the row shows the key in use.
     void save();
+
+protected:
+    void changeEvent(QEvent *event) override;
 
 private:
     void sync();

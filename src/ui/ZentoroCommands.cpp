@@ -5,21 +5,13 @@
 #include "ui/ConversationMenu.h"
 #include "ui/MainWindow.h"
 #include "ui/NewAppDialog.h"
+#include "ui/Shortcuts.h"
 #include "ui/VersionMenu.h"
 
 #include <QApplication>
 #include <QMenuBar>
 
 namespace zentoro {
-
-namespace {
-
-QKeySequence altCtrl(Qt::Key key)
-{
-    return QKeySequence(Qt::AltModifier | Qt::ControlModifier | key);
-}
-
-} // namespace
 
 ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &agent)
     : QObject(&window), window_(window), runtime_(runtime), agent_(agent)
@@ -32,18 +24,18 @@ ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &ag
     newApp->setShortcut(QKeySequence::New);
     connect(newApp, &QAction::triggered, this, [this] { NewAppDialog::open(&window_); });
     file->addSeparator();
-    QAction *quit = file->addAction(QStringLiteral("Quit %1").arg(name));
+    QAction *quit = file->addAction(Shortcuts::menuText(QStringLiteral("Quit %1").arg(name)));
     quit->setShortcut(QKeySequence::Quit);
     connect(quit, &QAction::triggered, qApp, &QApplication::closeAllWindows);
 
     QMenu *view = bar->addMenu(QStringLiteral("&View"));
     toggleAgent_ = view->addAction(QString());
-    toggleAgent_->setShortcut(altCtrl(Qt::Key_I));
+    toggleAgent_->setShortcut(Shortcuts::toggleAgent());
     connect(toggleAgent_, &QAction::triggered, this, [this] { window_.setShowAgent(!window_.showsAgent()); });
 
     QMenu *develop = bar->addMenu(QStringLiteral("&Develop"));
     buildAndRun_ = develop->addAction(QStringLiteral("Build and Run"));
-    buildAndRun_->setShortcut(altCtrl(Qt::Key_B));
+    buildAndRun_->setShortcut(Shortcuts::buildAndRun());
     connect(buildAndRun_, &QAction::triggered, this, [this] {
         QPointer<Runtime> target(&runtime_);
         startTask([target](TaskHandle) -> QCoro::Task<> {
@@ -51,8 +43,8 @@ ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &ag
                 co_await target->rebuild();
         });
     });
-    restart_ = develop->addAction(QStringLiteral("Restart %1").arg(name));
-    restart_->setShortcut(altCtrl(Qt::Key_R));
+    restart_ = develop->addAction(Shortcuts::menuText(QStringLiteral("Restart %1").arg(name)));
+    restart_->setShortcut(Shortcuts::restart());
     connect(restart_, &QAction::triggered, this, [this] { runtime_.relaunch(false); });
     restartSafe_ = develop->addAction(QStringLiteral("Restart in Safe Mode"));
     connect(restartSafe_, &QAction::triggered, this, [this] { runtime_.relaunch(true); });
@@ -74,7 +66,7 @@ ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &ag
     develop->addSeparator();
 
     newConversation_ = develop->addAction(QStringLiteral("New Conversation"));
-    newConversation_->setShortcut(altCtrl(Qt::Key_K));
+    newConversation_->setShortcut(Shortcuts::newConversation());
     connect(newConversation_, &QAction::triggered, this, [this] { agent_.newConversation(); });
     conversations_ = develop->addMenu(QStringLiteral("Conversations"));
     connect(conversations_, &QMenu::aboutToShow, this, [this] {

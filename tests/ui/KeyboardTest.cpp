@@ -189,12 +189,35 @@ TEST_F(Keyboard, EveryControlIsReachedInOrderAndNamed)
     QTest::keyClick(tool->head(), Qt::Key_Space);
     tool = qobject_cast<ToolRow *>(transcript->rowWidget(2));
     ASSERT_TRUE(tool && tool->isExpanded());
+    QTest::qWait(ToolRow::openingDuration + 60);
 
+    // Tab follows the transcript top to bottom, the answer and the details opened later
+    // included, and then comes to the composer.
     auto *retry = transcript->rowWidget(3)->findChild<QPushButton *>(QStringLiteral("retry"));
     ASSERT_TRUE(retry);
-    const QList<QWidget *> later{window().bannerView()->fixButton(), tool->head(), retry, field};
-    const auto [reachedLater, listedLater] = orders(checkKeyboardReach(), later);
+    QWidget *answer = transcript->rowWidget(1);
+    const QList<QWidget *> later{
+        window().bannerView()->fixButton(), answer, tool->head(), tool->detailView(), retry, field};
+    const QList<QWidget *> cycle = checkKeyboardReach();
+    const auto [reachedLater, listedLater] = orders(cycle, later);
     EXPECT_EQ(reachedLater, listedLater);
+
+    // Whatever in the transcript takes the focus shows that it has it.
+    for (QWidget *widget : cycle) {
+        if (!transcript->isAncestorOf(widget))
+            continue;
+        widget->setFocus(Qt::TabFocusReason);
+        QWidget *drawn = widget == tool->detailView() ? widget->parentWidget() : widget;
+        const QImage focused = drawn->grab().toImage();
+        field->setFocus(Qt::TabFocusReason);
+        EXPECT_NE(focused, drawn->grab().toImage()) << describe(widget).toStdString() << " shows no focus";
+    }
+
+    // The composer has the focus whenever the panel comes back.
+    window().setShowAgent(false);
+    window().versionButton()->setFocus();
+    window().setShowAgent(true);
+    EXPECT_TRUE(window().agentPanel()->composer()->field()->hasFocus());
 }
 
 } // namespace
