@@ -148,6 +148,10 @@ QWidget *AgentPanel::makeHeader()
                                     QStringLiteral("New conversation"));
     connect(newConversation_, &QToolButton::clicked, this, [this] { agent_.newConversation(); });
     row->addWidget(newConversation_);
+
+    settings_ = headerButton(QStringLiteral("Settings"), QStringLiteral("Settings"));
+    connect(settings_, &QToolButton::clicked, this, &AgentPanel::settingsRequested);
+    row->addWidget(settings_);
     updateHeaderIcons();
     return header;
 }
@@ -160,6 +164,7 @@ void AgentPanel::updateHeaderIcons()
     const QColor disabled = PanelStyle::tertiary(p);
     conversations_->setIcon(Icons::icon(QStringLiteral("clock.arrow.circlepath"), normal, 16, disabled));
     newConversation_->setIcon(Icons::icon(QStringLiteral("square.and.pencil"), normal, 16, disabled));
+    settings_->setIcon(Icons::icon(QStringLiteral("gearshape"), normal, 16, disabled));
 }
 
 void AgentPanel::changeEvent(QEvent *event)
@@ -241,10 +246,15 @@ void AgentPanel::syncState()
     }
 }
 
+void AgentPanel::syncModel()
+{
+    model_->setText(AgentConfig::model());
+}
+
 void AgentPanel::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    model_->setText(AgentConfig::model());
+    syncModel();
     if (!focusedOnce_) {
         focusedOnce_ = true;
         composer_->field()->setFocus();
