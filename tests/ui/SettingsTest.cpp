@@ -182,7 +182,18 @@ TEST_F(Settings, OneWindowOpensFromTheGearAndTheFileMenuBesideTheMenusOfTheProgr
     EXPECT_TRUE(view->isVisible());
     EXPECT_EQ(main.findChildren<SettingsView *>().size(), 1);
     EXPECT_EQ(view->versionsBuilt()->text(), "1");
-    EXPECT_TRUE(view->checkAgainButton()->isVisibleTo(view)) << "the compiler is missing";
+    // The window follows the compiler's search while it is open.
+    ASSERT_TRUE(view->checkAgainButton()->isVisibleTo(view)) << "the compiler is missing";
+    QList<bool> enabledWhileLooking;
+    QObject::connect(runtime.get(), &Runtime::toolchainChanged, view, [&] {
+        if (runtime->toolchain().kind() == Toolchain::Case::Checking)
+            enabledWhileLooking << view->checkAgainButton()->isEnabled();
+    });
+    view->checkAgainButton()->click();
+    ASSERT_TRUE(test::spinUntil(
+        [&] { return !enabledWhileLooking.isEmpty() && runtime->toolchain().kind() == Toolchain::Case::Missing; }));
+    EXPECT_EQ(enabledWhileLooking, QList<bool>{false});
+    EXPECT_TRUE(view->checkAgainButton()->isEnabled());
 
     // No update feed, so no update item, and nothing reaches out on its own.
     QStringList items;
