@@ -153,8 +153,8 @@ QCoro::Task<> Agent::loop(TaskHandle self)
 {
     const std::optional<Provider> runProvider = provider();
     if (!runProvider) {
-        appendItem(errorRow(QStringLiteral("Sign in with ChatGPT or add an OpenAI API key first (%1 → Settings…).")
-                                .arg(workspace_.name)));
+        appendItem(
+            errorRow(QStringLiteral("Sign in with ChatGPT or add an OpenAI API key first in Settings (Ctrl+,).")));
         co_return;
     }
     const Provider provider = *runProvider;

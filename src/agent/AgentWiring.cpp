@@ -20,9 +20,7 @@ AgentOperations programOperations(Agent &agent, Runtime &runtime)
     QPointer<Agent> weak(&agent);
     QPointer<Runtime> weakRuntime(&runtime);
     AgentOperations operations;
-    operations.bearer = [copyName = agent.workspace().name](const TaskHandle &task, Provider provider, bool refresh) {
-        return ModelRequest::bearer(task, provider, refresh, copyName);
-    };
+    operations.bearer = ModelRequest::bearer;
     operations.request = [weak](Provider provider) { return weak ? ModelRequest::request(*weak, provider) : JSON(); };
     operations.respond = OpenAI::respond;
     Tools::RuntimeTools runtimeTools = BuildTools::runtimeTools(runtime);

@@ -21,9 +21,8 @@ class Agent;
 namespace ModelRequest {
 
 // The credential for `provider`: the plan's access token, or the saved API key, else the
-// environment's. Raises Failure with words for the user, who finds the settings in the menu
-// named `copyName`, when there is none.
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QString copyName);
+// environment's. Raises Failure with words for the user when there is none.
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh);
 
 // The body of the agent's next request. Changes nothing.
 JSON request(const Agent &agent, Provider provider);

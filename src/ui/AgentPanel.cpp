@@ -154,6 +154,10 @@ QWidget *AgentPanel::makeHeader()
                                     QStringLiteral("New conversation"));
     connect(newConversation_, &QToolButton::clicked, this, [this] { agent_.newConversation(); });
     row->addWidget(newConversation_);
+
+    settings_ = headerButton(QStringLiteral("Settings"), QStringLiteral("Settings"));
+    connect(settings_, &QToolButton::clicked, this, &AgentPanel::settingsRequested);
+    row->addWidget(settings_);
     updateHeaderIcons();
     return header;
 }
@@ -166,6 +170,7 @@ void AgentPanel::updateHeaderIcons()
     const QColor disabled = PanelStyle::tertiary(p);
     conversations_->setIcon(Icons::icon(QStringLiteral("clock.arrow.circlepath"), normal, 16, disabled));
     newConversation_->setIcon(Icons::icon(QStringLiteral("square.and.pencil"), normal, 16, disabled));
+    settings_->setIcon(Icons::icon(QStringLiteral("gearshape"), normal, 16, disabled));
 }
 
 void AgentPanel::changeEvent(QEvent *event)
@@ -249,10 +254,15 @@ void AgentPanel::syncState()
     }
 }
 
+void AgentPanel::syncModel()
+{
+    model_->setText(AgentConfig::model());
+}
+
 void AgentPanel::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    model_->setText(AgentConfig::model());
+    syncModel();
     composer_->field()->setFocus();
 }
 

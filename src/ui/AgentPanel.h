@@ -39,6 +39,13 @@ public:
     WorkingRow *workingRow() const { return workingRow_; }
     QToolButton *conversationsButton() const { return conversations_; }
     QToolButton *newConversationButton() const { return newConversation_; }
+    QToolButton *settingsButton() const { return settings_; }
+
+    // Shows the model that requests ask for now.
+    void syncModel();
+
+signals:
+    void settingsRequested();
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -60,6 +67,7 @@ private:
     QLabel *model_ = nullptr;
     QToolButton *conversations_ = nullptr;
     QToolButton *newConversation_ = nullptr;
+    QToolButton *settings_ = nullptr;
     LazyColumn *transcript_ = nullptr;
     EmptyState *emptyState_ = nullptr;
     QFrame *accessBox_ = nullptr;

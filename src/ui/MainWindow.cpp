@@ -12,8 +12,10 @@
 #include "ui/Shortcuts.h"
 #include "ui/Spinner.h"
 #include "ui/VersionMenu.h"
+#include "ui/WindowLayout.h"
 #include "ui/ZentoroCommands.h"
 
+#include <QApplication>
 #include <QMenu>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -59,7 +61,11 @@ MainWindow::MainWindow(Runtime &runtime, Agent &agent, QWidget *parent)
     setCentralWidget(splitter_);
 
     panel_->setVisible(agentShownSetting());
+    WindowLayout::restore(*this, *splitter_, runtime.workspace().defaultsSuite());
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::saveLayout);
     commands_ = new ZentoroCommands(*this, runtime, agent);
+    connect(panel_, &AgentPanel::settingsRequested, commands_, &ZentoroCommands::showSettings);
+    connect(commands_, &ZentoroCommands::modelChanged, panel_, &AgentPanel::syncModel);
 
     for (auto signal : {&Runtime::isBuildingChanged, &Runtime::loadedVersionChanged, &Runtime::safeModeChanged})
         connect(&runtime_, signal, this, &MainWindow::syncToolbar);
@@ -181,6 +187,11 @@ void MainWindow::setShowAgent(bool shown)
     if (shown)
         splitter_->setSizes({width() - panelIdealWidth, panelIdealWidth});
     emit showAgentChanged();
+}
+
+void MainWindow::saveLayout() const
+{
+    WindowLayout::save(*this, *splitter_, runtime_.workspace().defaultsSuite());
 }
 
 void MainWindow::bringToFront()

@@ -49,6 +49,9 @@ public:
 
     // Brings the window forward when another start of this copy asks for it.
     void bringToFront();
+    // Keeps the window's size, place and panel width for the next start of this copy; at every
+    // orderly quit.
+    void saveLayout() const;
 
 signals:
     void showAgentChanged();

@@ -2,13 +2,14 @@
 
 #include "agent/Agent.h"
 #include "runtime/Runtime.h"
+#include "ui/AboutDialog.h"
 #include "ui/ConversationMenu.h"
 #include "ui/MainWindow.h"
 #include "ui/NewAppDialog.h"
+#include "ui/SettingsView.h"
 #include "ui/Shortcuts.h"
 #include "ui/VersionMenu.h"
 
-#include <QApplication>
 #include <QMenuBar>
 
 namespace zentoro {
@@ -19,14 +20,21 @@ ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &ag
     QMenuBar *bar = window.menuBar();
     const QString name = runtime.workspace().name;
 
-    QMenu *file = bar->addMenu(QStringLiteral("&File"));
-    QAction *newApp = file->addAction(QStringLiteral("New App…"));
+    // Settings and quitting answer in every window of the program, the settings window too.
+    file_ = bar->addMenu(QStringLiteral("&File"));
+    QAction *newApp = file_->addAction(QStringLiteral("New App…"));
     newApp->setShortcut(QKeySequence::New);
     connect(newApp, &QAction::triggered, this, [this] { NewAppDialog::open(&window_); });
-    file->addSeparator();
-    QAction *quit = file->addAction(Shortcuts::menuText(QStringLiteral("Quit %1").arg(name)));
-    quit->setShortcut(QKeySequence::Quit);
-    connect(quit, &QAction::triggered, qApp, &QApplication::closeAllWindows);
+    settings_ = file_->addAction(QStringLiteral("Settings…"));
+    settings_->setShortcut(QKeySequence(Qt::ControlModifier | Qt::Key_Comma));
+    settings_->setShortcutContext(Qt::ApplicationShortcut);
+    connect(settings_, &QAction::triggered, this, &ZentoroCommands::showSettings);
+    file_->addSeparator();
+    quit_ = file_->addAction(Shortcuts::menuText(QStringLiteral("Quit %1").arg(name)));
+    quit_->setShortcut(QKeySequence(Qt::ControlModifier | Qt::Key_Q));
+    quit_->setShortcutContext(Qt::ApplicationShortcut);
+    // Closing the main window ends the program: the same orderly quit as its close button.
+    connect(quit_, &QAction::triggered, &window_, &QWidget::close);
 
     QMenu *view = bar->addMenu(QStringLiteral("&View"));
     toggleAgent_ = view->addAction(QString());
@@ -74,11 +82,38 @@ ZentoroCommands::ZentoroCommands(MainWindow &window, Runtime &runtime, Agent &ag
                                QDateTime::currentDateTime(), [this](const QUuid &id) { agent_.openConversation(id); });
     });
 
+    // No update feed is configured for this program, so Help offers no update check.
+    QMenu *help = bar->addMenu(QStringLiteral("&Help"));
+    about_ = help->addAction(QStringLiteral("About Zentoro"));
+    connect(about_, &QAction::triggered, this, &ZentoroCommands::showAbout);
+
     for (auto signal : {&Runtime::isBuildingChanged, &Runtime::toolchainChanged, &Runtime::stateChanged})
         connect(&runtime_, signal, this, &ZentoroCommands::sync);
     connect(&agent_, &Agent::conversationsChanged, this, &ZentoroCommands::sync);
     connect(&window_, &MainWindow::showAgentChanged, this, &ZentoroCommands::sync);
     sync();
+}
+
+void ZentoroCommands::showSettings()
+{
+    if (!settingsView_) {
+        settingsView_ = new SettingsView(runtime_, agent_, &window_);
+        connect(settingsView_, &SettingsView::modelChanged, this, &ZentoroCommands::modelChanged);
+    }
+    if (settingsView_->isMinimized())
+        settingsView_->showNormal();
+    settingsView_->show();
+    settingsView_->raise();
+    settingsView_->activateWindow();
+}
+
+void ZentoroCommands::showAbout()
+{
+    if (!aboutDialog_)
+        aboutDialog_ = new AboutDialog(runtime_, &window_);
+    aboutDialog_->show();
+    aboutDialog_->raise();
+    aboutDialog_->activateWindow();
 }
 
 void ZentoroCommands::sync()
