@@ -92,12 +92,15 @@ JSON buildFunctions()
 
 } // namespace
 
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QString copyName)
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QString copyName,
+                            QPointer<PlanAccess> plan)
 {
     Q_UNUSED(task);
-    Q_UNUSED(refresh);
-    if (provider == Provider::ChatGPT)
-        throw Failure(signInMessage(copyName));
+    if (provider == Provider::ChatGPT) {
+        if (!plan)
+            throw Failure(signInMessage(copyName));
+        co_return co_await plan->accessToken(refresh);
+    }
     const std::optional<QString> key = AgentConfig::effectiveKey();
     if (!key)
         throw Failure(missingKeyMessage(copyName));
