@@ -346,6 +346,9 @@ QCoro::Task<QString> ChatGPT::accessToken(bool force)
         QPointer<ChatGPT> self(this);
         startTask([self, running, active](TaskHandle) -> QCoro::Task<> {
             try {
+                if (!self)
+                    throw NetworkError(QNetworkReply::OperationCanceledError,
+                                       QStringLiteral("The sign-in was closed."));
                 running->token = co_await self->refresh(*active, active->accessToken);
             } catch (...) {
                 running->error = std::current_exception();
