@@ -91,12 +91,14 @@ JSON buildFunctions()
 
 } // namespace
 
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh)
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QPointer<PlanAccess> plan)
 {
     Q_UNUSED(task);
-    Q_UNUSED(refresh);
-    if (provider == Provider::ChatGPT)
-        throw Failure(signInMessage());
+    if (provider == Provider::ChatGPT) {
+        if (!plan)
+            throw Failure(signInMessage());
+        co_return co_await plan->accessToken(refresh);
+    }
     const std::optional<QString> key = AgentConfig::effectiveKey();
     if (!key)
         throw Failure(missingKeyMessage());

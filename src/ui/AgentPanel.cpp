@@ -15,6 +15,7 @@
 #include "ui/WorkingRow.h"
 
 #include <QBoxLayout>
+#include <QDesktopServices>
 #include <QEvent>
 #include <QFrame>
 #include <QMenu>
@@ -98,6 +99,8 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
 
     composer_ = new Composer;
     column->addWidget(composer_);
+    planRow_ = makePlanRow();
+    column->addWidget(planRow_);
 
     connect(emptyState_, &EmptyState::suggestionChosen, this, [this](const QString &text) {
         transcript_->scrollToBottom();
@@ -109,11 +112,28 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
 
     connect(&agent_, &Agent::itemsChanged, this, &AgentPanel::syncItems);
     for (auto signal : {&Agent::isRunningChanged, &Agent::hasAPIKeyChanged, &Agent::preferredProviderChanged,
-                        &Agent::conversationsChanged})
+                        &Agent::conversationsChanged, &Agent::planChanged})
         connect(&agent_, signal, this, &AgentPanel::syncState);
 
     syncItems();
     syncState();
+}
+
+// Under the composer while the plan pays: a reminder and the way to its usage page.
+QWidget *AgentPanel::makePlanRow()
+{
+    auto *row = new QLabel(QStringLiteral("Using ChatGPT plan&nbsp;&nbsp;<a href=\"usage\">Manage usage</a>"));
+    row->setObjectName(QStringLiteral("planRow"));
+    row->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
+    PanelStyle::setTextColor(row, PanelStyle::secondary(palette()));
+    row->setAlignment(Qt::AlignCenter);
+    row->setContentsMargins(0, 0, 0, 8);
+    row->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
+    connect(row, &QLabel::linkActivated, this, [this] {
+        if (agent_.plan())
+            QDesktopServices::openUrl(agent_.plan()->usageURL());
+    });
+    return row;
 }
 
 QWidget *AgentPanel::makeHeader()
@@ -243,6 +263,7 @@ void AgentPanel::syncState()
         accessBox_->setVisible(!hasProvider);
     }
     workingRow_->setVisible(running);
+    planRow_->setVisible(agent_.provider() == Provider::ChatGPT);
     newConversation_->setEnabled(!shown_.isEmpty());
     conversations_->setEnabled(!agent_.conversations().isEmpty());
     // Whether the last row offers "Try Again" follows the run's state.

@@ -36,7 +36,10 @@ public:
     EmptyState *emptyState() const { return emptyState_; }
     // At the head of the transcript while no provider is available.
     AgentAccessRow *accessRow() const { return accessRow_; }
+    QWidget *accessBox() const { return accessBox_; }
     WorkingRow *workingRow() const { return workingRow_; }
+    // "Using ChatGPT plan · Manage usage", under the composer while the plan is the provider.
+    QWidget *planRow() const { return planRow_; }
     QToolButton *conversationsButton() const { return conversations_; }
     QToolButton *newConversationButton() const { return newConversation_; }
     QToolButton *settingsButton() const { return settings_; }
@@ -54,6 +57,7 @@ protected:
 
 private:
     QWidget *makeHeader();
+    QWidget *makePlanRow();
     void syncItems();
     void syncState();
     void updateHeaderIcons();
@@ -74,6 +78,7 @@ private:
     AgentAccessRow *accessRow_ = nullptr;
     WorkingRow *workingRow_ = nullptr;
     Composer *composer_ = nullptr;
+    QWidget *planRow_ = nullptr;
 };
 
 } // namespace zentoro

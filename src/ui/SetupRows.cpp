@@ -1,13 +1,16 @@
 #include "ui/SetupRows.h"
 
 #include "agent/Agent.h"
+#include "chatgpt/ChatGPT.h"
 #include "model_service/AgentConfig.h"
 #include "runtime/Runtime.h"
+#include "ui/ChatGPTSignIn.h"
 #include "ui/Icons.h"
 #include "ui/PanelStyle.h"
 #include "ui/Spinner.h"
 
 #include <QEvent>
+#include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -69,6 +72,13 @@ private:
     QString url_;
     QString text_;
 };
+// The accounts behind the agent's plan; the process's own when the plan is another kind.
+ChatGPT &signedInAccounts(Agent &agent)
+{
+    if (auto *accounts = qobject_cast<ChatGPT *>(agent.plan()))
+        return *accounts;
+    return ChatGPT::shared();
+}
 
 bool isBlank(const QString &text)
 {
@@ -194,7 +204,7 @@ void ToolchainRow::sync()
 }
 
 AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
-    : QWidget(parent), agent_(agent), symbol_(new QLabel), title_(titleLabel(this)),
+    : QWidget(parent), agent_(agent), chatgpt_(signedInAccounts(agent)), symbol_(new QLabel), title_(titleLabel(this)),
       detail_(secondaryLabel(this, PanelStyle::Type::Caption)), entry_(new QWidget), key_(new QLineEdit),
       save_(new QPushButton(QStringLiteral("Save"))), error_(new QLabel)
 {
@@ -214,9 +224,12 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     entry->setContentsMargins(0, 0, 0, 0);
     entry->setSpacing(6);
     QLabel *explanation = secondaryLabel(this, PanelStyle::Type::Callout);
-    explanation->setText(QStringLiteral("It runs on OpenAI's models, with an API key billed to your OpenAI account."));
+    explanation->setText(QStringLiteral(
+        "It runs on OpenAI's models: use your ChatGPT plan, or an API key billed to your OpenAI account."));
     entry->addWidget(explanation);
-    auto *prompt = new QLabel(QStringLiteral("Paste an API key:"));
+    signIn_ = new ChatGPTSignIn(chatgpt_);
+    entry->addWidget(signIn_);
+    auto *prompt = new QLabel(QStringLiteral("Or paste an API key:"));
     prompt->setFont(PanelStyle::font(font(), PanelStyle::Type::Callout));
     entry->addWidget(prompt);
     auto *fieldRow = new QHBoxLayout;
@@ -245,6 +258,10 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     connect(save_, &QPushButton::clicked, this, &AgentAccessRow::save);
     connect(&agent_, &Agent::hasAPIKeyChanged, this, &AgentAccessRow::sync);
     connect(&agent_, &Agent::preferredProviderChanged, this, &AgentAccessRow::sync);
+    connect(&agent_, &Agent::planChanged, this, &AgentAccessRow::sync);
+    connect(&chatgpt_, &ChatGPT::accountsChanged, this, &AgentAccessRow::sync);
+    detail_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::LinksAccessibleByMouse);
+    connect(detail_, &QLabel::linkActivated, this, [this] { QDesktopServices::openUrl(chatgpt_.usageURL()); });
     save_->setEnabled(false);
     sync();
 }
@@ -305,7 +322,9 @@ void AgentAccessRow::sync()
                                                  : QStringLiteral("From the OPENAI_API_KEY environment variable."));
     } else {
         title_->setText(QStringLiteral("Using your ChatGPT plan"));
-        detail_->hide();
+        const std::optional<ChatGPTAccount> account = chatgpt_.account();
+        detail_->setText(QStringLiteral("%1  <a href=\"usage\">Manage usage</a>")
+                             .arg((account ? account->label() : QString()).toHtmlEscaped()));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "ui/ZentoroApp.h"
 
 #include "agent/AgentWiring.h"
+#include "chatgpt/ChatGPT.h"
 #include "runtime/AppName.h"
 #include "runtime/KitPreparation.h"
 #include "runtime/Relaunch.h"
@@ -23,6 +24,7 @@ ZentoroApp::Session::Session(const Workspace &workspace) : runtime(workspace), a
     // itself to the runtime's events before the launch, so that the launch's reports reach
     // the conversation.
     agent.setOperations(programOperations(agent, runtime));
+    agent.setPlan(&ChatGPT::shared());
     agent.restore();
     runtime.onEvent = [this](const QString &shown, const QString &told) { agent.note(shown, told); };
     runtime.launch();
