@@ -1,8 +1,10 @@
 #include "ui/ZentoroCommands.h"
 
 #include "agent/Agent.h"
+#include "chatgpt/ChatGPT.h"
 #include "runtime/Runtime.h"
 #include "ui/AboutDialog.h"
+#include "ui/ChatGPTSettingsRows.h"
 #include "ui/ConversationMenu.h"
 #include "ui/MainWindow.h"
 #include "ui/NewAppDialog.h"
@@ -98,6 +100,17 @@ void ZentoroCommands::showSettings()
 {
     if (!settingsView_) {
         settingsView_ = new SettingsView(runtime_, agent_, &window_);
+        ChatGPT *accounts = qobject_cast<ChatGPT *>(agent_.plan());
+        if (!accounts)
+            accounts = &ChatGPT::shared();
+        settingsView_->setChatGPTRows(new ChatGPTSettingsRows(*accounts, agent_), nullptr);
+        settingsView_->planModels = [accounts = QPointer<ChatGPT>(accounts)] {
+            QList<SettingsView::ModelChoice> choices;
+            if (accounts)
+                for (const ChatGPT::Model &model : accounts->models())
+                    choices.append({model.name, model.slug});
+            return choices;
+        };
         connect(settingsView_, &SettingsView::modelChanged, this, &ZentoroCommands::modelChanged);
     }
     if (settingsView_->isMinimized())
