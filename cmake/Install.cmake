@@ -27,7 +27,3 @@ install(DIRECTORY ${ZENTORO_ICONS} DESTINATION share/icons)
 install(FILES ${CMAKE_BINARY_DIR}/desktop/${ZENTORO_BUNDLE_ID}.metainfo.xml DESTINATION share/metainfo)
 install(FILES src/resources/fonts/OFL.txt DESTINATION share/doc/zentoro RENAME Anybody-OFL.txt)
 install(SCRIPT cmake/InstallEnd.cmake)
-
-add_custom_target(uninstall
-  COMMAND ${CMAKE_COMMAND} -D "PREFIX=${CMAKE_INSTALL_PREFIX}" -P ${CMAKE_SOURCE_DIR}/cmake/Uninstall.cmake
-  USES_TERMINAL)
