@@ -23,7 +23,7 @@ public:
         QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
         const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
         if (type == CT_MenuItem && item && item->text.contains(u'\n'))
-            result.rheight() += QFontMetrics(dateFont(item->font)).height() + 2;
+            result.rheight() += QFontMetrics(dateFont(item->font)).height() + 6;
         return result;
     }
 
@@ -37,7 +37,8 @@ public:
         blank.text.clear();
         QProxyStyle::drawControl(element, &blank, painter, widget);
 
-        const QString title = item->text.section(u'\n', 0, 0);
+        // The entry's text is a menu text, in which "&&" stands for "&".
+        const QString title = item->text.section(u'\n', 0, 0).replace(QStringLiteral("&&"), QStringLiteral("&"));
         const QString date = item->text.section(u'\n', 1);
         const bool selected = item->state & State_Selected && item->state & State_Enabled;
         QColor ink = item->palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
