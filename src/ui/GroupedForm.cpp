@@ -33,8 +33,9 @@ protected:
 
         // A hairline above every shown row but the first, inset like the rows' text.
         bool first = true;
-        for (QWidget *row : findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
-            if (row->isHidden())
+        for (int index = 0; index < layout()->count(); ++index) {
+            QWidget *row = layout()->itemAt(index)->widget();
+            if (!row || row->isHidden())
                 continue;
             if (!first) {
                 const qreal y = row->geometry().top() - 0.5;
