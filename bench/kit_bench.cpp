@@ -60,7 +60,7 @@ void *loadApp(const QString &swiftc, const Kit::Build &kit, const QString &folde
         "extension UserDefaults { static let app = UserDefaults(suiteName: \"dev.vantu.zentoro.app.Kit Bench\")! }\n"
         "@_cdecl(\"zentoro_make_root_view\")\n"
         "public func zentoro_make_root_view() -> UnsafeMutableRawPointer "
-        "{ ZentoroHosting.makeRootView(AppRoot().defaultAppStorage(.app)) }\n");
+        "{ ZentoroHosting.makeRootView(AppRoot().defaultAppStorage(.app), appName: \"Kit Bench\") }\n");
     entry.close();
     app.open(QIODevice::WriteOnly);
     app.write(source.toUtf8());
