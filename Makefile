@@ -1,11 +1,14 @@
 # The two set-up commands: `make run` and `make test`. Both install what is
 # missing, configure and build first. `make test` also checks the formatting of the lines
 # changed since the branch left main (on main, of the last commit); `make format` formats
-# every source as .clang-format and .swift-format say.
+# every source as .clang-format and .swift-format say. `make install` puts the program, its
+# prepared UI kit, desktop entry, icons and AppStream metadata under PREFIX; `make uninstall`
+# removes exactly what that install put there.
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
+PREFIX ?= $(HOME)/.local
 
-.PHONY: run test bench fuzz format deps configure build clean
+.PHONY: run test bench fuzz format deps configure build clean install uninstall
 
 deps:
 	@scripts/install-deps
@@ -33,6 +36,12 @@ bench: build
 FUZZ_SECONDS ?= 60
 fuzz: deps
 	@scripts/fuzz search $(BUILD_DIR)/fuzz $(FUZZ_SECONDS)
+
+install: build
+	cmake --install $(BUILD_DIR) --prefix "$(PREFIX)"
+
+uninstall:
+	cmake -D PREFIX="$(PREFIX)" -P cmake/Uninstall.cmake
 
 clean:
 	rm -rf $(BUILD_DIR)

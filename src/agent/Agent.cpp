@@ -64,9 +64,29 @@ void Agent::setOperations(AgentOperations operations)
         setHasAPIKey(operations_.hasAPIKey());
 }
 
+void Agent::setPlan(PlanAccess *plan)
+{
+    if (plan_ == plan)
+        return;
+    if (plan_) {
+        disconnect(plan_, nullptr, this, nullptr);
+        plan_->onPlanReady = nullptr;
+    }
+    plan_ = plan;
+    if (plan_) {
+        QPointer<Agent> weak(this);
+        plan_->onPlanReady = [weak] {
+            if (weak)
+                weak->setPreferredProvider(Provider::ChatGPT);
+        };
+        connect(plan_, &PlanAccess::changed, this, &Agent::planChanged);
+    }
+    emit planChanged();
+}
+
 std::optional<Provider> Agent::provider() const
 {
-    const bool canUsePlan = operations_.canUsePlan && operations_.canUsePlan();
+    const bool canUsePlan = plan_ && plan_->canUsePlan();
     if (preferredProvider_ == Provider::APIKey) {
         if (hasAPIKey_)
             return Provider::APIKey;
@@ -153,8 +173,8 @@ QCoro::Task<> Agent::loop(TaskHandle self)
 {
     const std::optional<Provider> runProvider = provider();
     if (!runProvider) {
-        appendItem(errorRow(QStringLiteral("Sign in with ChatGPT or add an OpenAI API key first (%1 → Settings…).")
-                                .arg(workspace_.name)));
+        appendItem(
+            errorRow(QStringLiteral("Sign in with ChatGPT or add an OpenAI API key first in Settings (Ctrl+,).")));
         co_return;
     }
     const Provider provider = *runProvider;

@@ -2,6 +2,7 @@
 
 #include "agent/AgentOperations.h"
 #include "agent/ChatItem.h"
+#include "agent/PlanAccess.h"
 #include "agent/SavedConversation.h"
 #include "core/JSON.h"
 #include "core/MainTask.h"
@@ -11,6 +12,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <QUuid>
 
@@ -66,6 +68,10 @@ public:
     TaskHandle task() const { return task_; }
     AgentOperations &operations() { return operations_; }
     void setOperations(AgentOperations operations);
+    // The ChatGPT plan this agent may run on; none means only an API key can be used. A sign-in
+    // that gets plan access makes the plan the preferred provider.
+    PlanAccess *plan() const { return plan_; }
+    void setPlan(PlanAccess *plan);
 
     // Takes the user's words and starts a run; does nothing for blank text or while a run goes on.
     void send(const QString &text);
@@ -134,6 +140,8 @@ signals:
     void preferredProviderChanged();
     void conversationsChanged();
     void conversationIDChanged();
+    // The plan became usable or stopped being so; `provider` may differ.
+    void planChanged();
 
 private:
     QCoro::Task<> loop(TaskHandle self);
@@ -165,6 +173,7 @@ private:
     Workspace workspace_;
     TaskHandle task_;
     AgentOperations operations_;
+    QPointer<PlanAccess> plan_;
 };
 
 } // namespace zentoro

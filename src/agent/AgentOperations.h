@@ -47,8 +47,6 @@ struct AgentOperations {
     std::function<void(bool full)> diskFull;
     // Ends this process and starts it anew.
     std::function<void(bool safeMode)> relaunch;
-    // Whether the ChatGPT plan can be used now.
-    std::function<bool()> canUsePlan;
     // Whether an API key is saved or in the environment.
     std::function<bool()> hasAPIKey;
 };

@@ -15,13 +15,26 @@
 
 namespace zentoro {
 
+namespace {
+
+// The usage page of the agent's plan, and the waits for a busy plan.
+PlanService planService(const QPointer<Agent> &agent)
+{
+    PlanService service = PlanService::standard();
+    if (agent && agent->plan())
+        service.usageURL = agent->plan()->usageURL();
+    return service;
+}
+
+} // namespace
+
 AgentOperations programOperations(Agent &agent, Runtime &runtime)
 {
     QPointer<Agent> weak(&agent);
     QPointer<Runtime> weakRuntime(&runtime);
     AgentOperations operations;
-    operations.bearer = [copyName = agent.workspace().name](const TaskHandle &task, Provider provider, bool refresh) {
-        return ModelRequest::bearer(task, provider, refresh, copyName);
+    operations.bearer = [weak](const TaskHandle &task, Provider provider, bool refresh) {
+        return ModelRequest::bearer(task, provider, refresh, weak ? weak->plan() : nullptr);
     };
     operations.request = [weak](Provider provider) { return weak ? ModelRequest::request(*weak, provider) : JSON(); };
     operations.respond = OpenAI::respond;
@@ -35,12 +48,12 @@ AgentOperations programOperations(Agent &agent, Runtime &runtime)
                                 Recovery *recovery) -> QCoro::Task<bool> {
         if (!weak)
             co_return false;
-        const PlanService plan = PlanService::standard();
-        const bool again = co_await FailureRecovery::recover(*weak, task, failure, provider, *recovery, plan);
+        const bool again = co_await FailureRecovery::recover(*weak, task, failure, provider, *recovery,
+                                                             planService(weak));
         co_return again;
     };
-    operations.errorItem = [](std::exception_ptr failure, Provider provider) {
-        return FailureRecovery::errorItem(failure, provider, PlanService::standard());
+    operations.errorItem = [weak](std::exception_ptr failure, Provider provider) {
+        return FailureRecovery::errorItem(failure, provider, planService(weak));
     };
     operations.save = [weak] {
         if (weak)
@@ -59,7 +72,6 @@ AgentOperations programOperations(Agent &agent, Runtime &runtime)
         if (weakRuntime)
             weakRuntime->relaunch(safeMode);
     };
-    operations.canUsePlan = [] { return false; };
     operations.hasAPIKey = [] { return AgentConfig::effectiveKey().has_value(); };
     return operations;
 }

@@ -4,7 +4,6 @@
 #include "agent/ChatItem.h"
 #include "agent/HistoryUpkeep.h"
 #include "agent/Instructions.h"
-#include "core/Defaults.h"
 #include "model_service/AgentConfig.h"
 #include "runtime/Workspace.h"
 
@@ -20,15 +19,15 @@ constexpr qsizetype chainedScreenshotKeep = std::numeric_limits<qsizetype>::max(
 
 using HistoryUpkeep::attachingScreenshots;
 
-QString missingKeyMessage(const QString &copyName)
+QString missingKeyMessage()
 {
-    return QStringLiteral("Add your OpenAI API key first (%1 → Settings…).").arg(copyName);
+    return QStringLiteral("Add your OpenAI API key first in Settings (Ctrl+,).");
 }
 
 // The plan's access token comes with a signed-in ChatGPT account; without one there is none.
-QString signInMessage(const QString &copyName)
+QString signInMessage()
 {
-    return QStringLiteral("Sign in with ChatGPT first (%1 → Settings…).").arg(copyName);
+    return QStringLiteral("Sign in with ChatGPT first in Settings (Ctrl+,).");
 }
 
 JSON::Array toArray(const QList<JSON> &list)
@@ -92,15 +91,17 @@ JSON buildFunctions()
 
 } // namespace
 
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QString copyName)
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QPointer<PlanAccess> plan)
 {
     Q_UNUSED(task);
-    Q_UNUSED(refresh);
-    if (provider == Provider::ChatGPT)
-        throw Failure(signInMessage(copyName));
+    if (provider == Provider::ChatGPT) {
+        if (!plan)
+            throw Failure(signInMessage());
+        co_return co_await plan->accessToken(refresh);
+    }
     const std::optional<QString> key = AgentConfig::effectiveKey();
     if (!key)
-        throw Failure(missingKeyMessage(copyName));
+        throw Failure(missingKeyMessage());
     co_return *key;
 }
 
@@ -138,7 +139,7 @@ JSON body(const QString &instructions, Provider provider, const QList<JSON> &his
     } else {
         body.set(QStringLiteral("store"), false);
     }
-    const QString effort = Defaults::string(QStringLiteral("reasoningEffort")).value_or(QString());
+    const QString effort = AgentConfig::reasoningEffort();
     if (!effort.isEmpty())
         body.set(QStringLiteral("reasoning"), JSON::object({{QStringLiteral("effort"), effort}}));
     return body;

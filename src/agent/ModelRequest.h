@@ -1,10 +1,12 @@
 #pragma once
 
+#include "agent/PlanAccess.h"
 #include "core/JSON.h"
 #include "core/MainTask.h"
 #include "model_service/Provider.h"
 
 #include <QList>
+#include <QPointer>
 #include <QString>
 #include <QUuid>
 
@@ -20,10 +22,9 @@ class Agent;
 // the model is offered.
 namespace ModelRequest {
 
-// The credential for `provider`: the plan's access token, or the saved API key, else the
-// environment's. Raises Failure with words for the user, who finds the settings in the menu
-// named `copyName`, when there is none.
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QString copyName);
+// The credential for `provider`: the plan's access token (a new one when `refresh`), or the
+// saved API key, else the environment's. Raises Failure with words for the user when there is none.
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QPointer<PlanAccess> plan = nullptr);
 
 // The body of the agent's next request. Changes nothing.
 JSON request(const Agent &agent, Provider provider);

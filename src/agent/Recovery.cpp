@@ -60,7 +60,7 @@ QString missingCapability(const std::optional<QString> &param)
     if (!param)
         return QStringLiteral("something in this request");
     if (*param == u"model")
-        return QStringLiteral("the model %1; pick another in Settings").arg(AgentConfig::model());
+        return QStringLiteral("the model %1; pick another in Settings (Ctrl+,)").arg(AgentConfig::model());
     return QStringLiteral("“%1”").arg(*param);
 }
 
@@ -79,7 +79,7 @@ ChatItem failureRow(const OpenAI::Failure &failure, Provider provider, const Pla
                         usage);
     if (failure.code == u"subscription_sharing_user_not_eligible")
         return errorRow(QStringLiteral("Your ChatGPT plan can't be used in Zentoro (%1). You can add an OpenAI API "
-                                       "key in Settings instead.")
+                                       "key in Settings (Ctrl+,) instead.")
                             .arg(failure.message));
     if (failure.code == u"subscription_sharing_unsupported_capability")
         return errorRow(QStringLiteral("Your ChatGPT plan doesn't support %1. (%2)")

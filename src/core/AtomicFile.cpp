@@ -45,10 +45,14 @@ void flushNow(const QByteArray &file)
 
 } // namespace
 
-std::optional<QString> write(const QString &path, const QByteArray &contents, int mode, Durability durability)
+std::optional<QString> write(const QString &path, const QByteArray &contents, int mode, Durability durability,
+                             const QString &temporaryPath)
 {
     const QByteArray target = QFile::encodeName(path);
-    const QByteArray temporary = target + ".tmp-" + QByteArray::number(QRandomGenerator::system()->generate64(), 36);
+    const QByteArray temporary = temporaryPath.isEmpty()
+                                     ? target + ".tmp-" +
+                                           QByteArray::number(QRandomGenerator::system()->generate64(), 36)
+                                     : QFile::encodeName(temporaryPath);
     const int descriptor = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor < 0)
         return systemWords(errno);

@@ -22,9 +22,10 @@ enum class Durability {
 // reader or a crash sees the old file or the new one, never a part. The temporary file
 // is created with `mode` (0600 for credentials), so it is never more readable than the
 // result. Returns the system's words on failure; the old file is left as it was and the
-// temporary file is removed.
+// temporary file is removed. `temporaryPath` names the temporary file where its owner has a
+// form for it; it must lie beside `path`.
 std::optional<QString> write(const QString &path, const QByteArray &contents, int mode = 0644,
-                             Durability durability = Durability::Flushed);
+                             Durability durability = Durability::Flushed, const QString &temporaryPath = {});
 
 // Puts `path` and its folder on the disk from a thread of their own. Calls for a path
 // whose flush hasn't started yet are taken together.

@@ -1,6 +1,8 @@
 #include "core/DataURL.h"
 
+#if defined(__x86_64__)
 #include <immintrin.h>
+#endif
 
 #include <array>
 #include <cstdint>
@@ -38,6 +40,7 @@ char16_t *encodeWhole(const unsigned char *in, qsizetype groups, char16_t *out)
     return out;
 }
 
+#if defined(__x86_64__)
 // Eight groups at a time with AVX2, after "Faster Base64 Encoding and Decoding Using AVX2
 // Instructions" (Muła, Kurz, Lemire): each lane spreads its twelve bytes into sixteen 6-bit
 // values and maps those to the alphabet by range, and each character is widened to UTF-16 on
@@ -70,6 +73,7 @@ __attribute__((target("avx2"))) char16_t *encodeWide(const unsigned char *&in, q
     }
     return out;
 }
+#endif
 
 void encodeTail(const unsigned char *in, qsizetype left, char16_t *out)
 {
@@ -82,7 +86,7 @@ void encodeTail(const unsigned char *in, qsizetype left, char16_t *out)
 
 } // namespace
 
-QString make(QLatin1StringView mediaType, QByteArrayView bytes)
+QString make(QLatin1StringView mediaType, QByteArrayView bytes, Instructions instructions)
 {
     const QLatin1StringView data("data:"), base64(";base64,");
     const qsizetype groups = bytes.size() / 3, left = bytes.size() % 3;
@@ -94,8 +98,12 @@ QString make(QLatin1StringView mediaType, QByteArrayView bytes)
     }
     const auto *in = reinterpret_cast<const unsigned char *>(bytes.data());
     qsizetype whole = groups;
-    if (__builtin_cpu_supports("avx2"))
+#if defined(__x86_64__)
+    if (instructions == Instructions::Fastest && __builtin_cpu_supports("avx2"))
         out = encodeWide(in, whole, out);
+#else
+    Q_UNUSED(instructions);
+#endif
     out = encodeWhole(in, whole, out);
     if (left)
         encodeTail(in + whole * 3, left, out);

@@ -13,5 +13,6 @@ Q_DECLARE_LOGGING_CATEGORY(logRuntime) // zentoro.runtime: builds, versions, lau
 Q_DECLARE_LOGGING_CATEGORY(logKit)     // zentoro.kit: the UI kit's library and hosted views
 Q_DECLARE_LOGGING_CATEGORY(logAgent)   // zentoro.agent: the agent's runs
 Q_DECLARE_LOGGING_CATEGORY(logUI)      // zentoro.ui: the window
+Q_DECLARE_LOGGING_CATEGORY(logChatGPT) // zentoro.chatgpt: sign-in and the plan's tokens, never the tokens themselves
 
 } // namespace zentoro

@@ -85,4 +85,30 @@ QString model()
     return configured.isEmpty() ? QString::fromLatin1(defaultModel) : configured;
 }
 
+void setModel(const QString &model)
+{
+    Defaults::setValue(QStringLiteral("model"), model);
+}
+
+QStringList apiKeyModels()
+{
+    return {QString::fromLatin1(defaultModel), QStringLiteral("gpt-6-astra"), QStringLiteral("gpt-6-luna"),
+            QStringLiteral("gpt-5.5")};
+}
+
+QString reasoningEffort()
+{
+    return Defaults::string(QStringLiteral("reasoningEffort")).value_or(QString());
+}
+
+void setReasoningEffort(const QString &effort)
+{
+    Defaults::setValue(QStringLiteral("reasoningEffort"), effort);
+}
+
+QStringList reasoningEfforts()
+{
+    return {QString(), QStringLiteral("low"), QStringLiteral("medium"), QStringLiteral("high")};
+}
+
 } // namespace zentoro::AgentConfig

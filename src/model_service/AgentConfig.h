@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -26,5 +27,15 @@ void saveAPIKey(const std::optional<QString> &key);
 
 // The model slug that requests ask for: the "model" setting, or the default.
 QString model();
+// Stores the "model" setting as typed; the next request reads it.
+void setModel(const QString &model);
+// The ids offered with an API key, in the order of the menu.
+QStringList apiKeyModels();
+
+// The "reasoningEffort" setting: empty for the model's default, "low", "medium" or "high".
+QString reasoningEffort();
+void setReasoningEffort(const QString &effort);
+// The values, the model's default first.
+QStringList reasoningEfforts();
 
 } // namespace zentoro::AgentConfig

@@ -2,6 +2,7 @@
 
 #include "core/Log.h"
 #include "model_service/ResponseStream.h"
+#include "model_service/ServiceOrigin.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
@@ -176,10 +177,7 @@ void logRequest(const QUrl &url, qsizetype bytes)
 
 QString origin()
 {
-    const QString configured = qEnvironmentVariable("ZENTORO_API_BASE").trimmed();
-    if (configured.isEmpty())
-        return QStringLiteral("https://api.openai.com");
-    return configured.endsWith(u'/') ? configured.chopped(1) : configured;
+    return ServiceOrigin::inUse();
 }
 
 QCoro::Task<JSON> respond(const TaskHandle &task, const QString &bearer, const JSON &body,

@@ -14,7 +14,8 @@
 namespace zentoro::OpenAI {
 
 // The model service's origin: `ZENTORO_API_BASE` when set (a local server that speaks
-// the Responses interface, or a test's fake), else https://api.openai.com.
+// the Responses interface, or a test's fake), else the one saved in Settings, else
+// https://api.openai.com.
 QString origin();
 
 // Posts `body` to the Responses interface and reads its event stream to the finished

@@ -1,6 +1,6 @@
 #include "runtime/AppName.h"
 
-#include "runtime/Workspace.h"
+#include "runtime/DesktopEntry.h"
 
 #include <QGuiApplication>
 
@@ -9,7 +9,7 @@ namespace zentoro::AppName {
 void apply(const QString &name)
 {
     QGuiApplication::setApplicationDisplayName(name);
-    QGuiApplication::setDesktopFileName(QString::fromLatin1(bundleIdentifier));
+    QGuiApplication::setDesktopFileName(DesktopEntry::desktopFileNameFor(name));
 }
 
 } // namespace zentoro::AppName

@@ -69,6 +69,33 @@ QStringList compilerArguments(const CompileInputs &inputs)
     return arguments;
 }
 
+QByteArray responseFile(const QStringList &arguments, QStringList &kept)
+{
+    QByteArray text;
+    for (const QString &argument : arguments) {
+        if (argument.contains(u'\n')) {
+            kept.append(argument);
+            continue;
+        }
+        for (const char byte : argument.toUtf8()) {
+            if (byte == ' ' || byte == '\t' || byte == '\r' || byte == '\v' || byte == '\f' || byte == '"' ||
+                byte == '\'' || byte == '\\')
+                text += '\\';
+            text += byte;
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+QString tooManyFiles(qsizetype count)
+{
+    return QStringLiteral("The source folder holds %1 .swift files; a build takes at most %2. Delete the files the "
+                          "app doesn't need and build again.")
+        .arg(count)
+        .arg(swiftFileLimit);
+}
+
 QString clean(const QString &output, const QString &sources, const QString &entry)
 {
     QString text = output;

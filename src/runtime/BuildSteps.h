@@ -8,6 +8,12 @@ namespace zentoro::BuildSteps {
 // The compiler's output is cut to this many characters before it reaches the model.
 inline constexpr qsizetype outputLimit = 12000;
 
+// More Swift files than any app is made of: a build past it would run for hours and copy
+// them all into the version.
+inline constexpr qsizetype swiftFileLimit = 10000;
+// The words for a folder past it.
+QString tooManyFiles(qsizetype count);
+
 // `text` as a Swift string literal, quotes included.
 QString swiftLiteral(const QString &text);
 
@@ -28,6 +34,12 @@ struct CompileInputs {
     QStringList files;    // the entry file first, then the sources in their order
 };
 QStringList compilerArguments(const CompileInputs &inputs);
+
+// `arguments` as the compiler's response file ("@file"), so no number of files can overflow
+// the command line: one to a line, white space, quotes and backslashes escaped. A backslash
+// before a line feed joins two lines there, so an argument with a line feed can't be written
+// in it; those are left in `kept`, for the command line.
+QByteArray responseFile(const QStringList &arguments, QStringList &kept);
 
 // Compiler output fit for the model: paths relative to `sources`, the entry file named
 // as generated code, trimmed and cut to `outputLimit` characters.

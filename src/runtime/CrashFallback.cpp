@@ -5,6 +5,7 @@ namespace zentoro::CrashFallback {
 namespace {
 
 const QString readLogHint = QStringLiteral("read_log with which=\"crash\" shows that run's output and backtrace.");
+const QString readPreviousHint = QStringLiteral("read_log with which=\"previous\" shows that run's output.");
 
 Judgement crashedLater(const RuntimeState &state, const QString &crash, const QString &name)
 {
@@ -18,8 +19,8 @@ Judgement crashedLater(const RuntimeState &state, const QString &crash, const QS
     return judgement;
 }
 
-Judgement crashedWhileStarting(const RuntimeState &state, int version, const std::optional<QString> &crash,
-                               const QString &name)
+Judgement crashedWhileStarting(const RuntimeState &state, int version,
+                               const std::optional<CrashLog::PreviousCrash> &crash, const QString &name)
 {
     Judgement judgement{state, true};
     judgement.state.markCrashed(version);
@@ -27,15 +28,18 @@ Judgement crashedWhileStarting(const RuntimeState &state, int version, const std
     judgement.state.current = fallback(state, version);
     const QString target = judgement.state.current ? QStringLiteral("version %1").arg(*judgement.state.current)
                                                    : QStringLiteral("an empty window");
+    const bool hung = crash && crash->hung;
+    const std::optional<QString> text = crash ? std::optional(crash->text) : std::nullopt;
+    const QString what = hung ? QStringLiteral("hung") : QStringLiteral("crashed");
     judgement.banner = Banner{
-        QStringLiteral("Version %1 crashed while starting, so %2 went back to %3.").arg(version).arg(name, target),
-        crash, true};
-    judgement.shown = QStringLiteral("Version %1 crashed while starting; running %2.").arg(version).arg(target);
-    judgement.told = QStringLiteral("Version %1 crashed the app while it was starting (%2). Zentoro fell back to %3. "
+        QStringLiteral("Version %1 %2 while starting, so %3 went back to %4.").arg(version).arg(what, name, target),
+        text, true};
+    judgement.shown = QStringLiteral("Version %1 %2 while starting; running %3.").arg(version).arg(what, target);
+    judgement.told = QStringLiteral("Version %1 %2 the app while it was starting (%3). Zentoro fell back to %4. "
                                     "The source files still contain version %1's code. ")
                          .arg(version)
-                         .arg(crash.value_or(QStringLiteral("no details")), target) +
-                     readLogHint;
+                         .arg(what, text.value_or(QStringLiteral("no details")), target) +
+                     (hung ? readPreviousHint : readLogHint);
     return judgement;
 }
 
@@ -56,11 +60,11 @@ std::optional<int> fallback(const RuntimeState &state, int crashed)
 
 Judgement judge(const RuntimeState &state, const std::optional<CrashLog::PreviousCrash> &crash, const QString &name)
 {
-    const std::optional<QString> text = crash ? std::optional(crash->text) : std::nullopt;
     if (state.loading)
-        return crashedWhileStarting(state, *state.loading, text, name);
-    if (text)
-        return crashedLater(state, *text, name);
+        return crashedWhileStarting(state, *state.loading, crash, name);
+    // A window held later in a run that then ended well is no crash.
+    if (crash && !crash->hung)
+        return crashedLater(state, crash->text, name);
     return Judgement{state};
 }
 

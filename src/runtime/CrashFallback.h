@@ -27,9 +27,9 @@ struct Judgement {
 // never crashed. None is an empty window.
 std::optional<int> fallback(const RuntimeState &state, int crashed);
 
-// A version still loading when the run ended crashed while starting: it is marked crashed
-// and the fallback becomes current. A crash text alone is a crash later in a run, which
-// changes nothing on disk. `name` is the copy's name.
+// A version still loading when the run ended crashed (or hung) while starting: it is marked
+// crashed and the fallback becomes current. A crash text alone is a crash later in a run,
+// which changes nothing on disk; a held window alone is nothing. `name` is the copy's name.
 Judgement judge(const RuntimeState &state, const std::optional<CrashLog::PreviousCrash> &crash, const QString &name);
 
 } // namespace CrashFallback

@@ -1,10 +1,15 @@
 #include "runtime/CrashLog.h"
 
+#include "core/AtomicFile.h"
 #include "core/Defaults.h"
 #include "runtime/Watchdog.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QThreadPool>
+#include <QTimer>
 
 #include <execinfo.h>
 #include <fcntl.h>
@@ -19,6 +24,7 @@ namespace zentoro::CrashLog {
 namespace {
 
 constexpr int frameLimit = 128;
+constexpr std::chrono::seconds upkeepDelay{3};
 // Both made before the handler is installed, so the handler never allocates.
 void **frames = nullptr;
 char *alternateStack = nullptr;
@@ -96,6 +102,37 @@ void redirectOutput(const QString &file)
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
 }
 
+// Gives the file at `from` the second name `to`, replacing what had that name in one step.
+bool linkOver(const QString &from, const QString &to)
+{
+    const QByteArray target = QFile::encodeName(to);
+    const QByteArray temporary = target + ".link";
+    ::unlink(temporary.constData());
+    if (::link(QFile::encodeName(from).constData(), temporary.constData()) != 0)
+        return false;
+    if (::rename(temporary.constData(), target.constData()) == 0)
+        return true;
+    ::unlink(temporary.constData());
+    return false;
+}
+
+// The last `bytes` of `file` from the first line that starts within them; empty when it
+// can't be read.
+QByteArray endOf(const QString &file, qint64 bytes)
+{
+    QFile log(file);
+    if (!log.open(QIODevice::ReadOnly))
+        return {};
+    const qint64 size = log.size();
+    const qint64 from = std::max<qint64>(0, size - bytes);
+    if (!log.seek(from))
+        return {};
+    QByteArray end = log.read(size - from);
+    if (from > 0)
+        end.remove(0, end.indexOf('\n') + 1);
+    return end;
+}
+
 QString trimmedOf(QString text, const QString &characters)
 {
     qsizetype begin = 0;
@@ -168,36 +205,72 @@ std::optional<PreviousCrash> start(const QString &logs)
     std::fflush(stdout);
 
     std::optional<PreviousCrash> crash = previousCrash(previous);
-    if (crash) {
-        const QString kept = url(Which::Crash, logs);
-        QFile::remove(kept);
-        QFile::copy(previous, kept);
+    // A run that only held the window still keeps the last real crash's log.
+    const bool keep = crash && !crash->hung;
+    const QString kept = url(Which::Crash, logs);
+    const bool linked = keep && linkOver(previous, kept);
+    // A cut that a quit interrupted left its temporary file.
+    const QDir folder(logs);
+    for (const QString &left : folder.entryList({QStringLiteral("*.log.tmp-*")}, QDir::Files))
+        QFile::remove(folder.filePath(left));
+    if (QFileInfo(previous).size() > keptBytes || QFileInfo(kept).size() > keptBytes || (keep && !linked)) {
+        // Cutting copies up to `keptBytes`: later, so that the first frame has the processor.
+        QTimer::singleShot(upkeepDelay, [previous, kept, keep] {
+            QThreadPool::globalInstance()->start([previous, kept, keep] {
+                keepEnd(previous);
+                if (!keep) {
+                    keepEnd(kept);
+                } else if (!linkOver(previous, kept)) {
+                    QFile log(previous);
+                    if (log.open(QIODevice::ReadOnly))
+                        AtomicFile::write(kept, log.readAll(), 0644, AtomicFile::Durability::Written);
+                }
+            });
+        });
     }
     return crash;
 }
 
+void keepEnd(const QString &file)
+{
+    if (QFileInfo(file).size() <= keptBytes)
+        return;
+    const QByteArray note = QByteArrayLiteral("Zentoro: this log passed ") + QByteArray::number(keptBytes >> 20) +
+                            QByteArrayLiteral(" MB; only its end is kept.\n");
+    AtomicFile::write(file, note + endOf(file, keptBytes - note.size()), 0644, AtomicFile::Durability::Written);
+}
+
 std::optional<PreviousCrash> previousCrash(const QString &file)
 {
-    QFile log(file);
-    if (!log.open(QIODevice::ReadOnly))
+    if (!QFileInfo::exists(file))
         return std::nullopt;
-    // Read line by line: a log grows for as long as its run lasted, and only two lines matter.
-    const QByteArray markerBytes(marker);
-    QByteArray reason;
-    QByteArray markerLine;
-    while (!log.atEnd()) {
-        QByteArray line = log.readLine();
-        if (line.endsWith('\n'))
-            line.chop(1);
+    const QByteArray end = endOf(file, judgedBytes);
+    const QByteArrayView markerBytes(marker);
+    const QByteArrayView stuckBytes(Watchdog::stuckLine);
+    QByteArrayView reason;
+    QByteArrayView markerLine;
+    QByteArrayView stuckLine;
+    for (qsizetype start = 0; start < end.size();) {
+        qsizetype stop = end.indexOf('\n', start);
+        if (stop < 0)
+            stop = end.size();
+        QByteArrayView line = QByteArrayView(end).sliced(start, stop - start);
+        start = stop + 1;
         if (line.endsWith('\r'))
             line.chop(1);
         if (line.contains("Fatal error") || line.contains("Terminating app due to uncaught exception"))
             reason = line;
         if (line.contains(markerBytes))
             markerLine = line;
+        if (line.startsWith(stuckBytes))
+            stuckLine = line;
     }
-    if (markerLine.isEmpty())
-        return std::nullopt;
+    if (markerLine.isEmpty()) {
+        if (stuckLine.isEmpty())
+            return std::nullopt;
+        QString text = QString::fromUtf8(stuckLine.sliced(QByteArrayView("Zentoro: ").size()));
+        return PreviousCrash{trimmedOf(text, QStringLiteral(" .")), true};
+    }
     if (!reason.isEmpty())
         return PreviousCrash{QString::fromUtf8(reason)};
     QString text = QString::fromUtf8(markerLine);

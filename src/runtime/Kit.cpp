@@ -161,16 +161,37 @@ QString preparedFolder(const QString &compilerVersion)
     return QCoreApplication::applicationDirPath() + QStringLiteral("/KitCache/") + identity(compilerVersion);
 }
 
-bool isReady(const QString &compilerVersion)
+QString installedFolder(const QString &compilerVersion)
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/zentoro/KitCache/") +
+                           identity(compilerVersion));
+}
+
+std::optional<QString> readyPreparedFolder(const QString &compilerVersion)
 {
     const QString kit = identity(compilerVersion);
-    return isComplete(preparedFolder(compilerVersion), kit) || isComplete(cacheFolder(compilerVersion), kit);
+    for (const QString &folder : {preparedFolder(compilerVersion), installedFolder(compilerVersion)}) {
+        if (isComplete(folder, kit))
+            return folder;
+    }
+    return std::nullopt;
+}
+
+bool isReady(const QString &compilerVersion)
+{
+    return readyPreparedFolder(compilerVersion) || isComplete(cacheFolder(compilerVersion), identity(compilerVersion));
 }
 
 QStringList appArguments(const QString &folder)
 {
     const QString name = QFileInfo(folder).fileName();
-    return {QStringLiteral("-I"),
+    // Every file of the app sees SwiftUI, as on a Mac, where Foundation alone brings Combine's
+    // ObservableObject and the kit's own names: a model file that imports only Foundation builds.
+    return {QStringLiteral("-Xfrontend"),
+            QStringLiteral("-import-module"),
+            QStringLiteral("-Xfrontend"),
+            QStringLiteral("SwiftUI"),
+            QStringLiteral("-I"),
             folder,
             QStringLiteral("-I"),
             folder + QStringLiteral("/include"),
@@ -185,9 +206,8 @@ QStringList appArguments(const QString &folder)
 
 QCoro::Task<Build> ensureBuilt(const TaskHandle &task, const QString &swiftc, const QString &compilerVersion)
 {
-    const QString prepared = preparedFolder(compilerVersion);
-    if (isComplete(prepared, identity(compilerVersion)))
-        co_return Build{appArguments(prepared), {}};
+    if (const auto prepared = readyPreparedFolder(compilerVersion))
+        co_return Build{appArguments(*prepared), {}};
     co_return co_await buildInto(cacheFolder(compilerVersion), task, swiftc);
 }
 

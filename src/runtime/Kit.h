@@ -7,6 +7,8 @@
 
 #include <QCoroTask>
 
+#include <optional>
+
 namespace zentoro::Kit {
 
 // The hosted UI kit compiled for one compiler: the arguments an app build adds to link
@@ -39,6 +41,13 @@ QString cacheFolder(const QString &compilerVersion);
 // Zentoro, so a new user's first build doesn't wait for it. Used as it is when complete;
 // never written by a running copy.
 QString preparedFolder(const QString &compilerVersion);
+
+// `lib/zentoro/KitCache/<identity>` under the program's prefix: where `make install` puts the
+// prepared kit, since an installed program's folder (`bin`) is no place for libraries.
+QString installedFolder(const QString &compilerVersion);
+
+// The first complete one of the prepared kit beside the program and the installed one.
+std::optional<QString> readyPreparedFolder(const QString &compilerVersion);
 
 // Whether the kit for this compiler is there, prepared or cached, so a build needn't wait for it.
 bool isReady(const QString &compilerVersion);

@@ -6,11 +6,13 @@
 #include "runtime/KitPainting.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QPlainTextEdit>
 
 #include <cmath>
 #include <functional>
@@ -96,6 +98,7 @@ struct KitHostView::Callbacks {
         v->damageAsked_ = true;
         QMetaObject::invokeMethod(v, &KitHostView::repaintDamage, Qt::QueuedConnection);
     }
+    static void copyText(void *, const char *text) { QApplication::clipboard()->setText(QString::fromUtf8(text)); }
 };
 
 KitHostView::KitHostView(void *library, void *rootView, QWidget *parent)
@@ -128,7 +131,8 @@ KitHostView::KitHostView(void *library, void *rootView, QWidget *parent)
                          &Callbacks::drawText,
                          &Callbacks::drawSymbol,
                          &Callbacks::placeTextField,
-                         &Callbacks::requestRedraw};
+                         &Callbacks::requestRedraw,
+                         &Callbacks::copyText};
     KitMainQueue::start(kit_);
     kit_->attach(root_, host_.get());
     sendAppearance();
@@ -219,14 +223,18 @@ void KitHostView::paintEvent(QPaintEvent *event)
     const ZentoroRect clip{double(area.x()), double(area.y()), double(area.width()), double(area.height())};
     kit_->render(root_, &clip);
     painter_ = nullptr;
-    for (auto it = fields_.begin(); it != fields_.end();) {
-        if (placed_.contains(it.key())) {
-            ++it;
-        } else {
-            it.value()->deleteLater();
-            it = fields_.erase(it);
+    const auto removeUnplaced = [this](auto &widgets) {
+        for (auto it = widgets.begin(); it != widgets.end();) {
+            if (placed_.contains(it.key())) {
+                ++it;
+            } else {
+                it.value()->deleteLater();
+                it = widgets.erase(it);
+            }
         }
-    }
+    };
+    removeUnplaced(fields_);
+    removeUnplaced(editors_);
     afterCall();
 }
 
@@ -282,13 +290,15 @@ void KitHostView::pointer(int kind, QPointF position, Qt::KeyboardModifiers modi
 {
     if (!kit_)
         return;
-    kit_->pointer(root_, kind, position.x(), position.y(), modifierBits(modifiers), clickCount);
+    const int bits = modifierBits(modifiers) | (secondary_ ? ZENTORO_POINTER_SECONDARY : 0);
+    kit_->pointer(root_, kind, position.x(), position.y(), bits, clickCount);
     afterCall();
 }
 
 void KitHostView::mousePressEvent(QMouseEvent *event)
 {
     clickCount_ = 1;
+    secondary_ = event->button() == Qt::RightButton;
     pointer(ZENTORO_POINTER_DOWN, event->position(), event->modifiers(), clickCount_);
 }
 
@@ -306,6 +316,7 @@ void KitHostView::mouseMoveEvent(QMouseEvent *event)
 void KitHostView::mouseReleaseEvent(QMouseEvent *event)
 {
     pointer(ZENTORO_POINTER_UP, event->position(), event->modifiers(), clickCount_);
+    secondary_ = false;
 }
 
 void KitHostView::leaveEvent(QEvent *event)
@@ -361,6 +372,10 @@ void KitHostView::placeTextField(qint64 identifier, const QRectF &rect, const QS
                                  const QFont &font, int flags)
 {
     placed_.insert(identifier);
+    if (flags & ZENTORO_FIELD_MULTILINE) {
+        placeEditor(identifier, rect.toAlignedRect(), text, font, flags);
+        return;
+    }
     QLineEdit *field = fields_.value(identifier);
     if (!field) {
         field = new QLineEdit(this);
@@ -394,6 +409,43 @@ void KitHostView::placeTextField(qint64 identifier, const QRectF &rect, const QS
     field->setEnabled(!(flags & ZENTORO_FIELD_DISABLED));
     if ((flags & ZENTORO_FIELD_FOCUS) && !field->hasFocus())
         field->setFocus(Qt::OtherFocusReason);
+}
+
+void KitHostView::placeEditor(qint64 identifier, const QRect &geometry, const QString &text, const QFont &font,
+                              int flags)
+{
+    QPlainTextEdit *editor = editors_.value(identifier);
+    if (!editor) {
+        editor = new QPlainTextEdit(this);
+        editors_.insert(identifier, editor);
+        editor->setPlainText(text);
+        connect(editor, &QPlainTextEdit::textChanged, this, [this, identifier, editor] {
+            kit_->textChanged(root_, identifier, editor->toPlainText().toUtf8().constData());
+            afterCall();
+        });
+        editor->installEventFilter(new FocusWatcher(editor, [this, identifier](bool focused) {
+            kit_->textFocus(root_, identifier, focused ? 1 : 0);
+            afterCall();
+        }));
+        editor->show();
+    }
+    if (editor->geometry() != geometry)
+        editor->setGeometry(geometry);
+    if (editor->toPlainText() != text) {
+        // Setting the text moves the cursor to the start; keep it where it was when it still fits.
+        const int cursor = editor->textCursor().position();
+        const QSignalBlocker quiet(editor);
+        editor->setPlainText(text);
+        QTextCursor moved = editor->textCursor();
+        moved.setPosition(std::min(cursor, int(text.size())));
+        editor->setTextCursor(moved);
+    }
+    if (editor->font() != font)
+        editor->setFont(font);
+    editor->setFrameShape(flags & ZENTORO_FIELD_PLAIN ? QFrame::NoFrame : QFrame::StyledPanel);
+    editor->setEnabled(!(flags & ZENTORO_FIELD_DISABLED));
+    if ((flags & ZENTORO_FIELD_FOCUS) && !editor->hasFocus())
+        editor->setFocus(Qt::OtherFocusReason);
 }
 
 } // namespace zentoro

@@ -8,6 +8,7 @@
 #include <memory>
 
 class QLineEdit;
+class QPlainTextEdit;
 class QPainter;
 struct ZentoroHost;
 
@@ -62,9 +63,14 @@ private:
     QString error_;
     std::unique_ptr<ZentoroHost> host_;
     QPainter *painter_ = nullptr;
+    void placeEditor(qint64 identifier, const QRect &geometry, const QString &text, const QFont &font, int flags);
+
     QHash<qint64, QLineEdit *> fields_;
+    QHash<qint64, QPlainTextEdit *> editors_;
     QSet<qint64> placed_;
     int clickCount_ = 1;
+    // The secondary button's press goes on until its release.
+    bool secondary_ = false;
     bool damageAsked_ = false;
 };
 

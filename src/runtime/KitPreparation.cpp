@@ -7,6 +7,9 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFile>
+
+#include <cstdio>
 
 namespace zentoro::Kit {
 
@@ -48,18 +51,39 @@ QCoro::Task<int> prepareNow()
     co_return 0;
 }
 
-} // namespace
+QCoro::Task<int> printNow()
+{
+    const Toolchain toolchain = co_await Toolchain::detect();
+    const Toolchain::Compiler *compiler = toolchain.compiler();
+    const auto folder = compiler ? readyPreparedFolder(compiler->version) : std::nullopt;
+    if (!folder)
+        co_return 1;
+    std::printf("%s\n", QFile::encodeName(*folder).constData());
+    co_return 0;
+}
 
-int prepare(int argc, char **argv)
+int runToEnd(int argc, char **argv, QCoro::Task<int> (*work)())
 {
     QCoreApplication application(argc, argv);
     int status = 1;
-    startTask([&status](TaskHandle) -> QCoro::Task<> {
-        status = co_await prepareNow();
+    startTask([&status, work](TaskHandle) -> QCoro::Task<> {
+        status = co_await work();
         QCoreApplication::exit(status);
     });
     QCoreApplication::exec();
     return status;
+}
+
+} // namespace
+
+int prepare(int argc, char **argv)
+{
+    return runToEnd(argc, argv, prepareNow);
+}
+
+int printPreparedFolder(int argc, char **argv)
+{
+    return runToEnd(argc, argv, printNow);
 }
 
 } // namespace zentoro::Kit

@@ -345,6 +345,26 @@ const QHash<QString, Glyph> &glyphs()
         {QStringLiteral("folder"), {[] {
              return polygon({{3, 6}, {9, 6}, {11, 8}, {21, 8}, {21, 19}, {3, 19}});
          }}},
+        // An in-tray: a box open at the top, with the slot of its front.
+        {QStringLiteral("tray"), {[] {
+             return joined({polygon({{3, 12}, {3, 19}, {21, 19}, {21, 12}}, false),
+                            polygon({{3, 12}, {8, 12}, {9.5, 15}, {14.5, 15}, {16, 12}, {21, 12}}, false),
+                            polygon({{3, 12}, {6, 5}, {18, 5}, {21, 12}}, false)});
+         }}},
+        {QStringLiteral("doc"), {[] {
+             return polygon({{6, 3}, {14, 3}, {19, 8}, {19, 21}, {6, 21}});
+         }}},
+        {QStringLiteral("slider.horizontal"),
+         {[] {
+              QPainterPath p;
+              for (const auto &[y, knob] : {std::pair{7.0, 15.0}, std::pair{17.0, 8.0}}) {
+                  p.moveTo(3, y);
+                  p.lineTo(21, y);
+                  p.addEllipse(QPointF(knob, y), 2.2, 2.2);
+              }
+              return p;
+          },
+          true}},
         {QStringLiteral("envelope"), {[] {
              QPainterPath p;
              p.addRect(QRectF(3, 6, 18, 13));

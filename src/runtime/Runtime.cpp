@@ -5,6 +5,7 @@
 #include "runtime/DiskFull.h"
 #include "runtime/KitEntryPoints.h"
 #include "runtime/PluginContainerView.h"
+#include "runtime/Watchdog.h"
 
 #include <QFile>
 
@@ -132,6 +133,7 @@ std::optional<QString> Runtime::load(int version)
     starting.current = version;
     // On disk before any of the new code runs: a crash from here on is blamed on it.
     saveState(starting);
+    stallsAtLoad_ = Watchdog::stalls();
 
     QString error;
     const QByteArray path = QFile::encodeName(workspace_.dylib(version));
@@ -175,6 +177,11 @@ std::optional<QString> Runtime::load(int version)
     return std::nullopt;
 }
 
+bool Runtime::heldWhileStarting() const
+{
+    return state_.loading && Watchdog::stalls() != stallsAtLoad_;
+}
+
 void Runtime::versionDrawn(int generation)
 {
     if (generation != generation_ || provedGeneration_ == generation || !loadedVersion_)
@@ -186,6 +193,11 @@ void Runtime::versionDrawn(int generation)
         co_await sleep(task, provingTime);
         if (!self || self->state_.loading != version)
             co_return;
+        // Left loading on disk, so the next start falls back and tells the agent why.
+        if (self->heldWhileStarting()) {
+            qCWarning(logRuntime, "Version %d held the window while starting; it counts as crashed.", version);
+            co_return;
+        }
         RuntimeState proven = self->state_;
         proven.loading.reset();
         proven.lastGood = version;

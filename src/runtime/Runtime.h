@@ -178,6 +178,10 @@ private:
     bool launched_ = false;
     // The generation whose proving time has started.
     int provedGeneration_ = 0;
+    // The watchdog's count of a held main thread when the version on probation was loaded:
+    // a version that held it while starting is a crash while starting, though it came back.
+    int stallsAtLoad_ = 0;
+    bool heldWhileStarting() const;
     // Looks for the compiler under way.
     int checks_ = 0;
     QTimer *settingsSaver_ = nullptr;

@@ -88,6 +88,8 @@ QCoro::Task<Runtime::Compilation> Runtime::compile(int number, QString sources, 
     const QStringList files = Workspace::swiftFiles(sources);
     if (files.isEmpty())
         co_return Compilation{QStringLiteral("There are no .swift files in the source folder."), {}};
+    if (files.size() > BuildSteps::swiftFileLimit)
+        co_return Compilation{BuildSteps::tooManyFiles(files.size()), {}};
 
     const QString entry = workspace_.build() + QStringLiteral("/ZentoroEntry.swift");
     AtomicFile::write(entry, BuildSteps::entryFile(workspace_.name, workspace_.defaultsSuite()).toUtf8());
@@ -108,7 +110,16 @@ QCoro::Task<Runtime::Compilation> Runtime::compile(int number, QString sources, 
     inputs.sdk = compiler.sdk;
     inputs.kitFlags = kit.arguments;
     inputs.files = QStringList(entry) + files;
-    const QStringList arguments = BuildSteps::compilerArguments(inputs);
+    QStringList arguments;
+    const QString argumentsFile = workspace_.build() + QStringLiteral("/arguments.resp");
+    if (const auto error = AtomicFile::write(argumentsFile,
+                                             BuildSteps::responseFile(BuildSteps::compilerArguments(inputs), arguments),
+                                             0644, AtomicFile::Durability::Written)) {
+        if (AtomicFile::isDiskFull(*error))
+            co_return Compilation{DiskFull::buildFailure(), {}};
+        co_return Compilation{QStringLiteral("Couldn't write the compiler's list of files: %1").arg(*error), {}};
+    }
+    arguments.prepend(u'@' + argumentsFile);
     QElapsedTimer clock;
     clock.start();
     logCompile(number, files.size());

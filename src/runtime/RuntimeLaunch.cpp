@@ -52,10 +52,10 @@ void Runtime::launch()
         onEvent(judgement.shown, judgement.told);
 
     // What the hosted app stored survives the quit (or the restart), and a quit within the
-    // proving time is no crash.
+    // proving time is no crash, unless the version held the window meanwhile.
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
         saveHostedSettings();
-        if (!state_.loading)
+        if (!state_.loading || heldWhileStarting())
             return;
         RuntimeState quitting = state_;
         quitting.loading.reset();

@@ -14,6 +14,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds beat{250};
 
+std::atomic<int> stallCount{0};
+
 QByteArray megabytes(qint64 bytes)
 {
     return bytes >= (qint64(1) << 20) ? QByteArray::number(bytes >> 20) + " MB" : QByteArray::number(bytes) + " bytes";
@@ -47,6 +49,11 @@ Watchdog::~Watchdog()
     thread_.join();
 }
 
+int Watchdog::stalls()
+{
+    return stallCount.load();
+}
+
 void Watchdog::watch()
 {
     bool reported = false;
@@ -56,8 +63,8 @@ void Watchdog::watch()
         const Clock::duration quiet = Clock::now().time_since_epoch() - Clock::duration(lastBeat_.load());
         if (quiet >= limits_.stuckAfter && !reported) {
             const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(quiet).count();
-            writeLine(log_, QByteArrayLiteral("Zentoro: the app's code has kept the window from responding for ") +
-                                QByteArray::number(qlonglong(seconds)) + QByteArrayLiteral(" seconds.\n"));
+            ++stallCount;
+            writeLine(log_, stuckLine + QByteArray::number(qlonglong(seconds)) + QByteArrayLiteral(" seconds.\n"));
             reported = true;
         } else if (quiet < limits_.stuckAfter) {
             reported = false;

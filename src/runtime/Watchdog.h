@@ -22,10 +22,18 @@ public:
         qint64 logBytes = qint64(64) << 20;
     };
 
+    // Opens the line written when the main thread has been held for `stuckAfter`; the next
+    // start reads it.
+    static constexpr char stuckLine[] = "Zentoro: the app's code has kept the window from responding for ";
+
     // `log` is the descriptor the output goes to; it must have been opened for appending.
     explicit Watchdog(int log, Limits limits);
     Watchdog() : Watchdog(2, Limits{}) {}
     ~Watchdog() override;
+
+    // How many times in this process any watchdog found the main thread held: a version that
+    // held it while starting is never proved, like one that crashed.
+    static int stalls();
 
 private:
     void watch();

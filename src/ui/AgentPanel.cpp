@@ -9,13 +9,17 @@
 #include "ui/Icons.h"
 #include "ui/LazyColumn.h"
 #include "ui/PanelStyle.h"
+#include "ui/RoundedBox.h"
 #include "ui/SetupRows.h"
+#include "ui/Shortcuts.h"
 #include "ui/WorkingRow.h"
 
 #include <QBoxLayout>
+#include <QDesktopServices>
 #include <QEvent>
 #include <QFrame>
 #include <QMenu>
+#include <QPainter>
 
 namespace zentoro {
 
@@ -79,9 +83,8 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
     auto *headColumn = new QVBoxLayout(head);
     headColumn->setContentsMargins(0, 0, 0, 0);
     headColumn->setSpacing(14);
-    accessBox_ = new QFrame;
+    accessBox_ = new RoundedBox(10);
     accessBox_->setObjectName(QStringLiteral("access"));
-    accessBox_->setStyleSheet(QStringLiteral("#access { background: palette(alternate-base); border-radius: 10px; }"));
     auto *accessColumn = new QVBoxLayout(accessBox_);
     accessColumn->setContentsMargins(14, 14, 14, 14);
     accessRow_ = new AgentAccessRow(agent_);
@@ -96,19 +99,41 @@ AgentPanel::AgentPanel(Agent &agent, QWidget *parent) : QWidget(parent), agent_(
 
     composer_ = new Composer;
     column->addWidget(composer_);
+    planRow_ = makePlanRow();
+    column->addWidget(planRow_);
 
-    connect(emptyState_, &EmptyState::suggestionChosen, this, [this](const QString &text) { agent_.send(text); });
+    connect(emptyState_, &EmptyState::suggestionChosen, this, [this](const QString &text) {
+        transcript_->scrollToBottom();
+        agent_.send(text);
+    });
     connect(composer_, &Composer::sendRequested, this, &AgentPanel::send);
     connect(composer_, &Composer::stopRequested, this, [this] { agent_.task().cancel(); });
     connect(composer_->field(), &QPlainTextEdit::textChanged, this, &AgentPanel::syncState);
 
     connect(&agent_, &Agent::itemsChanged, this, &AgentPanel::syncItems);
     for (auto signal : {&Agent::isRunningChanged, &Agent::hasAPIKeyChanged, &Agent::preferredProviderChanged,
-                        &Agent::conversationsChanged})
+                        &Agent::conversationsChanged, &Agent::planChanged})
         connect(&agent_, signal, this, &AgentPanel::syncState);
 
     syncItems();
     syncState();
+}
+
+// Under the composer while the plan pays: a reminder and the way to its usage page.
+QWidget *AgentPanel::makePlanRow()
+{
+    auto *row = new QLabel(QStringLiteral("Using ChatGPT plan&nbsp;&nbsp;<a href=\"usage\">Manage usage</a>"));
+    row->setObjectName(QStringLiteral("planRow"));
+    row->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
+    PanelStyle::setTextColor(row, PanelStyle::secondary(palette()));
+    row->setAlignment(Qt::AlignCenter);
+    row->setContentsMargins(0, 0, 0, 8);
+    row->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
+    connect(row, &QLabel::linkActivated, this, [this] {
+        if (agent_.plan())
+            QDesktopServices::openUrl(agent_.plan()->usageURL());
+    });
+    return row;
 }
 
 QWidget *AgentPanel::makeHeader()
@@ -128,7 +153,7 @@ QWidget *AgentPanel::makeHeader()
     model_ = new QLabel(AgentConfig::model());
     model_->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
     model_->setAccessibleName(QStringLiteral("Model"));
-    PanelStyle::setTextColor(model_, PanelStyle::secondary(palette()));
+    PanelStyle::setTextRole(model_, PanelStyle::Role::Secondary);
     row->addWidget(model_);
     row->addStretch(1);
 
@@ -143,11 +168,16 @@ QWidget *AgentPanel::makeHeader()
     });
     row->addWidget(conversations_);
 
-    newConversation_ = headerButton(QStringLiteral(
-                                        "New conversation (Alt+Ctrl+K). This one stays under Conversations."),
+    newConversation_ = headerButton(Shortcuts::withShortcut(QStringLiteral("New conversation"),
+                                                            Shortcuts::newConversation()) +
+                                        QStringLiteral(". This one stays under Conversations."),
                                     QStringLiteral("New conversation"));
     connect(newConversation_, &QToolButton::clicked, this, [this] { agent_.newConversation(); });
     row->addWidget(newConversation_);
+
+    settings_ = headerButton(QStringLiteral("Settings"), QStringLiteral("Settings"));
+    connect(settings_, &QToolButton::clicked, this, &AgentPanel::settingsRequested);
+    row->addWidget(settings_);
     updateHeaderIcons();
     return header;
 }
@@ -160,6 +190,7 @@ void AgentPanel::updateHeaderIcons()
     const QColor disabled = PanelStyle::tertiary(p);
     conversations_->setIcon(Icons::icon(QStringLiteral("clock.arrow.circlepath"), normal, 16, disabled));
     newConversation_->setIcon(Icons::icon(QStringLiteral("square.and.pencil"), normal, 16, disabled));
+    settings_->setIcon(Icons::icon(QStringLiteral("gearshape"), normal, 16, disabled));
 }
 
 void AgentPanel::changeEvent(QEvent *event)
@@ -211,6 +242,8 @@ void AgentPanel::send()
         return;
     const QString text = draft();
     composer_->field()->clear();
+    // Whatever the user was reading, their own words and the work they start come into view.
+    transcript_->scrollToBottom();
     agent_.send(text);
 }
 
@@ -230,6 +263,7 @@ void AgentPanel::syncState()
         accessBox_->setVisible(!hasProvider);
     }
     workingRow_->setVisible(running);
+    planRow_->setVisible(agent_.provider() == Provider::ChatGPT);
     newConversation_->setEnabled(!shown_.isEmpty());
     conversations_->setEnabled(!agent_.conversations().isEmpty());
     // Whether the last row offers "Try Again" follows the run's state.
@@ -241,14 +275,24 @@ void AgentPanel::syncState()
     }
 }
 
+void AgentPanel::syncModel()
+{
+    model_->setText(AgentConfig::model());
+}
+
 void AgentPanel::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    model_->setText(AgentConfig::model());
-    if (!focusedOnce_) {
-        focusedOnce_ = true;
-        composer_->field()->setFocus();
-    }
+    syncModel();
+    composer_->field()->setFocus();
+}
+
+void AgentPanel::paintEvent(QPaintEvent *)
+{
+    // The edge against the app's side, which on the setup screen has the same background.
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(0, 0, 0, height());
 }
 
 } // namespace zentoro

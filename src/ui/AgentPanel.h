@@ -36,16 +36,28 @@ public:
     EmptyState *emptyState() const { return emptyState_; }
     // At the head of the transcript while no provider is available.
     AgentAccessRow *accessRow() const { return accessRow_; }
+    QWidget *accessBox() const { return accessBox_; }
     WorkingRow *workingRow() const { return workingRow_; }
+    // "Using ChatGPT plan · Manage usage", under the composer while the plan is the provider.
+    QWidget *planRow() const { return planRow_; }
     QToolButton *conversationsButton() const { return conversations_; }
     QToolButton *newConversationButton() const { return newConversation_; }
+    QToolButton *settingsButton() const { return settings_; }
+
+    // Shows the model that requests ask for now.
+    void syncModel();
+
+signals:
+    void settingsRequested();
 
 protected:
     void showEvent(QShowEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     QWidget *makeHeader();
+    QWidget *makePlanRow();
     void syncItems();
     void syncState();
     void updateHeaderIcons();
@@ -59,13 +71,14 @@ private:
     QLabel *model_ = nullptr;
     QToolButton *conversations_ = nullptr;
     QToolButton *newConversation_ = nullptr;
+    QToolButton *settings_ = nullptr;
     LazyColumn *transcript_ = nullptr;
     EmptyState *emptyState_ = nullptr;
     QFrame *accessBox_ = nullptr;
     AgentAccessRow *accessRow_ = nullptr;
     WorkingRow *workingRow_ = nullptr;
     Composer *composer_ = nullptr;
-    bool focusedOnce_ = false;
+    QWidget *planRow_ = nullptr;
 };
 
 } // namespace zentoro

@@ -29,18 +29,17 @@ BannerView::BannerView(Runtime &runtime, Agent &agent, QWidget *parent)
     row->setContentsMargins(14, 10, 14, 10);
     row->setSpacing(10);
 
-    icon_->setPixmap(Icons::pixmap(QStringLiteral("exclamationmark.triangle.fill"), 16, PanelStyle::orange(palette()),
-                                   devicePixelRatioF()));
+    updateIcon();
     row->addWidget(icon_, 0, Qt::AlignTop);
 
     auto *texts = new QVBoxLayout;
     texts->setSpacing(2);
-    title_->setFont(PanelStyle::font(font(), PanelStyle::Type::Body, QFont::Medium));
+    title_->setFont(PanelStyle::font(font(), PanelStyle::Type::Body, PanelStyle::medium(font())));
     title_->setWordWrap(true);
     title_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     texts->addWidget(title_);
     detail_->setFont(PanelStyle::monospaced(font(), PanelStyle::Type::Callout));
-    PanelStyle::setTextColor(detail_, PanelStyle::secondary(palette()));
+    PanelStyle::setTextRole(detail_, PanelStyle::Role::Secondary);
     detail_->setWordWrap(true);
     detail_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     detail_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -50,6 +49,14 @@ BannerView::BannerView(Runtime &runtime, Agent &agent, QWidget *parent)
 
     row->addWidget(fix_, 0, Qt::AlignTop);
     row->addWidget(dismiss_, 0, Qt::AlignTop);
+
+    // The items share the first baseline: the buttons' label sets it, as the tallest.
+    const QFontMetrics button = dismiss_->fontMetrics();
+    const QFontMetrics title = title_->fontMetrics();
+    const int buttonBaseline = (dismiss_->sizeHint().height() - button.height()) / 2 + button.ascent();
+    const int drop = std::max(0, buttonBaseline - title.ascent());
+    texts->setContentsMargins(0, drop, 0, 0);
+    icon_->setContentsMargins(0, std::max(0, drop + title.ascent() - 14), 0, 0);
 
     connect(fix_, &QPushButton::clicked, this, [this] {
         if (!runtime_.banner())
@@ -63,6 +70,19 @@ BannerView::BannerView(Runtime &runtime, Agent &agent, QWidget *parent)
     connect(&agent_, &Agent::hasAPIKeyChanged, this, &BannerView::sync);
     connect(&agent_, &Agent::preferredProviderChanged, this, &BannerView::sync);
     sync();
+}
+
+void BannerView::updateIcon()
+{
+    icon_->setPixmap(Icons::pixmap(QStringLiteral("exclamationmark.triangle.fill"), 16, PanelStyle::orange(palette()),
+                                   devicePixelRatioF()));
+}
+
+void BannerView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        updateIcon();
+    QWidget::changeEvent(event);
 }
 
 QString BannerView::fixRequest(const Banner &banner)

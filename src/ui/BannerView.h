@@ -29,8 +29,10 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    void updateIcon();
     void sync();
 
     Runtime &runtime_;

@@ -3,6 +3,7 @@
 #include "ui/BrandFont.h"
 
 #include <QAccessible>
+#include <QAccessibleWidget>
 #include <QPainter>
 #include <QTextBoundaryFinder>
 
@@ -86,9 +87,26 @@ QIcon stretchGlyph(const QColor &color)
     return icon;
 }
 
+namespace {
+
+// Assistive technology reads the wordmark as one heading named by its text.
+QAccessibleInterface *wordmarkAccessible(const QString &className, QObject *object)
+{
+    if (className != QLatin1String(StretchWordmark::staticMetaObject.className()) || !object->isWidgetType())
+        return nullptr;
+    return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Heading);
+}
+
+} // namespace
+
 StretchWordmark::StretchWordmark(QString text, double size, QWidget *parent)
     : QWidget(parent), text_(std::move(text)), size_(size)
 {
+    static const bool installed = [] {
+        QAccessible::installFactory(wordmarkAccessible);
+        return true;
+    }();
+    Q_UNUSED(installed);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setAccessibleName(text_);
@@ -106,8 +124,9 @@ void StretchWordmark::setText(const QString &text)
 
 QSizeF StretchWordmark::naturalSize() const
 {
+    // Room for the word pulled out, so that hovering neither cuts it nor moves it off centre.
     const BrandFont::Font font = BrandFont::anybody(size_, 100, StretchedText::weight);
-    const QRectF bounds = StretchedText::outline(text_, size_, 0).boundingRect();
+    const QRectF bounds = StretchedText::outline(text_, size_, 1).boundingRect();
     return {std::max(bounds.right(), 0.0), font.ascent() + font.descent()};
 }
 
@@ -172,7 +191,7 @@ void StretchWordmark::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setClipRect(rect());
     const double wordWidth = word.boundingRect().right() * scale;
-    const double x = std::max(0.0, (width() - wordWidth) / 2);
+    const double x = (width() - wordWidth) / 2;
     painter.translate(x, (height() - (font.ascent() + font.descent()) * scale) / 2 + font.ascent() * scale);
     painter.scale(scale, scale);
     painter.fillPath(word, palette().color(QPalette::WindowText));

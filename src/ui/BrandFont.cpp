@@ -154,6 +154,23 @@ QFont fallbackFont(double size)
     return font;
 }
 
+// Whether Anybody draws every character of `text`; it has Latin letters only, and a name in
+// another script is drawn in a system face that has them.
+bool covers(const QString &text)
+{
+    const Typeface &typeface = *BrandFont::typeface();
+    FontHandle font(hb_font_create(typeface.face), &hb_font_destroy);
+    for (const char32_t c : text.toUcs4()) {
+        // Joiners and variation selectors shape with their neighbours and need no glyph.
+        if (c == 0x200D || (c >= 0xFE00 && c <= 0xFE0F))
+            continue;
+        hb_codepoint_t glyph = 0;
+        if (!hb_font_get_nominal_glyph(font.get(), c, &glyph))
+            return false;
+    }
+    return true;
+}
+
 double verticalExtent(const Font &face, bool ascent)
 {
     const Typeface &typeface = *BrandFont::typeface();
@@ -186,7 +203,7 @@ QPainterPath Font::outline(const QString &text) const
     // A variable font keeps a glyph's overlapping contours; TrueType fills them by winding.
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
-    if (!isAnybody) {
+    if (!isAnybody || !covers(text)) {
         path.addText(QPointF(0, 0), fallbackFont(size), text);
         return path;
     }
@@ -199,7 +216,7 @@ QPainterPath Font::outline(const QString &text) const
 
 double Font::advance(const QString &text) const
 {
-    if (!isAnybody)
+    if (!isAnybody || !covers(text))
         return QFontMetricsF(fallbackFont(size)).horizontalAdvance(text);
     return shape(*this, text, [](hb_font_t *, hb_codepoint_t, double, double, double) {});
 }

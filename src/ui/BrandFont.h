@@ -15,8 +15,8 @@ double clampedWidth(double width);
 bool registered();
 
 // One face of the brand typeface: Anybody at a size, a width and a weight, or the system
-// font in heavy weight when Anybody can't be had. Qt can't set variation axes, so text in
-// this face is drawn as outlines.
+// font in heavy weight when Anybody can't be had or lacks a character of the text. Qt can't set variation axes, so text
+// in this face is drawn as outlines.
 struct Font {
     double size = 0;
     double width = 100;

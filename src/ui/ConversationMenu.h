@@ -15,8 +15,8 @@ namespace zentoro::ConversationMenu {
 // The menu reaches the newest conversations only.
 inline constexpr qsizetype entryLimit = 40;
 
-// Fills `menu` with one checkable entry per conversation, in list order up to the limit: its
-// title and when it changed, told relative to `now`; checked when it is the open one.
+// Fills `menu` with one entry per conversation, in list order up to the limit: its title and,
+// on a second line, when it changed, told relative to `now`; a check mark on the open one.
 void fill(QMenu *menu, const QList<ConversationSummary> &conversations, const QUuid &open, const QDateTime &now,
           const std::function<void(const QUuid &id)> &choose);
 

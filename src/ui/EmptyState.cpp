@@ -83,7 +83,7 @@ EmptyState::EmptyState(QWidget *parent) : QWidget(parent)
     auto *about = new QLabel(QStringLiteral("Describe a change. The agent edits the app's Swift code, builds it, and "
                                             "swaps the new version into the window on the left."));
     about->setWordWrap(true);
-    PanelStyle::setTextColor(about, PanelStyle::secondary(palette()));
+    PanelStyle::setTextRole(about, PanelStyle::Role::Secondary);
     column->addWidget(about);
 
     for (const QString &text : suggestions()) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 
@@ -76,6 +77,10 @@ void LazyColumn::reset(qsizetype count)
 
 void LazyColumn::append(qsizetype count)
 {
+    // New rows are followed from near the bottom too: a reader a little way up is still
+    // watching the conversation, one far up is reading an earlier part of it.
+    if (isNearBottom())
+        stickToBottom_ = true;
     const int width = rowWidth();
     for (qsizetype i = 0; i < count; ++i) {
         const qsizetype row = qsizetype(heights_.size());
@@ -105,6 +110,12 @@ QWidget *LazyColumn::rowWidget(qsizetype row) const
 bool LazyColumn::isAtBottom() const
 {
     return verticalScrollBar()->value() >= verticalScrollBar()->maximum();
+}
+
+bool LazyColumn::isNearBottom() const
+{
+    const QScrollBar *bar = verticalScrollBar();
+    return bar->maximum() - bar->value() <= std::max(nearBottom, viewport()->height() / 4);
 }
 
 void LazyColumn::scrollToBottom()
@@ -275,14 +286,39 @@ bool LazyColumn::viewportEvent(QEvent *event)
     switch (event->type()) {
     case QEvent::Resize: layoutRows(); break;
     case QEvent::LayoutRequest:
-        // A row, the header or the footer changed its size.
+        // A row, the header or the footer changed its size, and may have gained a control,
+        // such as opened details, that has to take its place in the tab order.
         for (auto &[row, widget] : built_)
             measured_[size_t(row)] = false;
+        orderTabs();
         scheduleLayout();
         break;
     default: break;
     }
     return QAbstractScrollArea::viewportEvent(event);
+}
+
+void LazyColumn::paintEvent(QPaintEvent *)
+{
+    // The column takes the focus to scroll by keys, and shows that it has it.
+    if (!hasFocus())
+        return;
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(2, 2, -2, -2), 6, 6);
+}
+
+void LazyColumn::focusInEvent(QFocusEvent *event)
+{
+    viewport()->update();
+    QAbstractScrollArea::focusInEvent(event);
+}
+
+void LazyColumn::focusOutEvent(QFocusEvent *event)
+{
+    viewport()->update();
+    QAbstractScrollArea::focusOutEvent(event);
 }
 
 void LazyColumn::scrollContentsBy(int, int)
@@ -326,7 +362,9 @@ void LazyColumn::orderTabs()
     const auto follow = [&previous](QWidget *block) {
         if (!block)
             return;
-        for (QWidget *widget : block->findChildren<QWidget *>()) {
+        QList<QWidget *> widgets = block->findChildren<QWidget *>();
+        widgets.prepend(block);
+        for (QWidget *widget : widgets) {
             if (widget->focusPolicy() & Qt::TabFocus) {
                 QWidget::setTabOrder(previous, widget);
                 previous = widget;

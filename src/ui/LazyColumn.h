@@ -13,7 +13,8 @@ namespace zentoro {
 // part exist as widgets: a long transcript costs what a screenful costs. Rows not yet built
 // take an estimated height until they are. A header and a footer widget stand before and
 // after the rows. The column keeps to its bottom while it is scrolled to the bottom, also
-// when content grows, and otherwise keeps the row at its top in place.
+// when content grows, follows new rows from near the bottom, and otherwise keeps the row at
+// its top in place.
 class LazyColumn : public QAbstractScrollArea {
     Q_OBJECT
 public:
@@ -41,6 +42,9 @@ public:
     QWidget *rowWidget(qsizetype row) const;
     qsizetype builtCount() const { return qsizetype(built_.size()); }
     bool isAtBottom() const;
+    // Within a short way of the bottom, where new rows are still followed.
+    bool isNearBottom() const;
+    static constexpr int nearBottom = 48;
     void scrollToBottom();
     // Lays the rows out now rather than at the next turn of the event loop.
     void layoutNow();
@@ -48,6 +52,9 @@ public:
 protected:
     bool viewportEvent(QEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
+    void paintEvent(QPaintEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     int rowWidth() const;

@@ -9,10 +9,13 @@
 #include "ui/Brand.h"
 #include "ui/Icons.h"
 #include "ui/SetupView.h"
+#include "ui/Shortcuts.h"
 #include "ui/Spinner.h"
 #include "ui/VersionMenu.h"
+#include "ui/WindowLayout.h"
 #include "ui/ZentoroCommands.h"
 
+#include <QApplication>
 #include <QMenu>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -58,7 +61,11 @@ MainWindow::MainWindow(Runtime &runtime, Agent &agent, QWidget *parent)
     setCentralWidget(splitter_);
 
     panel_->setVisible(agentShownSetting());
+    WindowLayout::restore(*this, *splitter_, runtime.workspace().defaultsSuite());
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::saveLayout);
     commands_ = new ZentoroCommands(*this, runtime, agent);
+    connect(panel_, &AgentPanel::settingsRequested, commands_, &ZentoroCommands::showSettings);
+    connect(commands_, &ZentoroCommands::modelChanged, panel_, &AgentPanel::syncModel);
 
     for (auto signal : {&Runtime::isBuildingChanged, &Runtime::loadedVersionChanged, &Runtime::safeModeChanged})
         connect(&runtime_, signal, this, &MainWindow::syncToolbar);
@@ -76,13 +83,9 @@ void MainWindow::makeToolbar()
     bar->setFloatable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     bar->toggleViewAction()->setVisible(false);
-    const QColor ink = palette().color(QPalette::ButtonText);
-
     version_ = new QToolButton;
-    version_->setIcon(Icons::icon(QStringLiteral("clock.arrow.circlepath"), ink));
     version_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     version_->setPopupMode(QToolButton::InstantPopup);
-    version_->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; width: 0; }"));
     version_->setToolTip(QStringLiteral("Versions: go back to an earlier build"));
     auto *menu = new QMenu(version_);
     connect(menu, &QMenu::aboutToShow, this, [this, menu] { VersionMenu::fill(menu, runtime_, this); });
@@ -101,20 +104,34 @@ void MainWindow::makeToolbar()
     const QString name = runtime_.workspace().name;
     restart_ = new QToolButton;
     restart_->setText(QStringLiteral("Restart"));
-    restart_->setIcon(Icons::icon(QStringLiteral("arrow.clockwise"), ink));
     restart_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    restart_->setToolTip(QStringLiteral("Restart %1 (Alt+Ctrl+R)").arg(name));
+    restart_->setToolTip(Shortcuts::withShortcut(QStringLiteral("Restart %1").arg(name), Shortcuts::restart()));
     restart_->setAccessibleName(QStringLiteral("Restart %1").arg(name));
     connect(restart_, &QToolButton::clicked, this, [this] { runtime_.relaunch(false); });
     bar->addWidget(restart_);
 
     agentToggle_ = new QToolButton;
     agentToggle_->setText(QStringLiteral("Agent"));
-    agentToggle_->setIcon(Brand::stretchGlyph(ink));
     agentToggle_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     agentToggle_->setAccessibleName(QStringLiteral("Agent"));
     connect(agentToggle_, &QToolButton::clicked, this, [this] { setShowAgent(!showsAgent()); });
     bar->addWidget(agentToggle_);
+    updateToolbarIcons();
+}
+
+void MainWindow::updateToolbarIcons()
+{
+    const QColor ink = palette().color(QPalette::ButtonText);
+    version_->setIcon(Icons::icon(QStringLiteral("clock.arrow.circlepath"), ink));
+    restart_->setIcon(Icons::icon(QStringLiteral("arrow.clockwise"), ink));
+    agentToggle_->setIcon(Brand::stretchGlyph(ink));
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange && version_)
+        updateToolbarIcons();
+    QMainWindow::changeEvent(event);
 }
 
 void MainWindow::syncToolbar()
@@ -122,8 +139,9 @@ void MainWindow::syncToolbar()
     version_->setText(VersionMenu::label(runtime_));
     version_->setAccessibleName(version_->text());
     buildingAction_->setVisible(runtime_.isBuilding());
-    agentToggle_->setToolTip(showsAgent() ? QStringLiteral("Hide the agent (Alt+Ctrl+I)")
-                                          : QStringLiteral("Show the agent (Alt+Ctrl+I)"));
+    agentToggle_->setToolTip(
+        Shortcuts::withShortcut(showsAgent() ? QStringLiteral("Hide the agent") : QStringLiteral("Show the agent"),
+                                Shortcuts::toggleAgent()));
 }
 
 void MainWindow::syncContent()
@@ -169,6 +187,11 @@ void MainWindow::setShowAgent(bool shown)
     if (shown)
         splitter_->setSizes({width() - panelIdealWidth, panelIdealWidth});
     emit showAgentChanged();
+}
+
+void MainWindow::saveLayout() const
+{
+    WindowLayout::save(*this, *splitter_, runtime_.workspace().defaultsSuite());
 }
 
 void MainWindow::bringToFront()

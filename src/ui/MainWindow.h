@@ -49,15 +49,20 @@ public:
 
     // Brings the window forward when another start of this copy asks for it.
     void bringToFront();
+    // Keeps the window's size, place and panel width for the next start of this copy; at every
+    // orderly quit.
+    void saveLayout() const;
 
 signals:
     void showAgentChanged();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void makeToolbar();
+    void updateToolbarIcons();
     void syncToolbar();
     void syncContent();
 

@@ -1,12 +1,16 @@
 #include "ui/SetupRows.h"
 
 #include "agent/Agent.h"
+#include "chatgpt/ChatGPT.h"
 #include "model_service/AgentConfig.h"
 #include "runtime/Runtime.h"
+#include "ui/ChatGPTSignIn.h"
 #include "ui/Icons.h"
 #include "ui/PanelStyle.h"
 #include "ui/Spinner.h"
 
+#include <QEvent>
+#include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -24,7 +28,7 @@ QLabel *secondaryLabel(QWidget *owner, PanelStyle::Type type)
 {
     auto *label = new QLabel;
     label->setFont(PanelStyle::font(owner->font(), type));
-    PanelStyle::setTextColor(label, PanelStyle::secondary(owner->palette()));
+    PanelStyle::setTextRole(label, PanelStyle::Role::Secondary);
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
@@ -33,9 +37,47 @@ QLabel *secondaryLabel(QWidget *owner, PanelStyle::Type type)
 QLabel *titleLabel(QWidget *owner)
 {
     auto *label = new QLabel;
-    label->setFont(PanelStyle::font(owner->font(), PanelStyle::Type::Body, QFont::Medium));
+    label->setFont(PanelStyle::font(owner->font(), PanelStyle::Type::Body, PanelStyle::medium(owner->font())));
     label->setWordWrap(true);
     return label;
+}
+
+// A link in the tint colour. Rich text takes a link's colour from the markup rather than from
+// the label's palette, so the markup is written anew when the palette changes.
+class TintLink : public QLabel {
+public:
+    TintLink(const QString &url, const QString &text) : url_(url), text_(text)
+    {
+        setOpenExternalLinks(true);
+        setTextInteractionFlags(Qt::TextBrowserInteraction);
+        setAccessibleName(text);
+        write();
+    }
+
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        if (event->type() == QEvent::PaletteChange)
+            write();
+        QLabel::changeEvent(event);
+    }
+
+private:
+    void write()
+    {
+        setText(QStringLiteral("<a href=\"%1\" style=\"color: %2\">%3</a>")
+                    .arg(url_.toHtmlEscaped(), PanelStyle::tint(palette()).name(), text_.toHtmlEscaped()));
+    }
+
+    QString url_;
+    QString text_;
+};
+// The accounts behind the agent's plan; the process's own when the plan is another kind.
+ChatGPT &signedInAccounts(Agent &agent)
+{
+    if (auto *accounts = qobject_cast<ChatGPT *>(agent.plan()))
+        return *accounts;
+    return ChatGPT::shared();
 }
 
 bool isBlank(const QString &text)
@@ -87,6 +129,13 @@ ToolchainRow::ToolchainRow(Runtime &runtime, QWidget *parent)
     });
     connect(&runtime_, &Runtime::toolchainChanged, this, &ToolchainRow::sync);
     sync();
+}
+
+void ToolchainRow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        sync();
+    QWidget::changeEvent(event);
 }
 
 QString ToolchainRow::title() const
@@ -155,7 +204,7 @@ void ToolchainRow::sync()
 }
 
 AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
-    : QWidget(parent), agent_(agent), symbol_(new QLabel), title_(titleLabel(this)),
+    : QWidget(parent), agent_(agent), chatgpt_(signedInAccounts(agent)), symbol_(new QLabel), title_(titleLabel(this)),
       detail_(secondaryLabel(this, PanelStyle::Type::Caption)), entry_(new QWidget), key_(new QLineEdit),
       save_(new QPushButton(QStringLiteral("Save"))), error_(new QLabel)
 {
@@ -175,9 +224,12 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     entry->setContentsMargins(0, 0, 0, 0);
     entry->setSpacing(6);
     QLabel *explanation = secondaryLabel(this, PanelStyle::Type::Callout);
-    explanation->setText(QStringLiteral("It runs on OpenAI's models, with an API key billed to your OpenAI account."));
+    explanation->setText(QStringLiteral(
+        "It runs on OpenAI's models: use your ChatGPT plan, or an API key billed to your OpenAI account."));
     entry->addWidget(explanation);
-    auto *prompt = new QLabel(QStringLiteral("Paste an API key:"));
+    signIn_ = new ChatGPTSignIn(chatgpt_);
+    entry->addWidget(signIn_);
+    auto *prompt = new QLabel(QStringLiteral("Or paste an API key:"));
     prompt->setFont(PanelStyle::font(font(), PanelStyle::Type::Callout));
     entry->addWidget(prompt);
     auto *fieldRow = new QHBoxLayout;
@@ -189,14 +241,12 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     fieldRow->addWidget(key_, 1);
     fieldRow->addWidget(save_);
     entry->addLayout(fieldRow);
-    auto *link = new QLabel(
-        QStringLiteral("<a href=\"https://platform.openai.com/api-keys\">API keys on the OpenAI platform</a>"));
+    auto *link = new TintLink(QStringLiteral("https://platform.openai.com/api-keys"),
+                              QStringLiteral("API keys on the OpenAI platform"));
     link->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
-    link->setOpenExternalLinks(true);
-    link->setTextInteractionFlags(Qt::TextBrowserInteraction);
     entry->addWidget(link);
     error_->setFont(PanelStyle::font(font(), PanelStyle::Type::Caption));
-    PanelStyle::setTextColor(error_, PanelStyle::red(palette()));
+    PanelStyle::setTextRole(error_, PanelStyle::Role::Red);
     error_->setWordWrap(true);
     error_->hide();
     entry->addWidget(error_);
@@ -208,8 +258,19 @@ AgentAccessRow::AgentAccessRow(Agent &agent, QWidget *parent)
     connect(save_, &QPushButton::clicked, this, &AgentAccessRow::save);
     connect(&agent_, &Agent::hasAPIKeyChanged, this, &AgentAccessRow::sync);
     connect(&agent_, &Agent::preferredProviderChanged, this, &AgentAccessRow::sync);
+    connect(&agent_, &Agent::planChanged, this, &AgentAccessRow::sync);
+    connect(&chatgpt_, &ChatGPT::accountsChanged, this, &AgentAccessRow::sync);
+    detail_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::LinksAccessibleByMouse);
+    connect(detail_, &QLabel::linkActivated, this, [this] { QDesktopServices::openUrl(chatgpt_.usageURL()); });
     save_->setEnabled(false);
     sync();
+}
+
+void AgentAccessRow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        sync();
+    QWidget::changeEvent(event);
 }
 
 QString AgentAccessRow::title() const
@@ -261,7 +322,9 @@ void AgentAccessRow::sync()
                                                  : QStringLiteral("From the OPENAI_API_KEY environment variable."));
     } else {
         title_->setText(QStringLiteral("Using your ChatGPT plan"));
-        detail_->hide();
+        const std::optional<ChatGPTAccount> account = chatgpt_.account();
+        detail_->setText(QStringLiteral("%1  <a href=\"usage\">Manage usage</a>")
+                             .arg((account ? account->label() : QString()).toHtmlEscaped()));
     }
 }
 

@@ -10,6 +10,8 @@ class QStackedWidget;
 namespace zentoro {
 
 class Agent;
+class ChatGPT;
+class ChatGPTSignIn;
 class Runtime;
 class Spinner;
 
@@ -24,6 +26,9 @@ public:
     QString detail() const;
     QPushButton *actionButton() const { return action_; }
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     void sync();
 
@@ -35,7 +40,8 @@ private:
     QPushButton *action_;
 };
 
-// How the agent reaches the model: the key in use, or the field to paste one into.
+// How the agent reaches the model: the plan or the key in use, or the ways to connect: signing
+// in with ChatGPT and the field to paste a key into.
 class AgentAccessRow : public QWidget {
     Q_OBJECT
 public:
@@ -45,14 +51,20 @@ public:
     QString detail() const;
     QLineEdit *keyField() const { return key_; }
     QPushButton *saveButton() const { return save_; }
+    ChatGPTSignIn *signIn() const { return signIn_; }
     QString error() const;
     // Saves the typed key for every copy; on success the field empties and the row shows the key in use.
     void save();
+
+protected:
+    void changeEvent(QEvent *event) override;
 
 private:
     void sync();
 
     Agent &agent_;
+    ChatGPT &chatgpt_;
+    ChatGPTSignIn *signIn_ = nullptr;
     QLabel *symbol_;
     QLabel *title_;
     QLabel *detail_;

@@ -4,14 +4,19 @@
 #include "ui/AppIcon.h"
 #include "ui/Brand.h"
 #include "ui/PanelStyle.h"
+#include "ui/RoundedBox.h"
 #include "ui/SetupRows.h"
 #include "ui/Spinner.h"
 
+#include <QApplication>
+#include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QResizeEvent>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -23,14 +28,89 @@ constexpr int iconSize = 112;
 constexpr int introWidth = 460;
 constexpr int boxWidth = 520;
 
-// The box of the two needs, on the secondary background in a rounded rectangle.
-class NeedsBox : public QFrame {
+// Holds one widget centred, at most `maximum` wide and narrower with the window. A layout
+// asks an item's height for the whole width it offers, not for the width an alignment leaves
+// it: this asks the widget for the width it really gets.
+class CappedWidth : public QWidget {
 public:
-    NeedsBox()
+    CappedWidth(QWidget *content, int maximum) : content_(content), maximum_(maximum)
     {
-        setFixedWidth(boxWidth);
-        setObjectName(QStringLiteral("needs"));
-        setStyleSheet(QStringLiteral("#needs { background: palette(alternate-base); border-radius: 12px; }"));
+        content_->setParent(this);
+        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+        policy.setHeightForWidth(true);
+        setSizePolicy(policy);
+    }
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override
+    {
+        const int inner = std::min(width, maximum_);
+        return content_->hasHeightForWidth() ? content_->heightForWidth(inner) : content_->sizeHint().height();
+    }
+    QSize sizeHint() const override
+    {
+        const int width = std::min(content_->sizeHint().width(), maximum_);
+        return QSize(width, heightForWidth(width));
+    }
+    // The height at the narrowest would be the tallest of all; a scroll area takes a minimum
+    // height as a floor, so the height at the widest stands for it, and the width gives the rest.
+    QSize minimumSizeHint() const override
+    {
+        return QSize(std::min(content_->minimumSizeHint().width(), maximum_), heightForWidth(maximum_));
+    }
+
+protected:
+    void resizeEvent(QResizeEvent *) override
+    {
+        const int inner = std::min(width(), maximum_);
+        content_->setGeometry((width() - inner) / 2, 0, inner, height());
+    }
+    bool event(QEvent *event) override
+    {
+        // The content's own size changed, as when a row shows other text.
+        if (event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QWidget::event(event);
+    }
+
+private:
+    QWidget *content_;
+    int maximum_;
+};
+
+// The prominent button: white words on the accent colour, as the one thing to do next. It
+// draws itself, as styles lighten a button's colour into a gradient that white can't be read on.
+class ProminentButton : public QPushButton {
+public:
+    ProminentButton() { setCursor(Qt::PointingHandCursor); }
+
+    QSize sizeHint() const override
+    {
+        const QFontMetrics metrics = fontMetrics();
+        return QSize(metrics.horizontalAdvance(text()) + 2 * 16, std::max(30, metrics.height() + 2 * 7));
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor fill = PanelStyle::bubbleFill(palette());
+        if (!isEnabled())
+            fill = PanelStyle::tertiary(palette());
+        else if (isDown())
+            fill = fill.darker(115);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(fill);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 7, 7);
+        if (hasFocus()) {
+            painter.setPen(QPen(palette().color(QPalette::WindowText), 1.5));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), 7, 7);
+        }
+        painter.setPen(Qt::white);
+        painter.drawText(rect(), Qt::AlignCenter, text());
     }
 };
 
@@ -39,10 +119,12 @@ public:
 SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
     : QScrollArea(parent), runtime_(runtime), toolchain_(new ToolchainRow(runtime)), access_(new AgentAccessRow(agent)),
       building_(new QWidget), buildingText_(new QLabel), preparing_(new QProgressBar), preparingTick_(new QTimer(this)),
-      status_(new QLabel), button_(new QPushButton)
+      status_(new QLabel), button_(new ProminentButton)
 {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
+    // The page narrows with the window rather than scrolling sideways.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAccessibleName(QStringLiteral("Setup"));
     auto *page = new QWidget;
     auto *outer = new QVBoxLayout(page);
@@ -58,19 +140,21 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
 
     auto *intro = new QVBoxLayout;
     intro->setSpacing(8);
-    intro->addWidget(new Brand::StretchWordmark(runtime.workspace().name, 40), 0, Qt::AlignHCenter);
+    auto *wordmark = new Brand::StretchWordmark(runtime.workspace().name, 40);
+    // A name too long even at the wordmark's smallest is cut at both ends rather than
+    // widening the page beyond the window and cutting the box under it.
+    wordmark->setMinimumWidth(1);
+    intro->addWidget(wordmark, 0, Qt::AlignHCenter);
     auto *pitch = new QLabel(
         QStringLiteral("An app that rewrites itself. Describe a change, and its agent edits the "
                        "app's Swift code, compiles it, and swaps in the new version while you watch."));
     pitch->setWordWrap(true);
     pitch->setAlignment(Qt::AlignHCenter);
-    // A wrapped label only finds its height at a known width.
-    pitch->setFixedWidth(introWidth);
-    PanelStyle::setTextColor(pitch, PanelStyle::secondary(palette()));
-    intro->addWidget(pitch, 0, Qt::AlignHCenter);
+    PanelStyle::setTextRole(pitch, PanelStyle::Role::Secondary);
+    intro->addWidget(new CappedWidth(pitch, introWidth));
     outer->addLayout(intro);
 
-    auto *box = new NeedsBox;
+    auto *box = new RoundedBox(12);
     auto *needs = new QVBoxLayout(box);
     needs->setContentsMargins(18, 18, 18, 18);
     needs->setSpacing(14);
@@ -81,7 +165,7 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
     divider->setForegroundRole(QPalette::Mid);
     needs->addWidget(divider);
     needs->addWidget(access_);
-    outer->addWidget(box, 0, Qt::AlignHCenter);
+    outer->addWidget(new CappedWidth(box, boxWidth));
 
     auto *buildingColumn = new QVBoxLayout(building_);
     buildingColumn->setContentsMargins(0, 0, 0, 0);
@@ -97,7 +181,7 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
     outer->addWidget(building_, 0, Qt::AlignHCenter);
     preparingTick_->setInterval(1000);
     connect(preparingTick_, &QTimer::timeout, this, &SetupView::showBuilding);
-    PanelStyle::setTextColor(status_, PanelStyle::secondary(palette()));
+    PanelStyle::setTextRole(status_, PanelStyle::Role::Secondary);
     status_->setAlignment(Qt::AlignHCenter);
     outer->addWidget(status_, 0, Qt::AlignHCenter);
     outer->addWidget(button_, 0, Qt::AlignHCenter);
@@ -129,6 +213,14 @@ SetupView::SetupView(Runtime &runtime, Agent &agent, QWidget *parent)
         showBuilding();
     });
     sync();
+}
+
+void SetupView::resizeEvent(QResizeEvent *event)
+{
+    // The side padding gives way first when the window or a wide panel leaves little room.
+    const int side = std::clamp(event->size().width() / 12, 12, 40);
+    widget()->layout()->setContentsMargins(side, 40, side, 40);
+    QScrollArea::resizeEvent(event);
 }
 
 std::optional<int> SetupView::versionToRun() const

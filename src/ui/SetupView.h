@@ -28,6 +28,9 @@ public:
     QString statusText() const;
     QPushButton *statusButton() const { return button_; }
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void sync();
     void showBuilding();

@@ -4,6 +4,7 @@
 #include "ui/InlineMarkdown.h"
 #include "ui/PanelStyle.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QDesktopServices>
 #include <QImageReader>
@@ -15,6 +16,8 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
+#include <QTextDocument>
+#include <QVariantAnimation>
 
 namespace zentoro {
 
@@ -32,11 +35,31 @@ QSizePolicy huggingPolicy()
     return policy;
 }
 
-// A wrapping label that asks for the width of its text on one line, so that a layout lets
-// short text hug its content and wraps long text at the room there is.
-class NaturalLabel : public QLabel {
+// A label of transcript text that shows a focus ring while Tab has brought it the focus, as
+// its text is selectable from the keyboard and so takes the focus.
+class TextLabel : public QLabel {
 public:
     using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QLabel::paintEvent(event);
+        if (!hasFocus())
+            return;
+        QPainter painter(this);
+        QStyleOptionFocusRect option;
+        option.initFrom(this);
+        option.rect = rect();
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    }
+};
+
+// A wrapping label that asks for the width of its text on one line, so that a layout lets
+// short text hug its content and wraps long text at the room there is.
+class NaturalLabel : public TextLabel {
+public:
+    using TextLabel::TextLabel;
 
     QSize sizeHint() const override
     {
@@ -47,7 +70,8 @@ public:
     }
 };
 
-// The user's words, white on the tint colour in a rounded box.
+// The user's words, white on the tint colour in a rounded box. The tint is darkened where white
+// would not read on it, and selected text shows inverted, white behind the tint's colour.
 class Bubble : public NaturalLabel {
 public:
     explicit Bubble(const QString &text) : NaturalLabel(text)
@@ -57,30 +81,71 @@ public:
         setTextInteractionFlags(selectable);
         setContentsMargins(12, 8, 12, 8);
         setSizePolicy(huggingPolicy());
-        PanelStyle::setTextColor(this, Qt::white);
         setAccessibleName(text);
+        recolour();
     }
 
 protected:
+    void changeEvent(QEvent *event) override
+    {
+        if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
+            recolour();
+        NaturalLabel::changeEvent(event);
+    }
     void paintEvent(QPaintEvent *event) override
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(PanelStyle::tint(palette()));
+        painter.setBrush(fill_);
         painter.drawRoundedRect(QRectF(rect()), 14, 14);
         painter.end();
-        QLabel::paintEvent(event);
+        NaturalLabel::paintEvent(event);
     }
+
+private:
+    void recolour()
+    {
+        const QPalette base = parentWidget() ? parentWidget()->palette() : QApplication::palette(this);
+        fill_ = PanelStyle::bubbleFill(base);
+        QPalette palette = this->palette();
+        for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            palette.setColor(group, QPalette::WindowText, Qt::white);
+            palette.setColor(group, QPalette::Text, Qt::white);
+            palette.setColor(group, QPalette::Highlight, Qt::white);
+            palette.setColor(group, QPalette::HighlightedText, fill_);
+        }
+        if (!(palette == this->palette()))
+            setPalette(palette);
+    }
+
+    QColor fill_;
 };
 
-QLabel *symbolLabel(const QString &symbol, const QColor &color, int size)
+// A symbol drawn in a colour of the palette at the time it is drawn.
+class SymbolLabel : public QWidget {
+public:
+    SymbolLabel(const QString &symbol, PanelStyle::Role role, int size) : symbol_(symbol), role_(role)
+    {
+        setFixedSize(size, size);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.drawPixmap(rect(),
+                           Icons::pixmap(symbol_, width(), PanelStyle::color(palette(), role_), devicePixelRatioF()));
+    }
+
+private:
+    QString symbol_;
+    PanelStyle::Role role_;
+};
+
+QWidget *symbolLabel(const QString &symbol, PanelStyle::Role role, int size)
 {
-    auto *label = new QLabel;
-    label->setPixmap(Icons::pixmap(symbol, size, color, 2));
-    label->setFixedSize(size, size);
-    label->setAccessibleName(QString());
-    return label;
+    return new SymbolLabel(symbol, role, size);
 }
 
 QWidget *userRow(const ChatItem &item)
@@ -97,7 +162,7 @@ QWidget *userRow(const ChatItem &item)
 
 QWidget *assistantRow(const ChatItem &item)
 {
-    auto *label = new QLabel(InlineMarkdown::html(item.text));
+    auto *label = new TextLabel(InlineMarkdown::html(item.text));
     label->setTextFormat(Qt::RichText);
     label->setWordWrap(true);
     label->setTextInteractionFlags(selectable | Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
@@ -110,13 +175,12 @@ QWidget *assistantRow(const ChatItem &item)
 QWidget *eventRow(const ChatItem &item)
 {
     auto *row = new QWidget;
-    const QColor color = PanelStyle::secondary(row->palette());
     const QFont caption = PanelStyle::font(row->font(), Type::Caption);
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(5);
     layout->addStretch(1);
-    layout->addWidget(symbolLabel(item.symbol.value_or(QStringLiteral("info.circle")), color,
+    layout->addWidget(symbolLabel(item.symbol.value_or(QStringLiteral("info.circle")), PanelStyle::Role::Secondary,
                                   QFontMetrics(caption).height()),
                       0, Qt::AlignTop);
     auto *label = new NaturalLabel(item.text);
@@ -125,7 +189,7 @@ QWidget *eventRow(const ChatItem &item)
     label->setFont(caption);
     label->setSizePolicy(huggingPolicy());
     label->setTextInteractionFlags(selectable);
-    PanelStyle::setTextColor(label, color);
+    PanelStyle::setTextRole(label, PanelStyle::Role::Secondary);
     layout->addWidget(label);
     layout->addStretch(1);
     return row;
@@ -143,20 +207,20 @@ QPushButton *smallButton(const QString &text)
 QWidget *errorRow(const ChatItem &item, bool isLast, const RowActions &actions)
 {
     auto *row = new QWidget;
-    const QColor red = PanelStyle::red(row->palette());
     auto *column = new QVBoxLayout(row);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
 
     auto *line = new QHBoxLayout;
     line->setSpacing(6);
-    line->addWidget(symbolLabel(QStringLiteral("exclamationmark.octagon.fill"), red, row->fontMetrics().height()), 0,
-                    Qt::AlignTop);
-    auto *text = new QLabel(item.text);
+    line->addWidget(symbolLabel(QStringLiteral("exclamationmark.octagon.fill"), PanelStyle::Role::Red,
+                                row->fontMetrics().height()),
+                    0, Qt::AlignTop);
+    auto *text = new TextLabel(item.text);
     text->setTextFormat(Qt::PlainText);
     text->setWordWrap(true);
     text->setTextInteractionFlags(selectable);
-    PanelStyle::setTextColor(text, red);
+    PanelStyle::setTextRole(text, PanelStyle::Role::Red);
     line->addWidget(text, 1);
     column->addLayout(line);
 
@@ -182,47 +246,56 @@ QWidget *errorRow(const ChatItem &item, bool isLast, const RowActions &actions)
     return row;
 }
 
-// The details of a tool row: monospaced, selectable, scrolling past a fixed height.
+// The details of a tool row: monospaced, selectable, scrolling past a fixed height. The box
+// answers the height for a width itself, so that the row's layout asks it and not a layout
+// of its own; while it opens or closes, its height follows `reveal`.
 class DetailBox : public QFrame {
 public:
-    explicit DetailBox(const QString &text) : text_(text)
+    static constexpr int padding = 8;
+
+    explicit DetailBox(const QString &text) : text_(text), view_(new QPlainTextEdit(text, this))
     {
-        auto *layout = new QVBoxLayout(this);
-        layout->setContentsMargins(0, 0, 0, 0);
-        view_ = new QPlainTextEdit(text);
+        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+        policy.setHeightForWidth(true);
+        setSizePolicy(policy);
         view_->setReadOnly(true);
         view_->setTextInteractionFlags(selectable);
         view_->setFrameShape(QFrame::NoFrame);
         view_->setFont(PanelStyle::monospaced(font(), Type::Caption));
         view_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        view_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         view_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
         view_->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
         view_->viewport()->setAutoFillBackground(false);
-        view_->setStyleSheet(QStringLiteral("QPlainTextEdit { background: transparent; }"));
-        view_->document()->setDocumentMargin(8);
+        view_->setAutoFillBackground(false);
+        view_->document()->setDocumentMargin(padding);
         view_->setAccessibleName(QStringLiteral("Details"));
-        layout->addWidget(view_);
+        view_->installEventFilter(this);
     }
 
     QPlainTextEdit *view() const { return view_; }
+    // How far the box is open, from 0 to 1.
+    void setReveal(double reveal)
+    {
+        reveal_ = reveal;
+        updateGeometry();
+    }
+
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override
     {
-        if (width != measuredWidth_) {
-            const int textWidth = width - 16 - view_->verticalScrollBar()->sizeHint().width();
-            const QFontMetrics metrics(view_->font());
-            measuredHeight_ = metrics
-                                  .boundingRect(QRect(0, 0, std::max(textWidth, 10), 1 << 24),
-                                                Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::TextExpandTabs, text_)
-                                  .height() +
-                              18;
-            measuredWidth_ = width;
-        }
-        return std::min(measuredHeight_, TranscriptRows::detailMaximumHeight);
+        return qRound(std::min(fullHeight(width), TranscriptRows::detailMaximumHeight) * reveal_);
     }
     QSize sizeHint() const override { return QSize(200, heightForWidth(width() > 0 ? width() : 300)); }
+    QSize minimumSizeHint() const override { return QSize(0, 0); }
 
 protected:
+    void resizeEvent(QResizeEvent *) override
+    {
+        // While it opens the text stands at its full height and the box uncovers it.
+        const int full = std::min(fullHeight(width()), TranscriptRows::detailMaximumHeight);
+        view_->setGeometry(0, 0, width(), std::max(full, height()));
+    }
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
@@ -232,11 +305,51 @@ protected:
         fill.setAlphaF(0.06f);
         painter.setBrush(fill);
         painter.drawRoundedRect(QRectF(rect()), 6, 6);
+        if (view_->hasFocus()) {
+            painter.setPen(QPen(PanelStyle::tint(palette()), 2));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 6, 6);
+        }
+    }
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+            update();
+        return QFrame::eventFilter(object, event);
     }
 
 private:
+    // The text's height at `width` as the view lays it out, margins included.
+    int fullHeight(int width) const
+    {
+        // Beyond so many lines the box scrolls at its maximum height, whatever the width.
+        const int lines = int(text_.count(u'\n')) + 1;
+        if (lines * QFontMetrics(view_->font()).lineSpacing() > TranscriptRows::detailMaximumHeight)
+            return TranscriptRows::detailMaximumHeight;
+        if (width != measuredWidth_) {
+            QTextDocument document;
+            document.setDefaultFont(view_->font());
+            QTextOption option = document.defaultTextOption();
+            option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+            document.setDefaultTextOption(option);
+            document.setDocumentMargin(padding);
+            document.setPlainText(text_);
+            document.setTextWidth(std::max(width, 2 * padding + 10));
+            measuredHeight_ = qCeil(document.size().height());
+            if (measuredHeight_ > TranscriptRows::detailMaximumHeight) {
+                // Scrolling: the bar takes its share of the width.
+                document.setTextWidth(
+                    std::max(width - view_->verticalScrollBar()->sizeHint().width(), 2 * padding + 10));
+                measuredHeight_ = qCeil(document.size().height());
+            }
+            measuredWidth_ = width;
+        }
+        return measuredHeight_;
+    }
+
     QString text_;
     QPlainTextEdit *view_;
+    double reveal_ = 1;
     mutable int measuredWidth_ = -1;
     mutable int measuredHeight_ = 0;
 };
@@ -360,7 +473,7 @@ void ToolHead::paintEvent(QPaintEvent *)
         const QPointF centre(std::min(drawn.right() + 6 + size / 2.0, width() - size / 2.0 - 2), 2 + line / 2.0);
         painter.save();
         painter.translate(centre);
-        painter.rotate(isChecked() ? 90 : 0);
+        painter.rotate(90 * turn_);
         painter.drawPixmap(QRectF(-size / 2.0, -size / 2.0, size, size),
                            Icons::pixmap(QStringLiteral("chevron.right"), size, PanelStyle::tertiary(p),
                                          devicePixelRatioF()),
@@ -375,9 +488,32 @@ void ToolHead::paintEvent(QPaintEvent *)
     }
 }
 
-ToolRow::ToolRow(const ChatItem &item, bool expanded, std::function<void(bool)> onExpanded, QWidget *parent)
-    : QWidget(parent), item_(item), head_(new ToolHead(item)), onExpanded_(std::move(onExpanded))
+void ToolHead::setTurn(double turn)
 {
+    turn_ = turn;
+    update();
+}
+
+ToolRow::ToolRow(const ChatItem &item, bool expanded, std::function<void(bool)> onExpanded, QWidget *parent)
+    : QWidget(parent), item_(item), head_(new ToolHead(item)), opening_(new QVariantAnimation(this)),
+      onExpanded_(std::move(onExpanded))
+{
+    opening_->setDuration(openingDuration);
+    opening_->setEasingCurve(QEasingCurve::OutCubic);
+    connect(opening_, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
+        const double reveal = value.toDouble();
+        head_->setTurn(reveal);
+        if (auto *box = static_cast<DetailBox *>(detailBox_.data()))
+            box->setReveal(reveal);
+    });
+    connect(opening_, &QVariantAnimation::finished, this, [this] {
+        // A closed box leaves the view tree once it has closed.
+        if (!detailView_ && detailBox_) {
+            layout()->removeWidget(detailBox_);
+            detailBox_->hide();
+            detailBox_->deleteLater();
+        }
+    });
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
@@ -394,27 +530,37 @@ ToolRow::ToolRow(const ChatItem &item, bool expanded, std::function<void(bool)> 
         if (onExpanded_)
             onExpanded_(on);
     });
-    if (expanded && item.detail)
+    if (expanded && item.detail) {
+        // Rebuilt after scrolling out of sight: open as it was, without the animation.
         head_->setChecked(true);
+        opening_->stop();
+        head_->setTurn(1);
+        static_cast<DetailBox *>(detailBox_.data())->setReveal(1);
+    }
 }
 
 void ToolRow::setExpanded(bool expanded)
 {
     if (expanded == isExpanded() || !item_.detail)
         return;
-    auto *layout = static_cast<QVBoxLayout *>(this->layout());
+    const double from = opening_->state() == QAbstractAnimation::Running ? opening_->currentValue().toDouble()
+                                                                         : (expanded ? 0.0 : 1.0);
+    opening_->stop();
     if (expanded) {
-        auto *box = new DetailBox(*item_.detail);
-        detailView_ = box->view();
-        layout->insertWidget(1, box);
-        box->show();
+        if (!detailBox_) {
+            auto *box = new DetailBox(*item_.detail);
+            box->setReveal(from);
+            detailBox_ = box;
+            static_cast<QVBoxLayout *>(layout())->insertWidget(1, box);
+            box->show();
+        }
+        detailView_ = static_cast<DetailBox *>(detailBox_.data())->view();
     } else {
-        QWidget *box = detailView_->parentWidget();
         detailView_ = nullptr;
-        layout->removeWidget(box);
-        box->hide();
-        box->deleteLater();
     }
+    opening_->setStartValue(from);
+    opening_->setEndValue(expanded ? 1.0 : 0.0);
+    opening_->start();
 }
 
 QWidget *TranscriptRows::make(const ChatItem &item, bool isLast, const RowActions &actions)

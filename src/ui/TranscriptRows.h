@@ -4,11 +4,13 @@
 
 #include <QAbstractButton>
 #include <QFontMetrics>
+#include <QPointer>
 #include <QWidget>
 
 #include <functional>
 
 class QPlainTextEdit;
+class QVariantAnimation;
 
 namespace zentoro {
 
@@ -45,6 +47,8 @@ public:
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
     bool hasChevron() const { return hasDetail_; }
+    // How far the chevron has turned towards open, from 0 to 1.
+    void setTurn(double turn);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -55,6 +59,7 @@ private:
     QString symbol_;
     bool failed_;
     bool hasDetail_;
+    double turn_ = 0;
 };
 
 // A tool row: the head, the details while expanded, and the screenshot when there is one.
@@ -62,6 +67,9 @@ class ToolRow : public QWidget {
     Q_OBJECT
 public:
     ToolRow(const ChatItem &item, bool expanded, std::function<void(bool)> onExpanded, QWidget *parent = nullptr);
+
+    // How long the details take to open or close.
+    static constexpr int openingDuration = 180;
 
     bool isExpanded() const { return detailView_ != nullptr; }
     ToolHead *head() const { return head_; }
@@ -74,6 +82,9 @@ private:
     ChatItem item_;
     ToolHead *head_;
     QPlainTextEdit *detailView_ = nullptr;
+    // The box of the details, also while it closes.
+    QPointer<QWidget> detailBox_;
+    QVariantAnimation *opening_;
     bool hasImage_ = false;
     std::function<void(bool)> onExpanded_;
 };

@@ -4,6 +4,7 @@
 #include "core/Text.h"
 #include "runtime/Runtime.h"
 #include "ui/Icons.h"
+#include "ui/Shortcuts.h"
 
 #include <QDesktopServices>
 #include <QFileInfo>
@@ -49,7 +50,7 @@ void addVersions(QMenu *menu, Runtime &runtime)
 {
     const QList<VersionRecord> &versions = runtime.state().versions;
     for (auto record = versions.crbegin(); record != versions.crend(); ++record) {
-        QAction *action = menu->addAction(title(*record));
+        QAction *action = menu->addAction(Shortcuts::menuText(title(*record)));
         if (runtime.loadedVersion() == record->number)
             action->setIcon(menuIcon(menu, QStringLiteral("checkmark")));
         else if (record->crashed)
@@ -105,23 +106,49 @@ void confirm(QWidget *parent, Runtime &runtime)
 
 namespace FileManager {
 
+namespace {
+
+void openFolder(const QString &path)
+{
+    const QFileInfo item(path);
+    QDesktopServices::openUrl(QUrl::fromLocalFile(item.isDir() ? path : item.absolutePath()));
+}
+
+} // namespace
+
+QStringList showItemsCall(const QString &path)
+{
+    // dbus-send splits an array at commas, and a URL keeps them: "Timer, v2" would be two items.
+    const QString url = QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded).replace(u',', QStringLiteral("%2C"));
+    return {QStringLiteral("--session"),
+            QStringLiteral("--print-reply"),
+            QStringLiteral("--reply-timeout=5000"),
+            QStringLiteral("--dest=org.freedesktop.FileManager1"),
+            QStringLiteral("--type=method_call"),
+            QStringLiteral("/org/freedesktop/FileManager1"),
+            QStringLiteral("org.freedesktop.FileManager1.ShowItems"),
+            QStringLiteral("array:string:") + url,
+            QStringLiteral("string:")};
+}
+
 void reveal(const QString &path)
 {
     // The file manager's D-Bus interface selects the item in its folder; without a file
-    // manager that offers it, the folder opens in whatever handles folders.
-    QProcess call;
-    call.start(QStringLiteral("dbus-send"),
-               {QStringLiteral("--session"), QStringLiteral("--print-reply"),
-                QStringLiteral("--dest=org.freedesktop.FileManager1"), QStringLiteral("--type=method_call"),
-                QStringLiteral("/org/freedesktop/FileManager1"),
-                QStringLiteral("org.freedesktop.FileManager1.ShowItems"),
-                QStringLiteral("array:string:") + QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded),
-                QStringLiteral("string:")});
-    if (call.waitForFinished(3000) && call.exitStatus() == QProcess::NormalExit && call.exitCode() == 0)
-        return;
-    call.kill();
-    const QFileInfo item(path);
-    QDesktopServices::openUrl(QUrl::fromLocalFile(item.isDir() ? path : item.absolutePath()));
+    // manager that offers it, the folder opens in whatever handles folders. The window goes
+    // on meanwhile: a file manager that starts slowly must not hold it up.
+    auto *call = new QProcess;
+    QObject::connect(call, &QProcess::finished, call, [call, path](int code, QProcess::ExitStatus status) {
+        if (status != QProcess::NormalExit || code != 0)
+            openFolder(path);
+        call->deleteLater();
+    });
+    QObject::connect(call, &QProcess::errorOccurred, call, [call, path](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return;
+        openFolder(path);
+        call->deleteLater();
+    });
+    call->start(QStringLiteral("dbus-send"), showItemsCall(path));
 }
 
 } // namespace FileManager

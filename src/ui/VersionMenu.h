@@ -3,6 +3,7 @@
 #include "runtime/RuntimeState.h"
 
 #include <QString>
+#include <QStringList>
 
 class QMenu;
 class QWidget;
@@ -35,8 +36,11 @@ void confirm(QWidget *parent, Runtime &runtime);
 } // namespace Reset
 
 namespace FileManager {
-// Shows `path` selected in the desktop's file manager, or opens its folder where none answers.
+// Shows `path` selected in the desktop's file manager, or opens its folder where none answers,
+// without waiting for either.
 void reveal(const QString &path);
+// The arguments of the dbus-send call that asks the file manager to show `path`.
+QStringList showItemsCall(const QString &path);
 } // namespace FileManager
 
 } // namespace zentoro

@@ -15,8 +15,8 @@ WorkingRow::WorkingRow(Agent &agent, QWidget *parent)
     const QFont callout = PanelStyle::font(font(), PanelStyle::Type::Callout);
     activity_->setFont(callout);
     elapsed_->setFont(callout);
-    PanelStyle::setTextColor(activity_, PanelStyle::secondary(palette()));
-    PanelStyle::setTextColor(elapsed_, PanelStyle::tertiary(palette()));
+    PanelStyle::setTextRole(activity_, PanelStyle::Role::Secondary);
+    PanelStyle::setTextRole(elapsed_, PanelStyle::Role::Tertiary);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);

@@ -1,6 +1,7 @@
 #include "ui/ZentoroApp.h"
 
 #include "agent/AgentWiring.h"
+#include "chatgpt/ChatGPT.h"
 #include "runtime/AppName.h"
 #include "runtime/KitPreparation.h"
 #include "runtime/Relaunch.h"
@@ -23,6 +24,7 @@ ZentoroApp::Session::Session(const Workspace &workspace) : runtime(workspace), a
     // itself to the runtime's events before the launch, so that the launch's reports reach
     // the conversation.
     agent.setOperations(programOperations(agent, runtime));
+    agent.setPlan(&ChatGPT::shared());
     agent.restore();
     runtime.onEvent = [this](const QString &shown, const QString &told) { agent.note(shown, told); };
     runtime.launch();
@@ -36,6 +38,8 @@ int ZentoroApp::run(int argc, char **argv)
     // before Qt resolves links.
     if (argc > 1 && qstrcmp(argv[1], "--prepare-kit") == 0)
         return Kit::prepare(argc, argv);
+    if (argc > 1 && qstrcmp(argv[1], "--prepared-kit-folder") == 0)
+        return Kit::printPreparedFolder(argc, argv);
     const QString argv0 = QString::fromLocal8Bit(argc > 0 ? argv[0] : "");
     Relaunch::rememberExecutable(argv0);
 

@@ -188,7 +188,8 @@ TEST(AgentLoop, ProviderFollowsPreferenceKeyAndPlanAndWithoutOneTheRunAsksForIt)
     harness.available.reset();
     EXPECT_FALSE(harness.agent.provider());
     harness.sendAndFinish("hi again");
-    EXPECT_TRUE(harness.texts().last().startsWith("error: Sign in with ChatGPT or add an OpenAI API key first ("));
+    EXPECT_EQ(harness.texts().last(),
+              "error: Sign in with ChatGPT or add an OpenAI API key first in Settings (Ctrl+,).");
     EXPECT_EQ(harness.inputs.size(), 1u);
     EXPECT_EQ(harness.agent.pendingInput().size(), 2);
 }

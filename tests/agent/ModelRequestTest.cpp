@@ -120,7 +120,7 @@ QCoro::Task<QString> credential(Provider provider)
 {
     const TaskHandle task;
     try {
-        co_return co_await ModelRequest::bearer(task, provider, false, QString::fromUtf8("Tally"));
+        co_return co_await ModelRequest::bearer(task, provider, false);
     } catch (const Workspace::Failure &failure) {
         co_return QString::fromUtf8("failure: ") + failure.message;
     }
@@ -132,7 +132,7 @@ TEST_F(ModelRequestTest, TheBearerIsTheEffectiveKeyOrAFailureForTheUser)
     QFile::remove(AgentConfig::keyPath());
     qunsetenv("OPENAI_API_KEY");
     const QString none = test::await(credential(Provider::APIKey));
-    EXPECT_EQ(none, "failure: Add your OpenAI API key first (Tally → Settings…).");
+    EXPECT_EQ(none, "failure: Add your OpenAI API key first in Settings (Ctrl+,).");
 
     // Which key is the effective one is AgentConfig's to say.
     qputenv("OPENAI_API_KEY", "sk-env");

@@ -168,12 +168,12 @@ TEST(Recovery, ErrorRowsSayWhatTheUserCanDo)
 
     EXPECT_EQ(row(failure(403, "subscription_sharing_user_not_eligible", std::nullopt, "Free plan")).text,
               "Your ChatGPT plan can't be used in Zentoro (Free plan). You can add an OpenAI API key in Settings "
-              "instead.");
+              "(Ctrl+,) instead.");
     EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", std::nullopt, "No.")).text,
               "Your ChatGPT plan doesn't support something in this request. (No.)");
     EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", "model", "No.")).text,
               "Your ChatGPT plan doesn't support the model " + AgentConfig::model() +
-                  "; pick another in Settings. (No.)");
+                  "; pick another in Settings (Ctrl+,). (No.)");
     EXPECT_EQ(row(failure(400, "subscription_sharing_unsupported_capability", "tools", "No.")).text,
               "Your ChatGPT plan doesn't support “tools”. (No.)");
 

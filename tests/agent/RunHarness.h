@@ -6,6 +6,7 @@
 
 #include "support/Await.h"
 #include "support/FakeAgent.h"
+#include "support/FakePlan.h"
 
 #include <gtest/gtest.h>
 
@@ -27,18 +28,20 @@ struct RunHarness {
     PlanService plan{QUrl(QStringLiteral("https://chatgpt.example/settings/usage")), std::chrono::milliseconds(20)};
     int saves = 0;
     int relaunches = 0;
+    FakePlan fakePlan;
     Agent agent;
 
     explicit RunHarness(std::optional<Provider> available = Provider::APIKey)
         : available(available), agent(operations())
     {
+        fakePlan.usable = [this] { return this->available == Provider::ChatGPT; };
+        agent.setPlan(&fakePlan);
     }
 
     AgentOperations operations()
     {
         AgentOperations ops = fakeOperations();
         ops.hasAPIKey = [this] { return available == Provider::APIKey; };
-        ops.canUsePlan = [this] { return available == Provider::ChatGPT; };
         ops.bearer = [this](const TaskHandle &, Provider, bool refresh) -> QCoro::Task<QString> {
             refreshes.push_back(refresh);
             co_return QString::fromUtf8("token");

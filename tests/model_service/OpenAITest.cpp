@@ -1,5 +1,7 @@
 #include "model_service/OpenAI.h"
+#include "core/Failure.h"
 #include "model_service/ResponseStream.h"
+#include "model_service/ServiceOrigin.h"
 
 #include "support/Await.h"
 #include "support/FakeResponsesServer.h"
@@ -187,6 +189,33 @@ TEST_F(OpenAITest, RequestsPostTheBodyWithOurHeadersInOrderAndShareTheServer)
     }
     EXPECT_EQ(ours, (QList<QByteArray>{"Authorization: Bearer sk-test", "Content-Type: application/json",
                                        "Accept: text/event-stream", "User-Agent: Zentoro/" ZENTORO_VERSION}));
+}
+
+// A server saved in Settings is where requests go, unless `ZENTORO_API_BASE` names another for
+// this run; what can't be a server's origin is refused in words.
+TEST_F(OpenAITest, ASavedOriginReceivesTheRequestsUnlessTheEnvironmentNamesAnother)
+{
+    qunsetenv("ZENTORO_API_BASE");
+    ServiceOrigin::save(server.origin() + "//");
+    EXPECT_TRUE(respond(FakeResponsesServer::textReply("hi", "resp_1")).response);
+    ASSERT_EQ(server.requests().size(), 1);
+    EXPECT_EQ(server.requests().first().path, "/v1/responses");
+
+    qputenv("ZENTORO_API_BASE", "http://127.0.0.1:1");
+    EXPECT_EQ(OpenAI::origin(), "http://127.0.0.1:1");
+    qunsetenv("ZENTORO_API_BASE");
+    ServiceOrigin::save(" ");
+    EXPECT_EQ(OpenAI::origin(), "https://api.openai.com");
+
+    for (const char *refused : {"ftp://example.com", "localhost:8080", "http://", "http://h/?a=1", "http://h:1/v1/"}) {
+        try {
+            ServiceOrigin::save(QString::fromUtf8(refused));
+            ADD_FAILURE() << refused << " was saved";
+        } catch (const Failure &failure) {
+            EXPECT_FALSE(failure.message.isEmpty());
+        }
+    }
+    EXPECT_FALSE(ServiceOrigin::saved());
 }
 
 TEST_F(OpenAITest, ReturnsTheCompletedResponseAndReportsItemsAsTheyStart)

@@ -3,6 +3,7 @@
 
 #include "core/Defaults.h"
 
+#include "runtime/BuildSteps.h"
 #include "runtime/KitHostView.h"
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
@@ -80,14 +81,19 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     idle.exec();
     EXPECT_LT(double(std::clock() - idleStart) / CLOCKS_PER_SEC, 0.3);
 
-    // Two failed builds: the running version and the numbers stay as they were.
+    // Two failed builds: the running version and the numbers stay as they were. What the kit
+    // lacks is named with the way out, in the words the model reads.
     writeFile(workspace.sources() + QStringLiteral("/Views/Broken.swift"),
-              "import SwiftUI\nstruct Broken: View {\n    var body: some View { Text(missingName) }\n}\n");
+              "import SwiftUI\nimport Charts\nstruct Broken: View {\n    var body: some View { Text(missingName) }\n"
+              "    var chart: some View { Chart { BarMark(x: 1, y: 2) } }\n}\n");
     const QPointer<QWidget> firstView = container->content();
     for (int attempt = 0; attempt < 2; ++attempt) {
         const BuildOutcome failed = await(runtime.build(QStringLiteral("Broken")));
         ASSERT_TRUE(failed.failure());
-        EXPECT_TRUE(failed.failure()->text.contains(QStringLiteral("Views/Broken.swift:3:")))
+        EXPECT_TRUE(failed.failure()->text.contains(QStringLiteral("Views/Broken.swift:4:")))
+            << failed.failure()->text.toStdString();
+        EXPECT_TRUE(failed.failure()->text.contains(
+            QStringLiteral("'Chart' is unavailable: Chart isn't in Zentoro's SwiftUI: draw bars as Rectangles")))
             << failed.failure()->text.toStdString();
         EXPECT_FALSE(failed.failure()->text.contains(workspace.sources())) << failed.failure()->text.toStdString();
     }
@@ -105,6 +111,9 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
                          .replace(QStringLiteral("Color(red: 0.98, green: 0.96, blue: 0.92)"),
                                   QStringLiteral("Color(red: 0.2, green: 0.4, blue: 0.8)"))
                          .toUtf8());
+    // A name with every character the compiler's list of files must carry through.
+    writeFile(workspace.sources() + QStringLiteral("/Views/A \"b\" it's c\\d #1\té\nline.swift"),
+              "let oddlyNamed = 1\n");
 
     std::optional<BuildOutcome> second;
     const TaskHandle building = startTask([&](TaskHandle) -> QCoro::Task<> {
@@ -139,6 +148,15 @@ TEST(BuildEndToEnd, SeedBuildsLoadsAndIsReplacedByTheNextVersion)
     EXPECT_EQ(empty.failure()->text, QStringLiteral("There are no .swift files in the source folder."));
     EXPECT_EQ(RuntimeState::read(workspace.stateFile()), runtime.state());
     EXPECT_EQ(runtime.state().nextNumber, 3);
+
+    // A folder of more files than any app has is refused in words, without a compile.
+    for (qsizetype file = 0; file <= BuildSteps::swiftFileLimit; ++file)
+        writeFile(workspace.sources() + QStringLiteral("/Many/F%1.swift").arg(file), "");
+    const BuildOutcome many = await(runtime.build(QStringLiteral("Many")));
+    ASSERT_TRUE(many.failure());
+    EXPECT_EQ(many.failure()->text,
+              QStringLiteral("The source folder holds 10001 .swift files; a build takes at most 10000. Delete the "
+                             "files the app doesn't need and build again."));
 }
 
 // The Swift compiler is updated between two starts, so the kit the program builds against

@@ -70,6 +70,28 @@ TEST(CrashFallback, ACrashWhileStartingFallsBackToTheLastGoodVersionOrAnEmptyWin
               QStringLiteral("Version 7 crashed while starting, so Timer went back to version 1."));
 }
 
+// The watchdog saw the app's code hold the window: while starting, that falls back like a
+// crash, and the agent is sent to the run's log; later in a run that ended, it is nothing.
+TEST(CrashFallback, AStartThatHeldTheWindowFallsBackAndAHeldWindowLaterIsNoCrash)
+{
+    const CrashLog::PreviousCrash held{QStringLiteral("the app's code has kept the window from responding for 10 "
+                                                      "seconds"),
+                                       true};
+    auto judgement = CrashFallback::judge(withVersions({{1, false}, {2, false}}, 2, 2, 1), held, timer);
+    EXPECT_EQ(judgement.state.current, 1);
+    EXPECT_TRUE(judgement.state.versions[1].crashed);
+    EXPECT_EQ(judgement.banner,
+              (Banner{QStringLiteral("Version 2 hung while starting, so Timer went back to version 1."), held.text,
+                      true}));
+    EXPECT_EQ(judgement.told,
+              QStringLiteral("Version 2 hung the app while it was starting (the app's code has kept the window from "
+                             "responding for 10 seconds). Zentoro fell back to version 1. The source files still "
+                             "contain version 2's code. read_log with which=\"previous\" shows that run's output."));
+
+    const RuntimeState settled = withVersions({{1, false}, {2, false}}, 2, {}, 2);
+    EXPECT_EQ(CrashFallback::judge(settled, held, timer), CrashFallback::Judgement{settled});
+}
+
 TEST(CrashFallback, TheFallbackIsTheLastGoodVersionOrTheNewestThatNeverCrashed)
 {
     // The last good version alone counts when it isn't the one that crashed.

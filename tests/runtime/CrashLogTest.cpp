@@ -4,9 +4,12 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThreadPool>
 
 #include <gtest/gtest.h>
 
@@ -91,6 +94,13 @@ TEST(CrashChild, Run)
     if (mode == "words")
         std::printf("Fatal error: just words in an ordinary run\n");
     std::fflush(nullptr);
+    // What the start left for later: cutting the run before's log down.
+    const QString previous = CrashLog::url(CrashLog::Which::Previous, QString::fromUtf8(qgetenv(logsVariable)));
+    QElapsedTimer waited;
+    waited.start();
+    while (QFileInfo(previous).size() > CrashLog::keptBytes && waited.elapsed() < 20000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    QThreadPool::globalInstance()->waitForDone(20000);
     std::_Exit(0);
 }
 
@@ -147,6 +157,30 @@ TEST_F(CrashLogRun, OutputLeftOnTheConsoleStillRotatesTheLogsAndCatchesTheSignal
     EXPECT_TRUE(readText(console()).contains(QStringLiteral("Fatal error: just words")));
 }
 
+// A run that printed for hours: the start reads only the end, keeps the newest part of the
+// log, and the crash log is the same file under a second name.
+TEST_F(CrashLogRun, AHugeLogIsJudgedByItsEndAndCutToItsNewestPart)
+{
+    const QByteArray line = QByteArray(99, 'x') + '\n';
+    const QByteArray end = "Fatal error: Index out of range\n\n*** ZENTORO CRASH: SIGILL (illegal instruction) ***\n"
+                           "Backtrace:\n0 frame\n";
+    writeFile(log(CrashLog::Which::Current),
+              "Fatal error: an older line\n" + line.repeated(CrashLog::keptBytes / line.size() + 50000) + end);
+    EXPECT_EQ(run("clean").code, 0);
+    EXPECT_EQ(result(), "Fatal error: Index out of range");
+    const QString previous = readText(log(CrashLog::Which::Previous));
+    EXPECT_LE(previous.size(), CrashLog::keptBytes);
+    EXPECT_TRUE(previous.startsWith(QStringLiteral("Zentoro: this log passed 16 MB; only its end is kept.\n") +
+                                    QString::fromLatin1(line)));
+    EXPECT_TRUE(previous.endsWith(QString::fromLatin1(end)));
+    EXPECT_EQ(readText(log(CrashLog::Which::Crash)), previous);
+
+    // A log within the limit stays whole.
+    writeFile(log(CrashLog::Which::Current), line.repeated(1000));
+    run("clean");
+    EXPECT_EQ(QFileInfo(log(CrashLog::Which::Previous)).size(), 1000 * line.size());
+}
+
 TEST(CrashLog, TheReasonIsTheLastExplainingLineOtherwiseTheSignal)
 {
     QTemporaryDir folder;
@@ -167,5 +201,14 @@ TEST(CrashLog, TheReasonIsTheLastExplainingLineOtherwiseTheSignal)
               QStringLiteral("SIGFPE (arithmetic error)"));
     EXPECT_EQ(crashOf("\n*** ZENTORO CRASH: ::  ***\n"), QStringLiteral("crash"));
     EXPECT_EQ(crashOf("Fatal error: words alone\n"), QStringLiteral("<none>"));
+    // A window the app's code held, written by the watchdog, and no crash after it.
+    writeFile(file, "printed\nZentoro: the app's code has kept the window from responding for 12 seconds.\n");
+    EXPECT_EQ(CrashLog::previousCrash(file),
+              (CrashLog::PreviousCrash{QStringLiteral("the app's code has kept the window from responding for 12 "
+                                                      "seconds"),
+                                       true}));
+    EXPECT_EQ(crashOf("Zentoro: the app's code has kept the window from responding for 12 seconds.\n"
+                      "*** ZENTORO CRASH: SIGSEGV (bad memory access) ***\n"),
+              QStringLiteral("SIGSEGV (bad memory access)"));
     EXPECT_EQ(CrashLog::previousCrash(folder.filePath(QStringLiteral("absent.log"))), std::nullopt);
 }

@@ -143,7 +143,8 @@ struct Trial {
     bool killed = false;
     QByteArray fileAtKill;
     std::optional<SavedConversation> atKill;
-    qsizetype requestsBeforeKill = 0;
+    // The requests sent by a process started after the kill.
+    QList<RecordedRequest> afterKill;
     // Restarts the program made through its waiting script.
     int relaunches = 0;
     std::optional<SavedConversation> settled;
@@ -160,7 +161,12 @@ public:
     {
         program_.environment.insert(QStringLiteral("ZENTORO_API_BASE"), server_.origin());
         program_.environment.insert(QStringLiteral("OPENAI_API_KEY"), QStringLiteral("sk-fault-harness"));
-        server_.respondWith([this](const RecordedRequest &recorded) { return answer(recorded); });
+        server_.respondWith([this](const RecordedRequest &recorded) {
+            // Asked while the sender waits for its answer, so it is still there to be found.
+            senders_.append(ProcessTable::holdingConnection(recorded.peerPort, server_.port(),
+                                                            ProcessTable::mentioning(program_.link)));
+            return answer(recorded);
+        });
     }
 
     const Workspace &workspace() const { return workspace_; }
@@ -185,6 +191,8 @@ private:
     QString conversationPath() const { return workspace_.conversation(conversationID); }
 
     FakeResponsesServer server_;
+    // The process that sent each request of `server_`; 0 for one that had ended by then.
+    QList<pid_t> senders_;
     Program program_;
     const Workspace &workspace_;
     RuntimeState startingState_;
@@ -290,6 +298,9 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
     start(kill.afterSaves);
     pid_t current = pid_t(child.processId());
     bool currentIsChild = true;
+    // Which requests came after the kill is told by their senders, not by when this process
+    // got round to reading them: under load a successor may have asked before the death was seen.
+    QSet<pid_t> startedBeforeKill{current};
     std::optional<qint64> calmSince;
     qsizetype requestsWhenCalm = 0;
     QElapsedTimer sinceExit;
@@ -319,6 +330,8 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
                     sinceExit.invalidate();
                     current = successors.first();
                     currentIsChild = false;
+                    if (!trial.killed)
+                        startedBeforeKill.insert(current);
                     ++trial.relaunches;
                     return false;
                 }
@@ -332,11 +345,6 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
                     trial.atKill = SavedConversation::fromJSON(JSON::decode(trial.fileAtKill));
                 } catch (const JSON::Error &) {
                 }
-                // A request the process sent just before it died may still be on its way in; a
-                // relaunch under way may already send its own.
-                if (successors.isEmpty())
-                    spinUntil([] { return false; }, 300ms);
-                trial.requestsBeforeKill = server_.requests().size() - firstRequest;
                 if (!successors.isEmpty()) {
                     // Killed after its restart had begun: the waiting script carries on.
                     current = successors.first();
@@ -373,6 +381,10 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
         trial.problems.append(QStringLiteral("the turn didn't come to rest within %1 s").arg(limit.count() / 1000));
     trial.settled = SavedConversation::read(conversationPath());
     trial.requests = server_.requests().mid(firstRequest);
+    for (qsizetype index = firstRequest; index < server_.requests().size(); ++index) {
+        if (trial.killed && senders_.value(index) != 0 && !startedBeforeKill.contains(senders_.value(index)))
+            trial.afterKill.append(server_.requests()[index]);
+    }
     if (!ProcessTable::killAll({program_.link, workspace_.root}))
         trial.problems.append(QStringLiteral("a process of the copy couldn't be ended"));
     program_.process.waitForFinished(2000);
@@ -398,7 +410,7 @@ QStringList judge(const Trial &trial, const Trial &reference)
         return problems;
     const SavedConversation &settled = *trial.settled;
     const SavedConversation &atKill = *trial.atKill;
-    const QList<RecordedRequest> after = trial.requests.mid(trial.requestsBeforeKill);
+    const QList<RecordedRequest> &after = trial.afterKill;
 
     // No row lost or rewritten; none doubled.
     check(settled.items.mid(0, atKill.items.size()) == atKill.items,

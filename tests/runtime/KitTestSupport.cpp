@@ -40,14 +40,12 @@ const Kit::Build &sharedKit()
     return build;
 }
 
-QString buildApp(const QString &module, const QString &source, QString *error)
+QCoro::Task<QString> buildAppFiles(const QString &module, const QStringList &files, QString *error)
 {
     static QTemporaryDir folder;
     const QString dir = folder.path() + u'/' + module;
     const QString entry = dir + QStringLiteral("/ZentoroEntry.swift");
-    const QString app = dir + QStringLiteral("/App.swift");
     writeFile(entry, BuildSteps::entryFile(kitTestCopy().name, kitTestCopy().defaultsSuite()).toUtf8());
-    writeFile(app, source.toUtf8());
     const QString output = dir + QStringLiteral("/lib") + module + QStringLiteral(".so");
     QStringList arguments{QStringLiteral("-emit-library"),
                           QStringLiteral("-parse-as-library"),
@@ -60,13 +58,21 @@ QString buildApp(const QString &module, const QString &source, QString *error)
                           dir + QStringLiteral("/ModuleCache"),
                           QStringLiteral("-o"),
                           output};
-    arguments << sharedKit().arguments << entry << app;
-    const Shell::Result result = await(Shell::run(*swiftc(), arguments, dir));
+    arguments << sharedKit().arguments << entry << files;
+    const Shell::Result result = co_await Shell::run(*swiftc(), arguments, dir);
     if (result.status != 0) {
         *error = result.output;
-        return {};
+        co_return QString();
     }
-    return output;
+    co_return output;
+}
+
+QString buildApp(const QString &module, const QString &source, QString *error)
+{
+    static QTemporaryDir folder;
+    const QString app = folder.path() + u'/' + module + QStringLiteral("/App.swift");
+    writeFile(app, source.toUtf8());
+    return await(buildAppFiles(module, {app}, error));
 }
 
 void *loadApp(const QString &module, const QString &source)

@@ -4,6 +4,7 @@
 #include "runtime/KitHostView.h"
 #include "runtime/Workspace.h"
 
+#include <QCoroTask>
 #include <QImage>
 #include <QString>
 #include <QWidget>
@@ -24,6 +25,9 @@ const Kit::Build &sharedKit();
 // Compiles `source` (which defines AppRoot) with the generated entry file into a library,
 // as an app build does; returns its path, or an empty string and the compiler's words.
 QString buildApp(const QString &module, const QString &source, QString *error);
+
+// Compiles the Swift files `files` (which define AppRoot) as `buildApp` does.
+QCoro::Task<QString> buildAppFiles(const QString &module, const QStringList &files, QString *error);
 
 // Builds the app as `buildApp` does and opens its library; none, with a test failure, when
 // either step fails.

@@ -111,6 +111,39 @@ bool killAll(const QStringList &texts, std::chrono::milliseconds timeout)
         timeout);
 }
 
+pid_t holdingConnection(quint16 clientPort, quint16 serverPort, const QList<pid_t> &among)
+{
+    // Lines of "sl local_address rem_address st tx:rx tr:when retrnsmt uid timeout inode …",
+    // addresses as hexadecimal "address:port".
+    const auto portOf = [](const QByteArray &address) {
+        return address.mid(address.indexOf(':') + 1).toUInt(nullptr, 16);
+    };
+    QByteArray socket;
+    QFile table(QStringLiteral("/proc/net/tcp"));
+    if (!table.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : table.readAll().split('\n')) {
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (fields.size() > 9 && portOf(fields[1]) == clientPort && portOf(fields[2]) == serverPort) {
+            socket = "socket:[" + fields[9] + ']';
+            break;
+        }
+    }
+    if (socket.isEmpty())
+        return 0;
+    for (pid_t pid : among) {
+        const QDir descriptors(QStringLiteral("/proc/%1/fd").arg(pid));
+        for (const QString &descriptor : descriptors.entryList(QDir::Files | QDir::System)) {
+            char target[64] = {};
+            const QByteArray path = QFile::encodeName(descriptors.filePath(descriptor));
+            const ssize_t length = ::readlink(path.constData(), target, sizeof target - 1);
+            if (length > 0 && QByteArrayView(target, length) == socket)
+                return pid;
+        }
+    }
+    return 0;
+}
+
 } // namespace ProcessTable
 
 Program::Program(const QString &name)

@@ -39,6 +39,9 @@ QList<pid_t> childrenOf(pid_t pid);
 // Kills every process whose command line contains one of `texts` until none is left or
 // `timeout` passes; true when none is left.
 bool killAll(const QStringList &texts, std::chrono::milliseconds timeout = std::chrono::seconds(10));
+// The one of `among` that holds the client end of this machine's IPv4 TCP connection from
+// `clientPort` to `serverPort`; 0 when none does, as once the sender has ended.
+pid_t holdingConnection(quint16 clientPort, quint16 serverPort, const QList<pid_t> &among);
 } // namespace ProcessTable
 
 // The real program started as the copy `name` (a link of that name to the executable) with the

@@ -1,12 +1,16 @@
 #include "runtime/PluginContainerView.h"
 #include "runtime/Runtime.h"
+#include "runtime/Watchdog.h"
 
 #include "support/Await.h"
+#include "support/Files.h"
 #include "support/VersionLibrary.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTemporaryFile>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -128,4 +132,25 @@ TEST_F(RuntimeLoad, ALaterLoadWithinTheProvingTimeOwnsTheState)
     const int before = runtime.generation();
     ASSERT_EQ(runtime.load(2), std::nullopt);
     EXPECT_EQ(runtime.generation(), before + 1);
+}
+
+// The app's code held the main thread while the version was on probation: it is never proved,
+// and stays loading on disk, so the next start takes it for a crash while starting.
+TEST_F(RuntimeLoad, AVersionThatHeldTheWindowWhileStartingIsNeverProved)
+{
+    makeVersion(1);
+    QTemporaryFile log;
+    ASSERT_TRUE(log.open());
+    Watchdog watchdog(log.handle(), {300ms, qint64(1) << 30});
+    Runtime runtime(workspace_);
+    PluginContainerView container(&runtime);
+    container.resize(200, 100);
+    container.show();
+    ASSERT_EQ(runtime.load(1), std::nullopt);
+    ASSERT_TRUE(test::spinUntil([&] { return container.shownGeneration() == 1; }));
+    QThread::msleep(800);
+    test::spinUntil([] { return false; }, 5s);
+    EXPECT_EQ(runtime.state().lastGood, std::nullopt);
+    EXPECT_EQ(onDisk().loading, 1);
+    EXPECT_TRUE(test::readText(log.fileName()).startsWith(QString::fromLatin1(Watchdog::stuckLine)));
 }

@@ -25,7 +25,6 @@ AgentOperations fakeOperations()
 {
     AgentOperations ops;
     ops.hasAPIKey = [] { return true; };
-    ops.canUsePlan = [] { return false; };
     ops.bearer = [](const TaskHandle &, Provider, bool) -> QCoro::Task<QString> { co_return QString::fromUtf8("key"); };
     ops.request = [](Provider) { return JSON::object(); };
     ops.respond = [](const TaskHandle &, const QString &, const JSON &,

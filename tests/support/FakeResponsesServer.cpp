@@ -199,6 +199,7 @@ void FakeResponsesServer::serve(const std::shared_ptr<Connection> &connection)
     const QList<QByteArray> lines = connection->received.left(headEnd).split('\n');
     RecordedRequest request;
     const QList<QByteArray> requestLine = lines.value(0).trimmed().split(' ');
+    request.peerPort = connection->socket->peerPort();
     request.method = requestLine.value(0);
     request.path = requestLine.value(1);
     qsizetype contentLength = 0;

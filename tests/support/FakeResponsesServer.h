@@ -69,6 +69,8 @@ struct RecordedRequest {
     QByteArray path;
     QList<QPair<QByteArray, QByteArray>> headers;
     QByteArray body;
+    // The sender's end of the connection.
+    quint16 peerPort = 0;
 
     std::optional<QByteArray> header(const QByteArray &name) const;
     JSON json() const;
@@ -85,6 +87,7 @@ public:
     FakeResponsesServer &operator=(const FakeResponsesServer &) = delete;
 
     QString origin() const;
+    quint16 port() const { return server_.serverPort(); }
     // Points the program's model service at this server (ZENTORO_API_BASE) until destroyed.
     void becomeModelService();
 

@@ -3,6 +3,7 @@
 #include "ui/Icons.h"
 #include "ui/Spring.h"
 
+#include <QAccessible>
 #include <QImage>
 
 #include <gtest/gtest.h>
@@ -49,6 +50,13 @@ TEST(StretchedText, PullingWidensEveryLetterButTheFirstUpToTheEndOfTheAxis)
     EXPECT_EQ(width("K", 0), width("K", 1));
     // An overshooting spring beyond 1 still stops at the end of the axis.
     EXPECT_EQ(width("Ki", 1.3), width("Ki", 1));
+
+    // Letters Anybody lacks come from a system face, each its own shape rather than one empty box.
+    const auto shape = [](const QString &letter) { return StretchedText::outline(letter, 40, 0); };
+    for (const QString letter : {QStringLiteral("Ж"), QStringLiteral("Ω")})
+        EXPECT_GT(shape(letter).boundingRect().width(), 10) << letter.toStdString();
+    EXPECT_NE(shape(QStringLiteral("Ж")), shape(QStringLiteral("Ω")));
+    EXPECT_NE(shape(QStringLiteral("Ж")), shape(QStringLiteral("Д")));
 
     // Letters are characters as people count them.
     EXPECT_EQ(StretchedText::letters(QStringLiteral("Cafe\u0301 \U0001F600")),
@@ -104,7 +112,11 @@ TEST(StretchGlyph, FitsItsImageAndIsAThinOutline)
 TEST(StretchWordmark, PullsOnHoverShrinksWhenShortOfRoomAndIsOneHeading)
 {
     StretchWordmark wordmark(QStringLiteral("Kitchen Timer"), 40);
-    EXPECT_EQ(wordmark.accessibleName(), QStringLiteral("Kitchen Timer"));
+    QAccessibleInterface *face = QAccessible::queryAccessibleInterface(&wordmark);
+    ASSERT_TRUE(face);
+    EXPECT_EQ(face->role(), QAccessible::Heading);
+    EXPECT_EQ(face->text(QAccessible::Name), QStringLiteral("Kitchen Timer"));
+    EXPECT_EQ(face->childCount(), 0);
     const QSize natural = wordmark.sizeHint();
     EXPECT_NEAR(wordmark.minimumSizeHint().width(), natural.width() * minimumScale, 3);
     wordmark.resize(natural);
@@ -114,6 +126,7 @@ TEST(StretchWordmark, PullsOnHoverShrinksWhenShortOfRoomAndIsOneHeading)
     wordmark.resize(natural.width() / 10, natural.height());
     EXPECT_DOUBLE_EQ(wordmark.drawnScale(), minimumScale);
 
+    wordmark.resize(natural);
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
     QApplication::sendEvent(&wordmark, &enter);
     QElapsedTimer clock;
@@ -125,6 +138,19 @@ TEST(StretchWordmark, PullsOnHoverShrinksWhenShortOfRoomAndIsOneHeading)
     }
     EXPECT_GT(highest, 1.05);
     EXPECT_DOUBLE_EQ(wordmark.pull(), 1);
+    // Pulled out, the whole word stands in its widget, centred.
+    const QImage drawn = wordmark.grab().toImage();
+    int left = drawn.width();
+    int right = -1;
+    for (int y = 0; y < drawn.height(); ++y)
+        for (int x = 0; x < drawn.width(); ++x)
+            if (qGray(drawn.pixel(x, y)) < 100) {
+                left = std::min(left, x);
+                right = std::max(right, x);
+            }
+    EXPECT_GE(left, 0);
+    EXPECT_LT(right, drawn.width() - 1);
+    EXPECT_NEAR(left, drawn.width() - 1 - right, 4);
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(&wordmark, &leave);
     EXPECT_FALSE(wordmark.isPulled());

@@ -9,9 +9,11 @@
 #include "support/FakeResponsesServer.h"
 #include "ui/BannerView.h"
 #include "ui/Composer.h"
+#include "ui/SettingsView.h"
 #include "ui/SetupRows.h"
 #include "ui/SetupView.h"
 #include "ui/ZentoroApp.h"
+#include "ui/ZentoroCommands.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -115,12 +117,13 @@ protected:
         return visited;
     }
 
-    // Every shown, enabled control is reached by Tab, and every widget Tab reaches has a name.
-    QList<QWidget *> checkKeyboardReach()
+    // Every shown, enabled control of `root` is reached by Tab from `start`, and every widget
+    // Tab reaches has a name.
+    QList<QWidget *> checkKeyboardReach(QWidget *root, QWidget *start)
     {
-        const QList<QWidget *> cycle = tabCycle(window().versionButton());
-        for (QWidget *widget : window().findChildren<QWidget *>()) {
-            if (!isControl(widget) || !widget->isVisibleTo(&window()) || !widget->isEnabled())
+        const QList<QWidget *> cycle = tabCycle(start);
+        for (QWidget *widget : root->findChildren<QWidget *>()) {
+            if (!isControl(widget) || !widget->isVisibleTo(root) || !widget->isEnabled() || widget->window() != root)
                 continue;
             EXPECT_TRUE(cycle.contains(widget)) << "Tab doesn't reach " << describe(widget).toStdString() << " named \""
                                                 << accessibleName(widget).toStdString() << "\"";
@@ -130,6 +133,7 @@ protected:
                 << describe(widget).toStdString() << " has no accessible name";
         return cycle;
     }
+    QList<QWidget *> checkKeyboardReach() { return checkKeyboardReach(&window(), window().versionButton()); }
 
     FakeResponsesServer server;
     const Workspace copy = Workspace::forName(QStringLiteral("Keys"));
@@ -189,12 +193,58 @@ TEST_F(Keyboard, EveryControlIsReachedInOrderAndNamed)
     QTest::keyClick(tool->head(), Qt::Key_Space);
     tool = qobject_cast<ToolRow *>(transcript->rowWidget(2));
     ASSERT_TRUE(tool && tool->isExpanded());
+    QTest::qWait(ToolRow::openingDuration + 60);
 
+    // Tab follows the transcript top to bottom, the answer and the details opened later
+    // included, and then comes to the composer.
     auto *retry = transcript->rowWidget(3)->findChild<QPushButton *>(QStringLiteral("retry"));
     ASSERT_TRUE(retry);
-    const QList<QWidget *> later{window().bannerView()->fixButton(), tool->head(), retry, field};
-    const auto [reachedLater, listedLater] = orders(checkKeyboardReach(), later);
+    QWidget *answer = transcript->rowWidget(1);
+    const QList<QWidget *> later{
+        window().bannerView()->fixButton(), answer, tool->head(), tool->detailView(), retry, field};
+    const QList<QWidget *> cycle = checkKeyboardReach();
+    const auto [reachedLater, listedLater] = orders(cycle, later);
     EXPECT_EQ(reachedLater, listedLater);
+
+    // Whatever in the transcript takes the focus shows that it has it.
+    for (QWidget *widget : cycle) {
+        if (!transcript->isAncestorOf(widget))
+            continue;
+        widget->setFocus(Qt::TabFocusReason);
+        QWidget *drawn = widget == tool->detailView() ? widget->parentWidget() : widget;
+        const QImage focused = drawn->grab().toImage();
+        field->setFocus(Qt::TabFocusReason);
+        EXPECT_NE(focused, drawn->grab().toImage()) << describe(widget).toStdString() << " shows no focus";
+    }
+
+    // The composer has the focus whenever the panel comes back.
+    window().setShowAgent(false);
+    window().versionButton()->setFocus();
+    window().setShowAgent(true);
+    EXPECT_TRUE(window().agentPanel()->composer()->field()->hasFocus());
+}
+
+// Settings and quitting answer from every window: the settings window opens by its shortcut,
+// is worked by keys alone, and Ctrl+Q there ends the program as closing the window does.
+TEST_F(Keyboard, TheSettingsWindowIsWorkedByKeysAndQuitsLikeTheMainWindow)
+{
+    QTest::keyClick(&window(), Qt::Key_Comma, Qt::ControlModifier);
+    SettingsView *settings = window().commands()->settingsView();
+    ASSERT_TRUE(settings && settings->isVisible());
+    QApplication::setActiveWindow(settings);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(settings));
+    const QList<QWidget *> order{settings->keyField(), settings->modelField(), settings->modelMenuButton(),
+                                 settings->effortPicker(), settings->originField()};
+    const auto [reached, listed] = orders(checkKeyboardReach(settings, settings->keyField()), order);
+    EXPECT_EQ(reached, listed);
+
+    QTest::keyClicks(settings->keyField(), QStringLiteral("sk-keys"));
+    QTest::keyClick(settings->keyField(), Qt::Key_Return);
+    EXPECT_EQ(AgentConfig::savedKey(), QStringLiteral("sk-keys"));
+    EXPECT_EQ(settings->keyNote(), QStringLiteral("Saved."));
+
+    QTest::keyClick(settings, Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_FALSE(window().isVisible());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "model_service/AgentConfig.h"
 #include "ui/BannerView.h"
+#include "ui/Brand.h"
 #include "ui/MainWindow.h"
 #include "ui/SetupRows.h"
 #include "ui/SetupView.h"
@@ -12,6 +13,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QTest>
 #include <QToolButton>
 
 using namespace zentoro;
@@ -45,7 +47,7 @@ TEST_F(Window, WithoutACompilerNothingIsBuiltAndTheSetupScreenSaysWhatIsMissing)
     launch();
     EXPECT_FALSE(open().commands()->buildAndRun()->isEnabled());
     EXPECT_TRUE(window->buildingIndicator()->isHidden());
-    EXPECT_EQ(window->restartButton()->toolTip(), QStringLiteral("Restart %1 (Alt+Ctrl+R)").arg(workspace.name));
+    EXPECT_EQ(window->restartButton()->toolTip(), QStringLiteral("Restart %1 (Ctrl+Alt+R)").arg(workspace.name));
 
     window.reset();
     state = RuntimeState{};
@@ -58,6 +60,39 @@ TEST_F(Window, WithoutACompilerNothingIsBuiltAndTheSetupScreenSaysWhatIsMissing)
     EXPECT_EQ(setup->toolchainRow()->title(), QStringLiteral("Install the Swift toolchain"));
     EXPECT_TRUE(setup->toolchainRow()->detail().contains(workspace.name));
     EXPECT_TRUE(setup->statusButton()->isHidden());
+}
+
+TEST_F(Window, SetupFitsEveryWidth)
+{
+    // At every width the rows get the height their text needs there, and nothing is cut,
+    // also with a banner taking height and the toolchain's longest text.
+    harness.available = std::nullopt;
+    harness.agent.setHasAPIKey(false);
+    launch();
+    MainWindow &main = open();
+    SetupView *setup = main.setupView();
+    runtime->setBanner(Banner{QStringLiteral("Couldn't load version 1"), QStringLiteral("dlopen failed"), false});
+    QLineEdit *key = setup->accessRow()->keyField();
+    QPushButton *install = setup->toolchainRow()->actionButton();
+    QLabel *detail = nullptr;
+    for (QLabel *label : setup->toolchainRow()->findChildren<QLabel *>())
+        if (label->text() == setup->toolchainRow()->detail())
+            detail = label;
+    ASSERT_TRUE(detail);
+    auto *wordmark = setup->findChild<Brand::StretchWordmark *>();
+    ASSERT_TRUE(wordmark);
+    ASSERT_TRUE(key->isVisibleTo(setup));
+    for (const int width : {760, 1200, 1600}) {
+        SCOPED_TRACE(width);
+        main.resize(width, 760);
+        QTest::qWait(50);
+        EXPECT_GE(key->height(), key->minimumSizeHint().height());
+        EXPECT_GE(install->mapTo(setup, QPoint(0, 0)).y(), detail->mapTo(setup, QPoint(0, detail->height())).y());
+        EXPECT_GE(detail->height(), detail->heightForWidth(detail->width()));
+        EXPECT_LE(key->mapTo(setup, QPoint(key->width(), 0)).x(), setup->viewport()->width());
+        EXPECT_NEAR(wordmark->mapTo(setup, wordmark->rect().center()).x(), setup->viewport()->width() / 2, 2);
+        EXPECT_GE(wordmark->drawnScale(), std::min(1.0, double(wordmark->width()) / wordmark->sizeHint().width()));
+    }
 }
 
 TEST_F(Window, SafeModeOffersTheNewestVersionToRunAndLeavesWhenItLoads)
@@ -89,7 +124,7 @@ TEST_F(Window, TheAgentToggleIsRememberedForTheNextWindow)
     ASSERT_TRUE(main.showsAgent());
     main.agentButton()->click();
     EXPECT_FALSE(main.agentPanel()->isVisible());
-    EXPECT_EQ(main.agentButton()->toolTip(), QStringLiteral("Show the agent (Alt+Ctrl+I)"));
+    EXPECT_EQ(main.agentButton()->toolTip(), QStringLiteral("Show the agent (Ctrl+Alt+I)"));
 
     window.reset();
     MainWindow &next = open();

@@ -4,6 +4,7 @@
 #include "model_service/Failures.h"
 #include "support/Await.h"
 #include "support/FakeAgent.h"
+#include "support/FakePlan.h"
 #include "ui/AgentPanel.h"
 #include "ui/LazyColumn.h"
 #include "ui/TranscriptRows.h"
@@ -37,15 +38,19 @@ struct PanelHarness {
     bool released = false;
     bool failNext = false;
     std::optional<Provider> available = Provider::APIKey;
+    FakePlan plan;
     Agent agent;
 
-    PanelHarness() : agent(operations()) {}
+    PanelHarness() : agent(operations())
+    {
+        plan.usable = [this] { return available == Provider::ChatGPT; };
+        agent.setPlan(&plan);
+    }
 
     AgentOperations operations()
     {
         AgentOperations ops = fakeOperations();
         ops.hasAPIKey = [this] { return available == Provider::APIKey; };
-        ops.canUsePlan = [this] { return available == Provider::ChatGPT; };
         ops.respond = [this](const TaskHandle &task, const QString &, const JSON &,
                              const std::function<void(const JSON &)> &) -> QCoro::Task<JSON> {
             while (!released && !task.isCancelled())

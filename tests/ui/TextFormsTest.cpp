@@ -47,12 +47,13 @@ TEST(InlineMarkdown, EverythingElseStaysAsTyped)
     EXPECT_TRUE(InlineMarkdown::html("x").startsWith("<span style=\"white-space: pre-wrap\">"));
 }
 
-TEST(ConversationMenu, ListsTheFirstFortyAndChecksTheOpenOne)
+TEST(ConversationMenu, ListsTheFirstFortyAndMarksTheOpenOne)
 {
     const QDateTime now = QDateTime::currentDateTimeUtc();
     QList<ConversationSummary> conversations;
     for (int i = 0; i < 45; ++i)
         conversations.append({QUuid::createUuid(), QStringLiteral("Chat %1").arg(i), now.addSecs(-3600 * i), false});
+    conversations[1].title = QStringLiteral("Tom & Jerry scoreboard");
 
     QMenu menu;
     QList<QUuid> chosen;
@@ -60,10 +61,19 @@ TEST(ConversationMenu, ListsTheFirstFortyAndChecksTheOpenOne)
     ConversationMenu::fill(&menu, conversations, conversations[2].id, now, choose);
     const QList<QAction *> actions = menu.actions();
     ASSERT_EQ(actions.size(), 40);
-    EXPECT_EQ(actions[0]->text(), QStringLiteral("Chat 0\tnow"));
-    EXPECT_EQ(actions[3]->text(), QStringLiteral("Chat 3\t3 hours ago"));
-    for (qsizetype i = 0; i < actions.size(); ++i)
-        EXPECT_EQ(actions[i]->isChecked(), i == 2) << i;
+    // The date is a second line, not a shortcut; "&" stands for itself.
+    EXPECT_EQ(actions[0]->text(), QStringLiteral("Chat 0\nnow"));
+    EXPECT_EQ(actions[1]->text(), QStringLiteral("Tom && Jerry scoreboard\n1 hour ago"));
+    EXPECT_EQ(actions[3]->text(), QStringLiteral("Chat 3\n3 hours ago"));
+    for (qsizetype i = 0; i < actions.size(); ++i) {
+        EXPECT_FALSE(actions[i]->isCheckable()) << i;
+        EXPECT_EQ(!actions[i]->icon().isNull(), i == 2) << i;
+    }
+    // Each entry is drawn two lines high.
+    menu.ensurePolished();
+    QMenu plain;
+    plain.addAction(QStringLiteral("Chat 0"));
+    EXPECT_GT(menu.actionGeometry(actions[0]).height(), plain.actionGeometry(plain.actions()[0]).height() * 4 / 3);
     actions[5]->trigger();
     EXPECT_EQ(chosen, QList<QUuid>{conversations[5].id});
 
@@ -71,5 +81,5 @@ TEST(ConversationMenu, ListsTheFirstFortyAndChecksTheOpenOne)
     ConversationMenu::fill(&menu, conversations, conversations[42].id, now, choose);
     ASSERT_EQ(menu.actions().size(), 40);
     for (QAction *action : menu.actions())
-        EXPECT_FALSE(action->isChecked());
+        EXPECT_TRUE(action->icon().isNull());
 }

@@ -1,7 +1,10 @@
 #include "PanelHarness.h"
 
+#include "ui/Composer.h"
 #include "ui/EmptyState.h"
+#include "ui/PanelStyle.h"
 
+#include <QApplication>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -89,9 +92,11 @@ TEST(TranscriptRows, ToolRowsExpandOnlyWithDetailsAndShowReadableImages)
     const int collapsed = edited->heightForWidth(300);
     QTest::mouseClick(edited->head(), Qt::LeftButton);
     ASSERT_TRUE(edited->isExpanded());
+    QTest::qWait(ToolRow::openingDuration + 60);
     EXPECT_TRUE(edited->detailView()->isReadOnly());
-    EXPECT_GT(edited->heightForWidth(300), collapsed);
+    EXPECT_GT(edited->heightForWidth(300), collapsed + TranscriptRows::detailMaximumHeight / 2);
     EXPECT_LE(edited->heightForWidth(300) - collapsed, TranscriptRows::detailMaximumHeight + 6);
+    EXPECT_TRUE(edited->detailView()->verticalScrollBar()->maximum() > 0);
 
     ToolRow *withImage = shown.toolRow(2);
     ASSERT_TRUE(withImage && withImage->showsImage());
@@ -99,6 +104,47 @@ TEST(TranscriptRows, ToolRowsExpandOnlyWithDetailsAndShowReadableImages)
               TranscriptRows::imageMaximumHeight + 6);
     ASSERT_TRUE(shown.toolRow(3));
     EXPECT_FALSE(shown.toolRow(3)->showsImage());
+}
+
+TEST(TranscriptRows, AnOpenedDetailShowsItsTextInSight)
+{
+    ShownPanel shown({item(ChatItem::Kind::User, "Make it blue"),
+                      tool("Edited App.swift", QStringLiteral("Text(\"Hello\")\n    .foregroundStyle(.blue)"))});
+    ToolRow *row = shown.toolRow(1);
+    ASSERT_TRUE(row);
+    QTest::mouseClick(row->head(), Qt::LeftButton);
+    // The box opens over a few frames, not at once.
+    QTest::qWait(ToolRow::openingDuration / 3);
+    shown.panel.transcript()->layoutNow();
+    const int midway = row->detailView()->parentWidget()->height();
+    QTest::qWait(ToolRow::openingDuration + 60);
+    shown.panel.transcript()->layoutNow();
+
+    QPlainTextEdit *detail = row->detailView();
+    ASSERT_TRUE(detail);
+    const QWidget *box = detail->parentWidget();
+    EXPECT_LT(midway, box->height());
+    EXPECT_TRUE(QFontInfo(detail->font()).fixedPitch());
+    EXPECT_TRUE(detail->textInteractionFlags() & Qt::TextSelectableByMouse);
+    EXPECT_EQ(detail->toPlainText(), QStringLiteral("Text(\"Hello\")\n    .foregroundStyle(.blue)"));
+    QWidget *viewport = shown.panel.transcript()->viewport();
+    const QRect shownRect(box->mapTo(viewport, QPoint(0, 0)), box->size());
+    EXPECT_GT(shownRect.height(), 2 * detail->fontMetrics().height());
+    EXPECT_TRUE(viewport->rect().contains(shownRect)) << shownRect.y() << " " << shownRect.height();
+    // Both lines are drawn: rows of text-coloured pixels in two bands.
+    const QImage image = viewport->grab(shownRect).toImage();
+    const QColor text = detail->palette().color(QPalette::Text);
+    int inkRows = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor c = image.pixelColor(x, y);
+            if (std::abs(c.lightness() - text.lightness()) < 60) {
+                ++inkRows;
+                break;
+            }
+        }
+    }
+    EXPECT_GT(inkRows, detail->fontMetrics().height());
 }
 
 TEST(TranscriptRows, AFailedToolIsRedInIconAndText)
@@ -118,6 +164,42 @@ TEST(TranscriptRows, AFailedToolIsRedInIconAndText)
     EXPECT_EQ(redIn(false), std::make_pair(0, 0));
     EXPECT_GT(redIn(true).first, 5);
     EXPECT_GT(redIn(true).second, 5);
+}
+
+TEST(TranscriptRows, TheBubbleReadsAndColoursFollowThePalette)
+{
+    // Fusion's and Breeze's accents, light and dark.
+    for (const QColor accent : {QColor(0x308cc6), QColor(0x2a82da), QColor(0x3daee9), QColor(0x3584e4)}) {
+        QPalette palette;
+        palette.setColor(QPalette::Highlight, accent);
+        EXPECT_GE(PanelStyle::contrast(PanelStyle::bubbleFill(palette), Qt::white), 4.5) << accent.name().toStdString();
+    }
+
+    const QPalette light = QApplication::palette();
+    ShownPanel shown({item(ChatItem::Kind::User, "Make it blue"), item(ChatItem::Kind::Event, "Restarted")});
+    auto *bubble = shown.row(0)->findChild<QLabel *>();
+    auto *event = shown.row(1)->findChild<QLabel *>();
+    ASSERT_TRUE(bubble && event);
+    // Selected text in the bubble stands out from the bubble.
+    const QPalette &inBubble = bubble->palette();
+    EXPECT_GE(PanelStyle::contrast(inBubble.color(QPalette::Highlight), inBubble.color(QPalette::HighlightedText)),
+              4.5);
+    EXPECT_LT(event->palette().color(QPalette::WindowText).lightness(), 128);
+
+    // The desktop turns dark while the panel is shown.
+    QPalette dark = light;
+    dark.setColor(QPalette::Window, QColor(0x35, 0x35, 0x35));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Base, QColor(0x2a, 0x2a, 0x2a));
+    dark.setColor(QPalette::Text, Qt::white);
+    dark.setColor(QPalette::Highlight, QColor(0x2a82da));
+    QApplication::setPalette(dark);
+    QApplication::processEvents();
+    EXPECT_GT(event->palette().color(QPalette::WindowText).lightness(), 128);
+    EXPECT_EQ(bubble->palette().color(QPalette::HighlightedText), PanelStyle::bubbleFill(dark));
+    QApplication::setPalette(light);
+    QApplication::processEvents();
+    EXPECT_LT(event->palette().color(QPalette::WindowText).lightness(), 128);
 }
 
 TEST(LazyTranscript, BuildsOnlyTheRowsInSightAndStaysAtTheBottom)
@@ -150,12 +232,25 @@ TEST(LazyTranscript, BuildsOnlyTheRowsInSightAndStaysAtTheBottom)
     transcript->layoutNow();
     EXPECT_EQ(transcript->verticalScrollBar()->value(), 0);
 
+    // A little way up, new rows are followed; sending brings the user's words into view from anywhere.
+    transcript->scrollToBottom();
+    transcript->verticalScrollBar()->setValue(transcript->verticalScrollBar()->maximum() - 30);
+    shown.harness.agent.appendItem(item(ChatItem::Kind::Event, QStringLiteral("Soon")));
+    transcript->layoutNow();
+    EXPECT_TRUE(transcript->isAtBottom());
+    transcript->verticalScrollBar()->setValue(0);
+    shown.panel.composer()->field()->setPlainText(QStringLiteral("And now?"));
+    shown.panel.send();
+    transcript->layoutNow();
+    EXPECT_TRUE(transcript->isAtBottom());
+    ASSERT_TRUE(shown.harness.finish());
+
     // Back at the bottom, new rows keep it there.
     transcript->scrollToBottom();
     shown.harness.agent.appendItem(item(ChatItem::Kind::Event, QStringLiteral("Latest")));
     transcript->layoutNow();
     EXPECT_TRUE(transcript->isAtBottom());
-    EXPECT_NE(shown.row(5001), nullptr);
+    EXPECT_NE(shown.row(transcript->count() - 1), nullptr);
     ASSERT_TRUE(shown.toolRow(4997));
     EXPECT_TRUE(shown.toolRow(4997)->isExpanded());
 }

@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QUrl>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -164,11 +165,12 @@ TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
     makeVersion(3);
     state.versions[0].summary = QString(60, u'a');
     state.versions[2].summary = QString(61, u'b');
+    state.versions[1].summary = QStringLiteral("Tom & Jerry scoreboard");
     state.current = 1;
     Runtime &runtime = launch();
     const QString time = QLocale().toString(state.versions[0].date.toLocalTime().time(), QLocale::ShortFormat);
     EXPECT_EQ(titles(runtime), (QStringList{QStringLiteral("3. %1… (%2)").arg(QString(57, u'b'), time),
-                                            QStringLiteral("2. Version 2 (%1)").arg(time),
+                                            QStringLiteral("2. Tom && Jerry scoreboard (%1)").arg(time),
                                             QStringLiteral("1. %1 (%2)").arg(QString(60, u'a'), time), "",
                                             "Show Source Folder", "Reset to Original App…"}));
     // The loaded version and the crashed one are marked; the others are not.
@@ -179,6 +181,17 @@ TEST_F(VersionOperations, TheVersionMenuListsNewestFirstAndGoesBack)
     menu.actions()[0]->trigger();
     EXPECT_EQ(runtime.loadedVersion(), 3);
     EXPECT_EQ(appRoot(), sourceText(3).toUtf8());
+}
+
+TEST(FileManager, AskedToShowAFolderWhoseNameHasACommaGetsThatOneFolder)
+{
+    const QString path = QStringLiteral("/home/ana/Zentoro/Timer, v2/Sources");
+    const QStringList call = FileManager::showItemsCall(path);
+    const QStringList items = call.filter(QStringLiteral("array:string:"));
+    ASSERT_EQ(items.size(), 1);
+    const QString item = items[0].mid(QStringLiteral("array:string:").size());
+    EXPECT_FALSE(item.contains(u','));
+    EXPECT_EQ(QUrl(item).toLocalFile(), path);
 }
 
 // The relaunch script, run for real against a stand-in program that writes down how it was

@@ -91,7 +91,7 @@ final class ButtonElement: InteractiveElement {
         if frame.contains(point) { action() }
         return true
     }
-    func matches(_ press: KeyPress) -> Bool {
+    func matches(_ press: HostKey) -> Bool {
         guard enabled, let shortcut else { return false }
         return shortcut.matches(press)
     }
@@ -226,11 +226,11 @@ struct ButtonChrome: View {
     }
 }
 
-public struct KeyEquivalent: Equatable, ExpressibleByExtendedGraphemeClusterLiteral, Sendable {
-    let character: Character
+public struct KeyEquivalent: Hashable, ExpressibleByExtendedGraphemeClusterLiteral, Sendable {
+    let storedCharacter: Character
     let code: Int32
-    public init(_ character: Character) { self.character = character; code = 0 }
-    init(code: Int32) { character = " "; self.code = code }
+    public init(_ character: Character) { storedCharacter = character; code = 0 }
+    init(code: Int32) { storedCharacter = " "; self.code = code }
     public init(extendedGraphemeClusterLiteral value: Character) { self.init(value) }
     public static let `return` = KeyEquivalent(code: 1)
     public static let escape = KeyEquivalent(code: 2)
@@ -261,10 +261,10 @@ public struct KeyboardShortcut: Equatable, Sendable {
     public init(_ key: KeyEquivalent, modifiers: EventModifiers = .command) { self.key = key; self.modifiers = modifiers }
     public static let defaultAction = KeyboardShortcut(.return, modifiers: [])
     public static let cancelAction = KeyboardShortcut(.escape, modifiers: [])
-    func matches(_ press: KeyPress) -> Bool {
+    func matches(_ press: HostKey) -> Bool {
         let pressed = EventModifiers(rawValue: press.modifiers & 7)
         if key.code != 0 { return press.code == key.code && pressed == modifiers }
-        return press.characters.lowercased() == String(key.character).lowercased() && pressed == modifiers
+        return press.characters.lowercased() == String(key.storedCharacter).lowercased() && pressed == modifiers
     }
 }
 

@@ -255,8 +255,11 @@ final class PopupElement: Element {
     let anchor: Element, panel: Element
     let dismiss: () -> Void
     unowned let graph: ViewGraph
-    init(anchor: Element, panel: Element, graph: ViewGraph, dismiss: @escaping () -> Void) {
+    /// Menus close after a click on an item; panels with controls of their own stay open.
+    let closesOnInsideClick: Bool
+    init(anchor: Element, panel: Element, graph: ViewGraph, closesOnInsideClick: Bool = true, dismiss: @escaping () -> Void) {
         self.anchor = anchor; self.panel = panel; self.graph = graph; self.dismiss = dismiss
+        self.closesOnInsideClick = closesOnInsideClick
     }
     override var children: [Element] { [panel] }
     override func measure(_ proposal: ProposedViewSize) -> CGSize { proposal.replacingUnspecifiedDimensions() }
@@ -270,6 +273,7 @@ final class PopupElement: Element {
     }
     override func hits(_ point: CGPoint) -> [InteractiveElement]? {
         if let hit = panel.hits(point) {
+            if !closesOnInsideClick { return hit }
             return hit + [DismissCatcher(EmptyElement(), path: ViewPath.root.appending(.id("popup")), graph: graph, action: dismiss)]
         }
         return [DismissCatcher(EmptyElement(), path: ViewPath.root.appending(.id("popup")), graph: graph, action: dismiss)]

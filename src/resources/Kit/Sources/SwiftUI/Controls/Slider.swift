@@ -8,13 +8,22 @@ public struct Slider<Label: View>: View, PrimitiveView {
     let bounds: ClosedRange<Double>
     let step: Double?
     let onEditingChanged: (Bool) -> Void
+    /// The title before the track and the values at its ends, when given.
+    var labels: (title: AnyView?, low: AnyView?, high: AnyView?) = (nil, nil, nil)
 
     func resolve(_ context: ResolveContext) -> [Element] {
-        [
-            SliderElement(
-                EmptyElement(), path: context.path, graph: context.graph, value: value, bounds: bounds, step: step,
-                enabled: context.environment.isEnabled, environment: context.environment, onEditingChanged: onEditingChanged)
-        ]
+        let slider = SliderElement(
+            EmptyElement(), path: context.path, graph: context.graph, value: value, bounds: bounds, step: step,
+            enabled: context.environment.isEnabled, environment: context.environment, onEditingChanged: onEditingChanged)
+        let title = context.environment.labelsHidden || context.environment.inList ? nil : labels.title
+        guard title != nil || labels.low != nil || labels.high != nil else { return [slider] }
+        let row = HStack(spacing: 8) {
+            title
+            labels.low
+            Elements(elements: [slider])
+            labels.high
+        }
+        return resolveView(row, context.child(.id("labelled")))
     }
 }
 
@@ -48,6 +57,27 @@ extension Slider {
         self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
         step = nil
         self.onEditingChanged = onEditingChanged
+        labels.title = AnyView(label())
+    }
+    public init<V: BinaryFloatingPoint>(
+        value: Binding<V>, in bounds: ClosedRange<V>, step: V.Stride, @ViewBuilder label: () -> Label,
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }
+    ) where V.Stride: BinaryFloatingPoint {
+        self.value = Binding(get: { Double(value.wrappedValue) }, set: { value.wrappedValue = V($0) })
+        self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
+        self.step = Double(step)
+        self.onEditingChanged = onEditingChanged
+    }
+    public init<V: BinaryFloatingPoint, Low: View, High: View>(
+        value: Binding<V>, in bounds: ClosedRange<V>, step: V.Stride,
+        @ViewBuilder label: () -> Label, @ViewBuilder minimumValueLabel: () -> Low, @ViewBuilder maximumValueLabel: () -> High,
+        onEditingChanged: @escaping (Bool) -> Void = { _ in }
+    ) where V.Stride: BinaryFloatingPoint {
+        self.value = Binding(get: { Double(value.wrappedValue) }, set: { value.wrappedValue = V($0) })
+        self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
+        self.step = Double(step)
+        self.onEditingChanged = onEditingChanged
+        labels = (AnyView(label()), AnyView(minimumValueLabel()), AnyView(maximumValueLabel()))
     }
     public init<V: BinaryFloatingPoint, Low: View, High: View>(
         value: Binding<V>, in bounds: ClosedRange<V> = 0...1,
@@ -58,6 +88,7 @@ extension Slider {
         self.bounds = Double(bounds.lowerBound)...Double(bounds.upperBound)
         step = nil
         self.onEditingChanged = onEditingChanged
+        labels = (AnyView(label()), AnyView(minimumValueLabel()), AnyView(maximumValueLabel()))
     }
 }
 
@@ -114,4 +145,11 @@ final class SliderElement: InteractiveElement {
     override func tap(at point: CGPoint, count: Int) -> Bool { set(from: point); onEditingChanged(false); return true }
     override func drag(from start: CGPoint, to point: CGPoint) { set(from: point) }
     override func endDrag(from start: CGPoint, to point: CGPoint) { set(from: point); onEditingChanged(false) }
+}
+
+extension Slider where Label == Text {
+    public init<V: BinaryFloatingPoint>(_ titleKey: LocalizedStringKey, value: Binding<V>, in bounds: ClosedRange<V> = 0...1)
+    where V.Stride: BinaryFloatingPoint {
+        self.init(value: value, in: bounds) { Text(titleKey) }
+    }
 }

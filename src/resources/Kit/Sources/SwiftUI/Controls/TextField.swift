@@ -7,11 +7,17 @@ public struct TextField<Label: View>: View, PrimitiveView {
     let text: Binding<String>
     let prompt: String
     let secure: Bool
+    var multiline = false
 
     public init(text: Binding<String>, prompt: Text? = nil, @ViewBuilder label: () -> Label) {
         self.text = text; self.prompt = prompt?.plainText ?? ""; secure = false
     }
-    init(text: Binding<String>, prompt: String, secure: Bool) { self.text = text; self.prompt = prompt; self.secure = secure }
+    public init(text: Binding<String>, prompt: Text? = nil, axis: Axis, @ViewBuilder label: () -> Label) {
+        self.text = text; self.prompt = prompt?.plainText ?? ""; secure = false
+    }
+    init(text: Binding<String>, prompt: String, secure: Bool, multiline: Bool = false) {
+        self.text = text; self.prompt = prompt; self.secure = secure; self.multiline = multiline
+    }
 
     func resolve(_ context: ResolveContext) -> [Element] {
         let environment = context.environment
@@ -29,6 +35,7 @@ public struct TextField<Label: View>: View, PrimitiveView {
         if focus?.get() == true { flags |= Int32(ZENTORO_FIELD_FOCUS) }
         if !environment.isEnabled { flags |= Int32(ZENTORO_FIELD_DISABLED) }
         if environment.textFieldStyle == .plain { flags |= Int32(ZENTORO_FIELD_PLAIN) }
+        if multiline { flags |= Int32(ZENTORO_FIELD_MULTILINE) }
         return [TextFieldElement(identifier: identifier, text: text.wrappedValue, prompt: prompt, font: font, flags: flags, graph: graph)]
     }
 }
@@ -40,6 +47,41 @@ extension TextField where Label == Text {
     @_disfavoredOverload
     public init<S: StringProtocol>(_ title: S, text: Binding<String>) {
         self.init(text: text, prompt: String(title), secure: false)
+    }
+    @_disfavoredOverload
+    public init<S: StringProtocol>(_ title: S, text: Binding<String>, prompt: Text?) {
+        self.init(text: text, prompt: prompt?.plainText ?? String(title), secure: false)
+    }
+    @_disfavoredOverload
+    public init<S: StringProtocol>(_ title: S, text: Binding<String>, axis: Axis) {
+        self.init(text: text, prompt: String(title), secure: false)
+    }
+    public init(
+        _ titleKey: LocalizedStringKey, text: Binding<String>, onEditingChanged: @escaping (Bool) -> Void,
+        onCommit: @escaping () -> Void = {}
+    ) {
+        self.init(text: text, prompt: titleKey.string, secure: false)
+    }
+    public init<V>(_ titleKey: LocalizedStringKey, value: Binding<V>, formatter: Formatter) {
+        let binding = Binding<String>(
+            get: { formatter.string(for: value.wrappedValue) ?? "" },
+            set: { text in
+                guard let number = (formatter as? NumberFormatter)?.number(from: text) else { return }
+                switch value.wrappedValue {
+                case is Int: if let v = number.intValue as? V { value.wrappedValue = v }
+                case is Double: if let v = number.doubleValue as? V { value.wrappedValue = v }
+                default: break
+                }
+            })
+        self.init(text: binding, prompt: titleKey.string, secure: false)
+    }
+    /// Edits a number or other value through a format style given as `.number` and the like.
+    public init<F: ParseableFormatStyle>(_ titleKey: LocalizedStringKey, value: Binding<F.FormatInput?>, format: F, prompt: Text? = nil)
+    where F.FormatOutput == String {
+        let binding = Binding<String>(
+            get: { value.wrappedValue.map { format.format($0) } ?? "" },
+            set: { value.wrappedValue = $0.isEmpty ? nil : try? format.parseStrategy.parse($0) })
+        self.init(text: binding, prompt: prompt?.plainText ?? titleKey.string, secure: false)
     }
     public init(_ titleKey: LocalizedStringKey, text: Binding<String>, prompt: Text?) {
         self.init(text: text, prompt: prompt?.plainText ?? titleKey.string, secure: false)
@@ -85,11 +127,14 @@ final class TextFieldElement: Element {
     let font: ResolvedFont
     let flags: Int32
     weak var graph: ViewGraph?
+    var multiline: Bool { flags & Int32(ZENTORO_FIELD_MULTILINE) != 0 }
     init(identifier: Int64, text: String, prompt: String, font: ResolvedFont, flags: Int32, graph: ViewGraph) {
         self.identifier = identifier; self.text = text; self.prompt = prompt; self.font = font; self.flags = flags; self.graph = graph
     }
     override func measure(_ proposal: ProposedViewSize) -> CGSize {
-        CGSize(width: proposal.width.map { $0.isFinite ? $0 : 200 } ?? 200, height: ceil(font.size * 1.3) + 10)
+        let width = proposal.width.map { $0.isFinite ? $0 : 200 } ?? 200
+        guard multiline else { return CGSize(width: width, height: ceil(font.size * 1.3) + 10) }
+        return CGSize(width: width, height: proposal.height.map { $0.isFinite ? max($0, 40) : 120 } ?? 120)
     }
     override func draw(_ renderer: HostBridge) {
         renderer.placeTextField(identifier, rect: frame, text: text, prompt: prompt, font: font, flags: flags)
@@ -160,4 +205,11 @@ public struct SubmitLabel: Sendable {
     public static let done = SubmitLabel(), go = SubmitLabel(), send = SubmitLabel(), join = SubmitLabel()
     public static let route = SubmitLabel(), search = SubmitLabel(), `return` = SubmitLabel(), next = SubmitLabel(),
         `continue` = SubmitLabel()
+}
+
+/// Text of several lines, edited in a native editor that takes the space it is offered.
+public struct TextEditor: View {
+    let text: Binding<String>
+    public init(text: Binding<String>) { self.text = text }
+    public var body: some View { TextField<Text>(text: text, prompt: "", secure: false, multiline: true) }
 }

@@ -164,9 +164,16 @@ public struct TintShapeStyle: ShapeStyle, PaintSource {
 
 /// The style that fills the background of a window or control.
 public struct BackgroundStyle: ShapeStyle, PaintSource {
+    var level = 0
+    public init() {}
+    init(level: Int) { self.level = level }
     func paint(in rect: CGRect, environment: EnvironmentValues) -> Paint {
-        .solid(Color.windowBackground.rgba(in: environment))
+        .solid((level == 0 ? Color.windowBackground : Color.controlBackground).rgba(in: environment))
     }
+    /// The background's layers: a shade apart from the window, for cards on it.
+    public var secondary: BackgroundStyle { BackgroundStyle(level: 1) }
+    public var tertiary: BackgroundStyle { BackgroundStyle(level: 2) }
+    public var quaternary: BackgroundStyle { BackgroundStyle(level: 3) }
 }
 
 /// The material styles draw as a translucent veil.

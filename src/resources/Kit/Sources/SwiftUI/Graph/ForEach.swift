@@ -27,7 +27,12 @@ public struct ForEach<Data: RandomAccessCollection, ID: Hashable, Content: View>
         var rowContext = context.child(.id(AnyHashable(identity)))
         rowContext.environment.pickerTags = false
         var elements = rowContext.sliding(resolveView(content(element), rowContext), row: rowContext.path)
-        if context.environment.pickerTags { elements = elements.map { TagElement($0, tag: AnyHashable(identity)) } }
+        if context.environment.pickerTags {
+            elements = elements.map { TagElement($0, tag: AnyHashable(identity)) }
+            // A picker over an enum's cases whose ids are not the cases themselves matches by the case.
+            if let value = element as? any Hashable { elements = elements.map { TagElement($0, tag: AnyHashable(value)) } }
+        }
+        if context.environment.marksIdentity { elements = elements.map { IdentityElement($0, identity: AnyHashable(identity)) } }
         guard let deleteAction else { return elements }
         let rowPath = rowContext.child(.id("row")).path
         return elements.map {

@@ -128,7 +128,7 @@ final class ViewGraph {
     private var propertyLayouts: [ObjectIdentifier: [(Int, String)]] = [:]
     var interaction = InteractionState()
     var textFields: [Int64: TextFieldHandlers] = [:]
-    var keyHandlers: [(KeyPress) -> Bool] = []
+    var keyHandlers: [(HostKey) -> Bool] = []
     /// Pop-ups, sheets and alerts over the whole window, in the order they were resolved.
     var overlays: [Element] = []
     /// The visible rectangles of the scroll views being placed, innermost last.

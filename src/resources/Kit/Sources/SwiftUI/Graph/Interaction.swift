@@ -5,7 +5,7 @@ enum PointerEvent {
     enum Kind: Int32 { case down = 0, move = 1, up = 2, leave = 3 }
 }
 
-struct KeyPress {
+struct HostKey {
     let code: Int32
     let characters: String
     let modifiers: Int32
@@ -54,6 +54,8 @@ class InteractiveElement: WrapperElement {
     func drag(from start: CGPoint, to point: CGPoint) {}
     func endDrag(from start: CGPoint, to point: CGPoint) {}
     func hover(_ inside: Bool) {}
+    /// A press of the secondary button; returns true when it opened something.
+    func secondaryPress(at point: CGPoint) -> Bool { false }
     /// Whether this element still gets the tap after an inner element handled it.
     var alwaysTaps: Bool { false }
 }
@@ -77,9 +79,17 @@ extension ViewGraph {
         return rootElement?.hits(point) ?? []
     }
 
-    func pointer(_ kind: PointerEvent.Kind, at point: CGPoint, clickCount: Int) -> Bool {
+    func pointer(_ kind: PointerEvent.Kind, at point: CGPoint, clickCount: Int, secondary: Bool = false) -> Bool {
         // A release goes to the elements its press found, so it needs no fresh tree.
         if kind != .up { update() }
+        if secondary {
+            // The secondary button opens the innermost context menu and does nothing else.
+            guard kind == .down else { return kind == .up }
+            interaction.chain = []
+            let chain = topHits(point)
+            if chain.last is DismissCatcher { chain.last?.tap(at: point, count: 1); return true }
+            return chain.contains { $0.secondaryPress(at: point) }
+        }
         switch kind {
         case .down:
             let chain = topHits(point)
@@ -146,7 +156,7 @@ extension ViewGraph {
         return target.scroll(by: delta)
     }
 
-    func key(_ press: KeyPress) -> Bool {
+    func key(_ press: HostKey) -> Bool {
         update()
         var handled = false
         rootElement?.forEach { element in
@@ -155,7 +165,8 @@ extension ViewGraph {
                 handled = true
             }
         }
-        if !handled, let handler = keyHandlers.last { handled = handler(press) }
+        // The views registered last are the innermost: they see the key first.
+        for handler in keyHandlers.reversed() where !handled { handled = handler(press) }
         return handled
     }
 

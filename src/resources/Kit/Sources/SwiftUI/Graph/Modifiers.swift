@@ -173,6 +173,9 @@ extension View {
     public func overlay<V: View>(_ view: V, alignment: Alignment = .center) -> some View {
         modifier(LayerModifier(layer: AnyView(view), alignment: alignment, above: true))
     }
+    public func overlay<S: ShapeStyle>(_ style: S, ignoresSafeAreaEdges edges: Edge.Set = .all) -> some View {
+        modifier(LayerModifier(layer: AnyView(Rectangle().fill(style)), alignment: .center, above: true))
+    }
     public func overlay<S: ShapeStyle, T: Shape>(_ style: S, in shape: T) -> some View {
         modifier(LayerModifier(layer: AnyView(shape.fill(style)), alignment: .center, above: true))
     }

@@ -132,5 +132,9 @@ struct IdentifiedView<Content: View>: View, PrimitiveView {
     typealias Body = Never
     let content: Content
     let identity: AnyHashable
-    func resolve(_ context: ResolveContext) -> [Element] { resolveView(content, context.child(.id(identity))) }
+    func resolve(_ context: ResolveContext) -> [Element] {
+        let elements = resolveView(content, context.child(.id(identity)))
+        guard context.environment.marksIdentity else { return elements }
+        return elements.map { IdentityElement($0, identity: identity) }
+    }
 }

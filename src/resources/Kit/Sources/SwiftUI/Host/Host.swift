@@ -34,6 +34,7 @@ final class HostBridge {
     var clip = CGRect.infinite
 
     func requestRedraw() { host.pointee.requestRedraw(context) }
+    func copyText(_ text: String) { host.pointee.copyText?(context, text) }
 
     private func withText<R>(
         _ runs: [TextRun], alignment: TextAlignment, lineLimit: Int?,
@@ -295,7 +296,8 @@ public func _zentoroViewPointer(
 ) -> Int32 {
     MainActor.assumeIsolated {
         guard let graph = root(view), let event = PointerEvent.Kind(rawValue: kind) else { return 0 }
-        return graph.pointer(event, at: CGPoint(x: x, y: y), clickCount: Int(clickCount)) ? 1 : 0
+        let secondary = modifiers & Int32(ZENTORO_POINTER_SECONDARY) != 0
+        return graph.pointer(event, at: CGPoint(x: x, y: y), clickCount: Int(clickCount), secondary: secondary) ? 1 : 0
     }
 }
 
@@ -308,7 +310,7 @@ public func _zentoroViewScroll(_ view: UnsafeMutableRawPointer?, _ x: Double, _ 
 public func _zentoroViewKey(_ view: UnsafeMutableRawPointer?, _ key: Int32, _ text: UnsafePointer<CChar>?, _ modifiers: Int32) -> Int32 {
     MainActor.assumeIsolated {
         let typed = text.map { String(cString: $0) } ?? ""
-        return root(view)?.key(KeyPress(code: key, characters: typed, modifiers: modifiers)) == true ? 1 : 0
+        return root(view)?.key(HostKey(code: key, characters: typed, modifiers: modifiers)) == true ? 1 : 0
     }
 }
 

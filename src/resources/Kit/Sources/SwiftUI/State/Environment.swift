@@ -11,6 +11,18 @@ public struct EnvironmentValues: CustomStringConvertible {
     var objects: [ObjectIdentifier: AnyObject] = [:]
     public init() {}
 
+    // What every text and shape reads, kept in fields: a lookup with a cast for each of a
+    // thousand texts, and a copy of the whole table for each `.font`, cost a frame's budget.
+    private var storedColorScheme = ColorScheme.light
+    private var storedFont: Font?
+    private var storedAlignment = TextAlignment.leading
+    private var storedLineLimit: Int?
+    private var storedEnabled = true
+    private var storedAccent = RGBA(red: 0, green: 0.48, blue: 1, alpha: 1)
+    private var storedForeground: AnyShapeStyle?
+    private var storedTint: AnyShapeStyle?
+    private var storedTraits = TextTraits()
+
     public subscript<K: EnvironmentKey>(key: K.Type) -> K.Value {
         get { values[ObjectIdentifier(key)] as? K.Value ?? K.defaultValue }
         set { values[ObjectIdentifier(key)] = newValue }
@@ -22,15 +34,6 @@ public enum ColorScheme: Hashable, CaseIterable, Sendable { case light, dark }
 public enum LayoutDirection: Hashable, Sendable { case leftToRight, rightToLeft }
 public enum ControlSize: Hashable, CaseIterable, Sendable { case mini, small, regular, large, extraLarge }
 
-private enum ColorSchemeKey: EnvironmentKey { static let defaultValue = ColorScheme.light }
-private enum AccentKey: EnvironmentKey { static let defaultValue = RGBA(red: 0, green: 0.48, blue: 1, alpha: 1) }
-private enum FontKey: EnvironmentKey { static let defaultValue: Font? = nil }
-private enum ForegroundKey: EnvironmentKey { static let defaultValue: AnyShapeStyle? = nil }
-private enum TintKey: EnvironmentKey { static let defaultValue: AnyShapeStyle? = nil }
-private enum TextAlignmentKey: EnvironmentKey { static let defaultValue = TextAlignment.leading }
-private enum LineLimitKey: EnvironmentKey { static let defaultValue: Int? = nil }
-private enum EnabledKey: EnvironmentKey { static let defaultValue = true }
-private enum TextTraitsKey: EnvironmentKey { static let defaultValue = TextTraits() }
 private enum DefaultsKey: EnvironmentKey { static let defaultValue = UserDefaults.standard }
 private enum ControlSizeKey: EnvironmentKey { static let defaultValue = ControlSize.regular }
 private enum DismissKey: EnvironmentKey { static let defaultValue = DismissAction(action: {}) }
@@ -48,24 +51,24 @@ struct TextTraits: Equatable {
 
 extension EnvironmentValues {
     public var colorScheme: ColorScheme {
-        get { self[ColorSchemeKey.self] }
-        set { self[ColorSchemeKey.self] = newValue }
+        get { storedColorScheme }
+        set { storedColorScheme = newValue }
     }
     public var font: Font? {
-        get { self[FontKey.self] }
-        set { self[FontKey.self] = newValue }
+        get { storedFont }
+        set { storedFont = newValue }
     }
     public var multilineTextAlignment: TextAlignment {
-        get { self[TextAlignmentKey.self] }
-        set { self[TextAlignmentKey.self] = newValue }
+        get { storedAlignment }
+        set { storedAlignment = newValue }
     }
     public var lineLimit: Int? {
-        get { self[LineLimitKey.self] }
-        set { self[LineLimitKey.self] = newValue }
+        get { storedLineLimit }
+        set { storedLineLimit = newValue }
     }
     public var isEnabled: Bool {
-        get { self[EnabledKey.self] }
-        set { self[EnabledKey.self] = newValue }
+        get { storedEnabled }
+        set { storedEnabled = newValue }
     }
     public var defaultAppStorage: UserDefaults {
         get { self[DefaultsKey.self] }
@@ -88,20 +91,20 @@ extension EnvironmentValues {
     public var calendar: Calendar { Calendar.current }
 
     var accentRGBA: RGBA {
-        get { self[AccentKey.self] }
-        set { self[AccentKey.self] = newValue }
+        get { storedAccent }
+        set { storedAccent = newValue }
     }
     var foregroundStyle: AnyShapeStyle? {
-        get { self[ForegroundKey.self] }
-        set { self[ForegroundKey.self] = newValue }
+        get { storedForeground }
+        set { storedForeground = newValue }
     }
     var tint: AnyShapeStyle? {
-        get { self[TintKey.self] }
-        set { self[TintKey.self] = newValue }
+        get { storedTint }
+        set { storedTint = newValue }
     }
     var textTraits: TextTraits {
-        get { self[TextTraitsKey.self] }
-        set { self[TextTraitsKey.self] = newValue }
+        get { storedTraits }
+        set { storedTraits = newValue }
     }
 }
 

@@ -25,7 +25,6 @@ public struct State<Value>: DynamicProperty, StorageBound {
 
     public init(wrappedValue value: Value) { box = Box(value) }
     public init(initialValue value: Value) { box = Box(value) }
-    public init() where Value: ExpressibleByNilLiteral { box = Box(nil) }
 
     public var wrappedValue: Value {
         get { MainActor.assumeIsolated { box.cell?.value ?? box.initial } }
@@ -354,4 +353,10 @@ public struct FocusState<Value: Hashable>: DynamicProperty, StorageBound {
     func bind(to storage: NodeStorage, index: Int, context: ResolveContext) {
         state.bind(to: storage, index: index, context: context)
     }
+}
+
+extension State where Value: ExpressibleByNilLiteral {
+    // In an extension, so that `@State var items: [Item]` without a value keeps a memberwise
+    // initialiser that takes the items themselves.
+    public init() { self.init(wrappedValue: nil) }
 }

@@ -115,11 +115,22 @@ public struct Label<Title: View, Icon: View>: View {
     let title: Title
     let icon: Icon
     @Environment(\.labelStyle) private var style
+    @Environment(\.customLabelStyle) private var custom
     public init(@ViewBuilder title: () -> Title, @ViewBuilder icon: () -> Icon) { self.title = title(); self.icon = icon() }
     public var body: some View {
-        HStack(spacing: 6) {
-            if style != .titleOnly { icon }
-            if style != .iconOnly { title }
+        if let custom {
+            custom.make(LabelStyleConfiguration(title: .init(content: AnyView(title)), icon: .init(content: AnyView(icon))))
+                .environment(\.customLabelStyle, nil)
+        } else if style == .unavailable {
+            VStack(spacing: 12) {
+                icon.font(.system(size: 44)).foregroundStyle(.secondary)
+                title.font(.title2.bold()).multilineTextAlignment(.center)
+            }
+        } else {
+            HStack(spacing: 6) {
+                if style != .titleOnly { icon }
+                if style != .iconOnly { title }
+            }
         }
     }
 }
@@ -134,12 +145,55 @@ extension Label where Title == Text, Icon == Image {
     }
 }
 
-public struct LabelStyleKind: Equatable, Sendable {
+/// How a label looks: `.labelStyle(.iconOnly)` or a style of the app's own.
+@MainActor @preconcurrency
+public protocol LabelStyle {
+    associatedtype Body: View
+    typealias Configuration = LabelStyleConfiguration
+    @ViewBuilder func makeBody(configuration: Configuration) -> Body
+}
+
+public struct LabelStyleConfiguration {
+    public struct Title: View {
+        let content: AnyView
+        public var body: some View { content }
+    }
+    public struct Icon: View {
+        let content: AnyView
+        public var body: some View { content }
+    }
+    public let title: Title
+    public let icon: Icon
+}
+
+struct AnyLabelStyle {
+    let make: @MainActor (LabelStyleConfiguration) -> AnyView
+}
+
+private enum CustomLabelStyleKey: EnvironmentKey { static let defaultValue: AnyLabelStyle? = nil }
+extension EnvironmentValues {
+    var customLabelStyle: AnyLabelStyle? {
+        get { self[CustomLabelStyleKey.self] }
+        set { self[CustomLabelStyleKey.self] = newValue }
+    }
+}
+
+extension LabelStyle where Self == LabelStyleKind {
+    public static var automatic: LabelStyleKind { LabelStyleKind(kind: 0) }
+    public static var titleAndIcon: LabelStyleKind { LabelStyleKind(kind: 0) }
+    public static var titleOnly: LabelStyleKind { LabelStyleKind(kind: 1) }
+    public static var iconOnly: LabelStyleKind { LabelStyleKind(kind: 2) }
+}
+
+public struct LabelStyleKind: LabelStyle, Equatable, Sendable {
     let kind: Int
-    public static let automatic = LabelStyleKind(kind: 0)
-    public static let titleAndIcon = LabelStyleKind(kind: 0)
-    public static let titleOnly = LabelStyleKind(kind: 1)
-    public static let iconOnly = LabelStyleKind(kind: 2)
+    public func makeBody(configuration: Configuration) -> some View { EmptyView() }
+    static let automatic = LabelStyleKind(kind: 0)
+    static let titleAndIcon = LabelStyleKind(kind: 0)
+    static let titleOnly = LabelStyleKind(kind: 1)
+    static let iconOnly = LabelStyleKind(kind: 2)
+    /// A large icon over a bold title, as an empty screen shows it.
+    static let unavailable = LabelStyleKind(kind: 3)
 }
 private enum LabelStyleKey: EnvironmentKey { static let defaultValue = LabelStyleKind.automatic }
 extension EnvironmentValues {
@@ -149,7 +203,17 @@ extension EnvironmentValues {
     }
 }
 extension View {
-    public func labelStyle(_ style: LabelStyleKind) -> some View { modifier(EnvironmentModifier { $0.labelStyle = style }) }
+    public func labelStyle<S: LabelStyle>(_ style: S) -> some View {
+        modifier(
+            EnvironmentModifier {
+                if let kind = style as? LabelStyleKind {
+                    $0.labelStyle = kind
+                    $0.customLabelStyle = nil
+                } else {
+                    $0.customLabelStyle = AnyLabelStyle { AnyView(style.makeBody(configuration: $0)) }
+                }
+            })
+    }
     public func labelsHidden() -> some View { modifier(EnvironmentModifier { $0.labelsHidden = true }) }
 }
 private enum LabelsHiddenKey: EnvironmentKey { static let defaultValue = false }

@@ -4,11 +4,114 @@ import Foundation
 public struct List<SelectionValue: Hashable, Content: View>: View, PrimitiveView {
     public typealias Body = Never
     let content: Content
-    public init(selection: Binding<SelectionValue?>?, @ViewBuilder content: () -> Content) { self.content = content() }
-    public init(selection: Binding<Set<SelectionValue>>?, @ViewBuilder content: () -> Content) { self.content = content() }
+    var selection: ListSelection? = nil
+    public init(selection: Binding<SelectionValue?>?, @ViewBuilder content: () -> Content) {
+        self.content = content(); self.selection = selection.map(ListSelection.init)
+    }
+    public init(selection: Binding<Set<SelectionValue>>?, @ViewBuilder content: () -> Content) {
+        self.content = content(); self.selection = selection.map(ListSelection.init)
+    }
+    public init(selection: Binding<SelectionValue>?, @ViewBuilder content: () -> Content) {
+        self.content = content(); self.selection = selection.map(ListSelection.init)
+    }
+    public init<Data: RandomAccessCollection, RowContent: View>(
+        _ data: Data, selection: Binding<SelectionValue?>?, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent
+    ) where Content == ForEach<Data, Data.Element.ID, RowContent>, Data.Element: Identifiable {
+        content = ForEach(data, content: rowContent); self.selection = selection.map(ListSelection.init)
+    }
+    public init<Data: RandomAccessCollection, RowContent: View>(
+        _ data: Data, selection: Binding<Set<SelectionValue>>?, @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent
+    ) where Content == ForEach<Data, Data.Element.ID, RowContent>, Data.Element: Identifiable {
+        content = ForEach(data, content: rowContent); self.selection = selection.map(ListSelection.init)
+    }
+    public init<Data: RandomAccessCollection, ID: Hashable, RowContent: View>(
+        _ data: Data, id: KeyPath<Data.Element, ID>, selection: Binding<SelectionValue?>?,
+        @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent
+    ) where Content == ForEach<Data, ID, RowContent> {
+        content = ForEach(data, id: id, content: rowContent); self.selection = selection.map(ListSelection.init)
+    }
+    public init<Data: RandomAccessCollection, ID: Hashable, RowContent: View>(
+        _ data: Data, id: KeyPath<Data.Element, ID>, selection: Binding<Set<SelectionValue>>?,
+        @ViewBuilder rowContent: @escaping (Data.Element) -> RowContent
+    ) where Content == ForEach<Data, ID, RowContent> {
+        content = ForEach(data, id: id, content: rowContent); self.selection = selection.map(ListSelection.init)
+    }
 
     func resolve(_ context: ResolveContext) -> [Element] {
-        resolveRows(content, context: context, grouped: context.environment.listStyle == .grouped)
+        resolveRows(content, context: context, grouped: context.environment.listStyle == .grouped, selection: selection)
+    }
+}
+
+/// A list's selection, whatever its type: which rows carry a tag of that type, and the binding.
+@MainActor
+struct ListSelection {
+    let tag: (Element) -> AnyHashable?
+    let isSelected: (AnyHashable) -> Bool
+    let select: (AnyHashable) -> Void
+
+    private static func tag<V: Hashable>(_ type: V.Type) -> (Element) -> AnyHashable? {
+        { row in
+            var found: AnyHashable?
+            row.forEach { if let marked = $0 as? TagElement, marked.tag.base is V { found = marked.tag } }
+            return found
+        }
+    }
+    init<V: Hashable>(_ binding: Binding<V?>) {
+        tag = Self.tag(V.self)
+        isSelected = { binding.wrappedValue.map(AnyHashable.init) == $0 }
+        select = { binding.wrappedValue = $0.base as? V }
+    }
+    init<V: Hashable>(_ binding: Binding<V>) {
+        tag = Self.tag(V.self)
+        isSelected = { AnyHashable(binding.wrappedValue) == $0 }
+        select = { if let value = $0.base as? V { binding.wrappedValue = value } }
+    }
+    init<V: Hashable>(_ binding: Binding<Set<V>>) {
+        tag = Self.tag(V.self)
+        isSelected = { ($0.base as? V).map(binding.wrappedValue.contains) ?? false }
+        select = { if let value = $0.base as? V { binding.wrappedValue = [value] } }
+    }
+
+    /// Makes the rows that carry a tag clickable, the selected one lit.
+    func apply(_ rows: [Element], context: ResolveContext) -> [Element] {
+        rows.map { row in
+            guard !(row is ListMarkElement), let value = tag(row) else { return row }
+            return SelectableRowElement(
+                row, path: context.path.appending(.id(value)), graph: context.graph, selected: isSelected(value),
+                tint: context.environment.accentRGBA.withAlpha(0.25)
+            ) { select(value) }
+        }
+    }
+}
+
+/// A row of a list with a selection: a click selects it.
+final class SelectableRowElement: InteractiveElement {
+    let selected: Bool
+    let tint: RGBA
+    let choose: () -> Void
+    init(_ child: Element, path: ViewPath, graph: ViewGraph, selected: Bool, tint: RGBA, choose: @escaping () -> Void) {
+        self.selected = selected; self.tint = tint; self.choose = choose
+        super.init(child, path: path, graph: graph)
+    }
+    override var catchesWholeFrame: Bool { true }
+    override var bleed: CGFloat? { 8 }
+    override func measure(_ proposal: ProposedViewSize) -> CGSize {
+        var s = child.size(proposal)
+        if let width = proposal.width, width.isFinite { s.width = max(s.width, width) }
+        return s
+    }
+    override func place(in rect: CGRect) {
+        frame = rect
+        let s = child.size(ProposedViewSize(rect.size))
+        child.place(in: CGRect(x: rect.minX, y: rect.midY - s.height / 2, width: min(s.width, rect.width), height: s.height))
+    }
+    override func draw(_ renderer: HostBridge) {
+        if selected { renderer.fill(Path(roundedRect: frame.insetBy(dx: -8, dy: -4), cornerRadius: 5), .solid(tint)) }
+        child.draw(renderer)
+    }
+    override func tap(at point: CGPoint, count: Int) -> Bool {
+        choose()
+        return true
     }
 }
 
@@ -41,13 +144,17 @@ public struct Form<Content: View>: View, PrimitiveView {
 }
 
 @MainActor
-private func resolveRows<Content: View>(_ content: Content, context: ResolveContext, grouped: Bool) -> [Element] {
+private func resolveRows<Content: View>(_ content: Content, context: ResolveContext, grouped: Bool, selection: ListSelection? = nil)
+    -> [Element]
+{
     var inner = context
     inner.stackAxis = nil
     inner.environment.inList = true
+    if selection != nil { inner.environment.pickerTags = true }
+    let rows: ([Element]) -> [Element] = { selection?.apply($0, context: inner) ?? $0 }
     let list =
-        lazyRows(content, context: inner, grouped: grouped)
-        ?? ListElement(rows: resolveView(content, inner), grouped: grouped, environment: context.environment)
+        lazyRows(content, context: inner, grouped: grouped, rows: rows)
+        ?? ListElement(rows: rows(resolveView(content, inner)), grouped: grouped, environment: context.environment)
     let state = context.graph.storage(at: context.child(.id("scroll")).path).0.slot(0) { ScrollState() }
     return [
         ScrollElement(
@@ -60,14 +167,18 @@ private func resolveRows<Content: View>(_ content: Content, context: ResolveCont
 private let eagerRowLimit = 100
 
 @MainActor
-private func lazyRows<Content: View>(_ content: Content, context: ResolveContext, grouped: Bool) -> Element? {
+private func lazyRows<Content: View>(
+    _ content: Content, context: ResolveContext, grouped: Bool, rows wrap: @escaping ([Element]) -> [Element]
+)
+    -> Element?
+{
     guard let rows = content as? any LazyRows, rows.rowCount > eagerRowLimit else { return nil }
-    let first = rows.resolveRow(0, context)
+    let first = wrap(rows.resolveRow(0, context))
     guard !first.isEmpty, !first.contains(where: { $0 is ListMarkElement }) else { return nil }
     return LazyListElement(
         first: first, count: rows.rowCount, grouped: grouped, environment: context.environment,
         graph: context.graph
-    ) { rows.resolveRow($0, context) }
+    ) { wrap(rows.resolveRow($0, context)) }
 }
 
 /// A header (and footer) above a group of rows; outside a list its rows stack vertically.
@@ -332,6 +443,8 @@ public struct ListStyleKind: Equatable, Sendable {
     public static let grouped = ListStyleKind(kind: 1)
     public static let insetGrouped = ListStyleKind(kind: 1)
     public static let bordered = ListStyleKind(kind: 1)
+    public static func inset(alternatesRowBackgrounds: Bool) -> ListStyleKind { .inset }
+    public static func bordered(alternatesRowBackgrounds: Bool) -> ListStyleKind { .bordered }
 }
 public struct FormStyleKind: Equatable, Sendable {
     public static let automatic = FormStyleKind()
@@ -387,6 +500,13 @@ extension LabeledContent where Label == Text, Content == Text {
     public init<S: StringProtocol>(_ title: S, value: S) { self.init(content: { Text(value) }, label: { Text(title) }) }
     @_disfavoredOverload
     public init<S: StringProtocol, V: StringProtocol>(_ title: S, value: V) { self.init(content: { Text(value) }, label: { Text(title) }) }
+    public init<F: FormatStyle>(_ titleKey: LocalizedStringKey, value: F.FormatInput, format: F) where F.FormatOutput == String {
+        self.init(content: { Text(format.format(value)) }, label: { Text(titleKey) })
+    }
+    @_disfavoredOverload
+    public init<S: StringProtocol, F: FormatStyle>(_ title: S, value: F.FormatInput, format: F) where F.FormatOutput == String {
+        self.init(content: { Text(format.format(value)) }, label: { Text(title) })
+    }
 }
 extension LabeledContent where Label == Text {
     public init<S: StringProtocol>(_ title: S, @ViewBuilder content: () -> Content) { self.init(content: content, label: { Text(title) }) }

@@ -377,6 +377,7 @@ extension View {
     public func navigationBarTitleDisplayMode(_ mode: NavigationBarItem.TitleDisplayMode) -> some View { self }
     public func navigationBarBackButtonHidden(_ hidden: Bool = true) -> some View { self }
     public func navigationSplitViewColumnWidth(_ width: CGFloat) -> some View { self }
+    public func navigationSplitViewStyle(_ style: NavigationSplitViewStyleKind) -> some View { self }
     public func navigationSplitViewColumnWidth(min: CGFloat? = nil, ideal: CGFloat, max: CGFloat? = nil) -> some View { self }
     public func navigationDestination<D: Hashable, C: View>(for data: D.Type, @ViewBuilder destination: @escaping (D) -> C) -> some View {
         modifier(NavigationDestinationModifier(type: ObjectIdentifier(D.self)) { value in AnyView(destination(value as! D)) })
@@ -395,4 +396,9 @@ public struct ToolbarPlacement: Sendable {
 }
 public struct ToolbarRole: Sendable {
     public static let automatic = ToolbarRole(), editor = ToolbarRole(), browser = ToolbarRole(), navigationStack = ToolbarRole()
+}
+
+public struct NavigationSplitViewStyleKind: Sendable {
+    public static let automatic = NavigationSplitViewStyleKind(), balanced = NavigationSplitViewStyleKind()
+    public static let prominentDetail = NavigationSplitViewStyleKind()
 }

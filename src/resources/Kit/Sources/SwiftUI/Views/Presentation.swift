@@ -119,12 +119,6 @@ extension View {
                 isPresented: shown, panel: AnyView(item.wrappedValue.map { SheetPanel(content: content($0)) }),
                 onDismiss: onDismiss))
     }
-    public func popover<Content: View>(
-        isPresented: Binding<Bool>, attachmentAnchor: PopoverAttachmentAnchor = .rect(.bounds),
-        arrowEdge: Edge = .top, @ViewBuilder content: @escaping () -> Content
-    ) -> some View {
-        sheet(isPresented: isPresented, content: content)
-    }
     public func fullScreenCover<Content: View>(
         isPresented: Binding<Bool>, onDismiss: (() -> Void)? = nil,
         @ViewBuilder content: @escaping () -> Content

@@ -139,6 +139,7 @@ public struct Text: Equatable {
     }
     public init<S: StringProtocol>(_ content: S) { runs = [Run(string: String(content))] }
     public init(verbatim content: String) { runs = [Run(string: content)] }
+    public init(_ attributed: AttributedString) { runs = [Run(string: String(attributed.characters))] }
     public init<F: FormatStyle>(_ input: F.FormatInput, format: F) where F.FormatOutput == String {
         runs = [Run(string: format.format(input))]
     }
@@ -323,13 +324,16 @@ extension View {
     }
     public func lineLimit(_ limit: Int?) -> some View { environment(\.lineLimit, limit) }
     public func lineLimit(_ limit: Int, reservesSpace: Bool) -> some View { environment(\.lineLimit, limit) }
+    public func lineLimit(_ limit: ClosedRange<Int>) -> some View { environment(\.lineLimit, limit.upperBound) }
+    public func lineLimit(_ limit: PartialRangeFrom<Int>) -> some View { environment(\.lineLimit, nil) }
+    public func lineLimit(_ limit: PartialRangeThrough<Int>) -> some View { environment(\.lineLimit, limit.upperBound) }
     public func lineSpacing(_ spacing: CGFloat) -> some View { self }
     public func truncationMode(_ mode: TruncationMode) -> some View { self }
     public func minimumScaleFactor(_ factor: CGFloat) -> some View { self }
     public func textCase(_ textCase: Text.Case?) -> some View { self }
     public func kerning(_ kerning: CGFloat) -> some View { self }
     public func tracking(_ tracking: CGFloat) -> some View { self }
-    public func textSelection<S>(_ selectability: S) -> some View { self }
+    public func textSelection(_ selectability: TextSelectability) -> some View { self }
     public func dynamicTypeSize<T>(_ size: T) -> some View { self }
 
     public func foregroundStyle<S: ShapeStyle>(_ style: S) -> some View {
@@ -362,4 +366,9 @@ extension EnvironmentValues {
         if case .solid(let c) = paint { return .solid(c.withAlpha(0.4)) }
         return paint
     }
+}
+
+/// Whether text can be selected; the kit's text is drawn, so selection is accepted without effect.
+public struct TextSelectability: Sendable {
+    public static let enabled = TextSelectability(), disabled = TextSelectability()
 }

@@ -116,7 +116,8 @@ enum {
     ZENTORO_FIELD_SECURE = 1, /* shows bullets in place of the characters */
     ZENTORO_FIELD_FOCUS = 2,  /* the kit wants this field to take the keyboard focus */
     ZENTORO_FIELD_DISABLED = 4,
-    ZENTORO_FIELD_PLAIN = 8 /* no frame: the kit draws the field's surroundings */
+    ZENTORO_FIELD_PLAIN = 8,     /* no frame: the kit draws the field's surroundings */
+    ZENTORO_FIELD_MULTILINE = 16 /* an editor of several lines: Return starts a new line */
 };
 
 /* What the host offers the kit. The kit keeps the pointer it is given by `zentoro_view_attach`;
@@ -152,6 +153,8 @@ typedef struct ZentoroHost {
 
     /* The kit's state changed: call `zentoro_view_update` soon to learn what to paint again. */
     void (*requestRedraw)(void *context);
+    /* Puts `text` on the clipboard. */
+    void (*copyText)(void *context, const char *text);
 } ZentoroHost;
 
 /* What the kit offers the host. The host finds these with dlsym on a version library's handle;
@@ -186,6 +189,8 @@ enum {
     ZENTORO_POINTER_LEAVE = 3
 };
 enum { ZENTORO_MODIFIER_SHIFT = 1, ZENTORO_MODIFIER_CONTROL = 2, ZENTORO_MODIFIER_ALT = 4, ZENTORO_MODIFIER_META = 8 };
+/* Set on the pointer events of a press of the secondary (right) button: a context menu. */
+enum { ZENTORO_POINTER_SECONDARY = 16 };
 /* Returns 1 when the kit used the event. `clickCount` counts quick successive presses. */
 int32_t zentoro_view_pointer(void *view, int32_t kind, double x, double y, int32_t modifiers, int32_t clickCount);
 int32_t zentoro_view_scroll(void *view, double x, double y, double dx, double dy);

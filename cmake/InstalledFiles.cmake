@@ -1,0 +1,36 @@
+# The list an install leaves under its prefix: one absolute path a line, without DESTDIR;
+# a folder the install created ends in "/".
+function(zentoro_installed_list prefix result)
+  set(${result} "$ENV{DESTDIR}${prefix}/lib/zentoro/installed-files.txt" PARENT_SCOPE)
+endfunction()
+
+# Removes what the list under `prefix` names: its files, then each folder it created, once no
+# file is left anywhere inside (a file of the user's keeps its folder).
+function(zentoro_uninstall prefix)
+  zentoro_installed_list("${prefix}" list)
+  if(NOT EXISTS "${list}")
+    return()
+  endif()
+  file(STRINGS "${list}" entries)
+  set(folders "")
+  foreach(entry IN LISTS entries)
+    if(entry MATCHES "/$")
+      list(APPEND folders "$ENV{DESTDIR}${entry}")
+    else()
+      file(REMOVE "$ENV{DESTDIR}${entry}")
+    endif()
+  endforeach()
+  file(REMOVE "${list}")
+  # Inner folders sort after the folders that hold them.
+  list(SORT folders ORDER DESCENDING)
+  foreach(folder IN LISTS folders)
+    if(IS_DIRECTORY "${folder}")
+      file(GLOB_RECURSE left LIST_DIRECTORIES false "${folder}/*")
+      if(NOT left)
+        file(REMOVE_RECURSE "${folder}")
+      endif()
+    endif()
+  endforeach()
+  list(LENGTH entries count)
+  message(STATUS "Removed what was installed in ${prefix} (${count} entries).")
+endfunction()

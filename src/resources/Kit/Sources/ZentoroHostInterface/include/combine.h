@@ -1,0 +1,1 @@
+/* Nothing: Combine's types live in the SwiftUI module (see module.modulemap). */
