@@ -115,15 +115,6 @@ public struct DefaultFocusEvaluationPriority: Sendable {
     public static let automatic = DefaultFocusEvaluationPriority(), userInitiated = DefaultFocusEvaluationPriority()
 }
 
-/// `@Namespace` for `matchedGeometryEffect`, which shows views where they are without moving them.
-@propertyWrapper
-public struct Namespace: DynamicProperty {
-    public struct ID: Hashable, Sendable { let value: Int }
-    private let id = ID(value: Int.random(in: 0..<Int.max))
-    public init() {}
-    public var wrappedValue: ID { id }
-}
-
 /// A small count or word at the trailing end of a row.
 struct BadgeModifier: ViewModifier {
     let text: Text?
@@ -282,10 +273,6 @@ extension View {
     }
     public func projectionEffect(_ transform: Any) -> some View { self }
     public func transformEffect(_ transform: CGAffineTransform) -> some View { self }
-    public func matchedGeometryEffect<ID: Hashable>(
-        id: ID, in namespace: Namespace.ID, properties: MatchedGeometryProperties = .frame, anchor: UnitPoint = .center,
-        isSource: Bool = true
-    ) -> some View { self }
     public func symbolEffect(_ effect: SymbolEffectKind, options: SymbolEffectOptions = .default, isActive: Bool = true) -> some View {
         self
     }
@@ -391,7 +378,6 @@ extension View {
     ) -> some View {
         content(PlaceholderContentView(content: self), initialValue)
     }
-    public func transaction(_ transform: @escaping (inout Transaction) -> Void) -> some View { self }
     public func fileImporter(
         isPresented: Binding<Bool>, allowedContentTypes: [UTType], onCompletion: @escaping (Result<URL, Error>) -> Void
     ) -> some View { self }
@@ -424,20 +410,12 @@ public struct EmptyVisualEffect: Sendable {
     public func rotation3DEffect(_ angle: Angle, axis: (x: CGFloat, y: CGFloat, z: CGFloat)) -> EmptyVisualEffect { self }
 }
 
-public func withTransaction<Result>(_ transaction: Transaction, _ body: () throws -> Result) rethrows -> Result { try body() }
-
 public enum HoverPhase: Equatable, Sendable {
     case active(CGPoint)
     case ended
 }
 public struct HoverEffect: Sendable {
     public static let automatic = HoverEffect(), highlight = HoverEffect(), lift = HoverEffect()
-}
-public struct MatchedGeometryProperties: OptionSet, Sendable {
-    public let rawValue: Int
-    public init(rawValue: Int) { self.rawValue = rawValue }
-    public static let position = MatchedGeometryProperties(rawValue: 1), size = MatchedGeometryProperties(rawValue: 2)
-    public static let frame: MatchedGeometryProperties = [.position, .size]
 }
 public struct BadgeProminence: Sendable {
     public static let standard = BadgeProminence(), increased = BadgeProminence(), decreased = BadgeProminence()
