@@ -24,7 +24,8 @@ namespace ModelRequest {
 
 // The credential for `provider`: the plan's access token (a new one when `refresh`), or the
 // saved API key, else the environment's. Raises Failure with words for the user when there is none.
-QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh, QPointer<PlanAccess> plan = nullptr);
+QCoro::Task<QString> bearer(const TaskHandle &task, Provider provider, bool refresh,
+                            QPointer<PlanAccess> plan = nullptr);
 
 // The body of the agent's next request. Changes nothing.
 JSON request(const Agent &agent, Provider provider);

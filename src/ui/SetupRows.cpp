@@ -9,8 +9,8 @@
 #include "ui/PanelStyle.h"
 #include "ui/Spinner.h"
 
-#include <QEvent>
 #include <QDesktopServices>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>

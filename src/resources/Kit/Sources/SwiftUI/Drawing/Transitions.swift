@@ -379,24 +379,26 @@ public struct MatchedGeometryProperties: OptionSet, Sendable {
 /// from there to its new place.
 @MainActor
 struct MatchedGeometry {
-    struct Key: Hashable {
-        let namespace: Namespace.ID
-        let id: AnyHashable
+    enum Key: Hashable {
+        case matched(Namespace.ID, AnyHashable)
+        /// The n-th element of a row of a ForEach.
+        case row(ViewPath, Int)
     }
     private var placed: [Key: (rect: CGRect, pass: Int)] = [:]
-    private var seen: [Key: Int] = [:]
     private var animators: [Key: AnimatedValue<CGRect.AnimatableData>] = [:]
 
-    /// Forgets the views that were not there in the last two updates.
+    /// Now and then forgets the views that have not been placed for a while.
     mutating func beginPass(_ pass: Int) {
-        guard pass % 32 == 0 else { return }
-        seen = seen.filter { $0.value >= pass - 2 }
-        let live = seen
-        placed = placed.filter { live[$0.key] != nil }
+        guard pass % 64 == 0 else { return }
+        placed = placed.filter { $0.value.pass >= pass - 64 }
+        let live = placed
         animators = animators.filter { live[$0.key] != nil }
     }
 
-    mutating func see(_ key: Key, pass: Int) { seen[key] = pass }
+    /// The view of `key` stays where it was placed, in update `pass`.
+    mutating func keep(_ key: Key, pass: Int) {
+        if case .row = key { placed[key]?.pass = pass }
+    }
 
     func isMoving(_ key: Key) -> Bool { animators[key]?.animation != nil }
 
@@ -407,7 +409,7 @@ struct MatchedGeometry {
     mutating func place(_ key: Key, at rect: CGRect, animation: Animation?, motion: Motion) -> CGRect {
         let previous = placed[key]
         // A second view with the same id in one update stays where it is.
-        if let previous, previous.pass == motion.pass, previous.rect != rect { return rect }
+        if case .matched = key, let previous, previous.pass == motion.pass, previous.rect != rect { return rect }
         placed[key] = (rect, motion.pass)
         let animator: AnimatedValue<CGRect.AnimatableData>
         if let existing = animators[key] {
@@ -445,11 +447,11 @@ final class MatchedGeometryElement: WrapperElement {
         _ child: Element, key: MatchedGeometry.Key, properties: MatchedGeometryProperties, context: ResolveContext
     ) -> MatchedGeometryElement {
         let motion = context.graph.motion, animation = context.environment.transaction.effectiveAnimation
-        motion.matched.see(key, pass: context.graph.pass)
         if animation == nil, !motion.matched.isMoving(key),
             let previous = reusable(
                 [child], pass: context.graph.pass, { (e: MatchedGeometryElement) in e.key == key && e.transform.isIdentity })
         {
+            motion.matched.keep(key, pass: context.graph.pass)
             return previous
         }
         return MatchedGeometryElement(child, key: key, animation: animation, properties: properties, motion: motion)
@@ -487,16 +489,9 @@ extension ResolveContext {
     /// inserted, removed or moved under an animation.
     func sliding(_ elements: [Element], row: ViewPath) -> [Element] {
         elements.enumerated().map { index, element in
-            let id: AnyHashable = index == 0 ? AnyHashable(row) : AnyHashable(row.appending(.index(index)))
-            return MatchedGeometryElement.make(
-                element, key: MatchedGeometry.Key(namespace: .rows, id: id), properties: .position, context: self)
+            MatchedGeometryElement.make(element, key: .row(row, index), properties: .position, context: self)
         }
     }
-}
-
-extension Namespace.ID {
-    /// The rows of every ForEach.
-    static let rows = Namespace.ID(value: 0)
 }
 
 extension View {
@@ -508,8 +503,7 @@ extension View {
     ) -> some View {
         modifier(
             ElementModifier { element, context in
-                MatchedGeometryElement.make(
-                    element, key: MatchedGeometry.Key(namespace: namespace, id: AnyHashable(id)), properties: properties, context: context)
+                MatchedGeometryElement.make(element, key: .matched(namespace, AnyHashable(id)), properties: properties, context: context)
             })
     }
 }
