@@ -2,6 +2,7 @@
 
 #include "agent/Agent.h"
 #include "chatgpt/ChatGPT.h"
+#include "ui/GroupedForm.h"
 #include "ui/Icons.h"
 #include "ui/PanelStyle.h"
 #include "ui/Spinner.h"
@@ -70,6 +71,9 @@ ChatGPTSettingsRows::ChatGPTSettingsRows(ChatGPT &chatgpt, Agent &agent, QWidget
     controls->addWidget(accounts_);
     controls->addStretch(1);
     form->addRow(QStringLiteral("ChatGPT"), controls);
+    // Level with the settings form's own label column.
+    form->setHorizontalSpacing(12);
+    form->labelForField(controls)->setFixedWidth(FormGroup::labelWidth);
 
     auto *notAllowedRow = new QHBoxLayout(notAllowed_);
     notAllowedRow->setContentsMargins(0, 0, 0, 0);

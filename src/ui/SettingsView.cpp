@@ -260,6 +260,10 @@ void SettingsView::makeAppGroup(FormGroup *group)
 
 void SettingsView::setChatGPTRows(QWidget *accountRows, QWidget *planRows)
 {
+    // The same room above and below as the form's own rows.
+    for (QWidget *rows : {accountRows, planRows})
+        if (rows)
+            rows->setContentsMargins(0, 9, 0, 9);
     if (planRows)
         agentGroup_->insertRow(planRows, agentGroup_->indexOf(keyRow_) + 1);
     if (accountRows)
