@@ -4,7 +4,7 @@ import Foundation
 /// header of a column with a key path sorts by it (the app sorts its rows by `sortOrder`).
 public struct Table<Value: Identifiable, Columns: View>: View {
     let rows: [Value]
-    let columns: [TableColumnSpec<Value>]
+    let columns: [TableColumnDefinition<Value>]
     let selection: ListSelection?
     let sortOrder: Binding<[KeyPathComparator<Value>]>?
 
@@ -62,7 +62,7 @@ public struct Table<Value: Identifiable, Columns: View>: View {
         }
     }
 
-    private func sort(by column: TableColumnSpec<Value>) {
+    private func sort(by column: TableColumnDefinition<Value>) {
         guard let sortOrder, let comparator = column.comparator else { return }
         if let first = sortOrder.wrappedValue.first, first.keyPath == comparator.keyPath {
             var flipped = first
@@ -75,7 +75,7 @@ public struct Table<Value: Identifiable, Columns: View>: View {
 }
 
 private struct TableRow<Value: Identifiable>: View {
-    let columns: [TableColumnSpec<Value>]
+    let columns: [TableColumnDefinition<Value>]
     let widths: [CGFloat]
     let row: Value
     let striped: Bool
@@ -109,7 +109,7 @@ struct TableColumnWidth {
 }
 
 /// One column as the table keeps it, whatever its content's type.
-public struct TableColumnSpec<Value> {
+public struct TableColumnDefinition<Value> {
     let title: Text
     let cell: @MainActor (Value) -> AnyView
     let comparator: KeyPathComparator<Value>?
@@ -119,16 +119,16 @@ public struct TableColumnSpec<Value> {
 
 /// A column of a `Table`: a title and what each row shows in it.
 public struct TableColumn<RowValue, Sort, Content: View, Label: View> {
-    var spec: TableColumnSpec<RowValue>
+    var definition: TableColumnDefinition<RowValue>
 
     public func width(_ width: CGFloat? = nil) -> TableColumn {
         var copy = self
-        copy.spec.width.fixed = width
+        copy.definition.width.fixed = width
         return copy
     }
     public func width(min: CGFloat? = nil, ideal: CGFloat? = nil, max: CGFloat? = nil) -> TableColumn {
         var copy = self
-        copy.spec.width.min = min; copy.spec.width.max = max
+        copy.definition.width.min = min; copy.definition.width.max = max
         return copy
     }
     public func alignment(_ alignment: TableColumnAlignment) -> TableColumn { self }
@@ -144,21 +144,23 @@ public struct TableColumnAlignment: Sendable {
 
 extension TableColumn where Sort == Never, Label == Text {
     public init(_ titleKey: LocalizedStringKey, @ViewBuilder content: @escaping (RowValue) -> Content) {
-        spec = TableColumnSpec(title: Text(titleKey), cell: { AnyView(content($0)) }, comparator: nil)
+        definition = TableColumnDefinition(title: Text(titleKey), cell: { AnyView(content($0)) }, comparator: nil)
     }
     @_disfavoredOverload
     public init<S: StringProtocol>(_ title: S, @ViewBuilder content: @escaping (RowValue) -> Content) {
-        spec = TableColumnSpec(title: Text(title), cell: { AnyView(content($0)) }, comparator: nil)
+        definition = TableColumnDefinition(title: Text(title), cell: { AnyView(content($0)) }, comparator: nil)
     }
 }
 
 extension TableColumn where Sort == KeyPathComparator<RowValue>, Label == Text, Content == Text {
     public init(_ titleKey: LocalizedStringKey, value: KeyPath<RowValue, String>) {
-        spec = TableColumnSpec(title: Text(titleKey), cell: { AnyView(Text($0[keyPath: value])) }, comparator: KeyPathComparator(value))
+        definition = TableColumnDefinition(
+            title: Text(titleKey), cell: { AnyView(Text($0[keyPath: value])) }, comparator: KeyPathComparator(value))
     }
     @_disfavoredOverload
     public init<S: StringProtocol>(_ title: S, value: KeyPath<RowValue, String>) {
-        spec = TableColumnSpec(title: Text(title), cell: { AnyView(Text($0[keyPath: value])) }, comparator: KeyPathComparator(value))
+        definition = TableColumnDefinition(
+            title: Text(title), cell: { AnyView(Text($0[keyPath: value])) }, comparator: KeyPathComparator(value))
     }
 }
 
@@ -166,64 +168,68 @@ extension TableColumn where Sort == KeyPathComparator<RowValue>, Label == Text {
     public init<V: Comparable>(
         _ titleKey: LocalizedStringKey, value: KeyPath<RowValue, V>, @ViewBuilder content: @escaping (RowValue) -> Content
     ) {
-        spec = TableColumnSpec(title: Text(titleKey), cell: { AnyView(content($0)) }, comparator: KeyPathComparator(value))
+        definition = TableColumnDefinition(title: Text(titleKey), cell: { AnyView(content($0)) }, comparator: KeyPathComparator(value))
     }
     @_disfavoredOverload
     public init<S: StringProtocol, V: Comparable>(
         _ title: S, value: KeyPath<RowValue, V>, @ViewBuilder content: @escaping (RowValue) -> Content
     ) {
-        spec = TableColumnSpec(title: Text(title), cell: { AnyView(content($0)) }, comparator: KeyPathComparator(value))
+        definition = TableColumnDefinition(title: Text(title), cell: { AnyView(content($0)) }, comparator: KeyPathComparator(value))
     }
     public init<V: Comparable>(
         _ titleKey: LocalizedStringKey, value: KeyPath<RowValue, V>, comparator: some SortComparator,
         @ViewBuilder content: @escaping (RowValue) -> Content
     ) {
-        spec = TableColumnSpec(title: Text(titleKey), cell: { AnyView(content($0)) }, comparator: KeyPathComparator(value))
+        definition = TableColumnDefinition(title: Text(titleKey), cell: { AnyView(content($0)) }, comparator: KeyPathComparator(value))
     }
 }
 
 @resultBuilder
 public enum TableColumnBuilder<RowValue, Sort> {
-    public static func buildExpression<S, C: View, L: View>(_ column: TableColumn<RowValue, S, C, L>) -> [TableColumnSpec<RowValue>] {
-        [column.spec]
+    public static func buildExpression<S, C: View, L: View>(_ column: TableColumn<RowValue, S, C, L>) -> [TableColumnDefinition<RowValue>] {
+        [column.definition]
     }
-    public static func buildBlock(_ columns: [TableColumnSpec<RowValue>]...) -> [TableColumnSpec<RowValue>] { columns.flatMap { $0 } }
-    public static func buildOptional(_ columns: [TableColumnSpec<RowValue>]?) -> [TableColumnSpec<RowValue>] { columns ?? [] }
-    public static func buildEither(first: [TableColumnSpec<RowValue>]) -> [TableColumnSpec<RowValue>] { first }
-    public static func buildEither(second: [TableColumnSpec<RowValue>]) -> [TableColumnSpec<RowValue>] { second }
-    public static func buildArray(_ columns: [[TableColumnSpec<RowValue>]]) -> [TableColumnSpec<RowValue>] { columns.flatMap { $0 } }
+    public static func buildBlock(_ columns: [TableColumnDefinition<RowValue>]...) -> [TableColumnDefinition<RowValue>] {
+        columns.flatMap { $0 }
+    }
+    public static func buildOptional(_ columns: [TableColumnDefinition<RowValue>]?) -> [TableColumnDefinition<RowValue>] { columns ?? [] }
+    public static func buildEither(first: [TableColumnDefinition<RowValue>]) -> [TableColumnDefinition<RowValue>] { first }
+    public static func buildEither(second: [TableColumnDefinition<RowValue>]) -> [TableColumnDefinition<RowValue>] { second }
+    public static func buildArray(_ columns: [[TableColumnDefinition<RowValue>]]) -> [TableColumnDefinition<RowValue>] {
+        columns.flatMap { $0 }
+    }
 }
 
 extension Table where Columns == EmptyView {
-    public init<Data: RandomAccessCollection>(_ data: Data, @TableColumnBuilder<Value, Never> columns: () -> [TableColumnSpec<Value>])
+    public init<Data: RandomAccessCollection>(_ data: Data, @TableColumnBuilder<Value, Never> columns: () -> [TableColumnDefinition<Value>])
     where Data.Element == Value {
         rows = Array(data); self.columns = columns(); selection = nil; sortOrder = nil
     }
     public init<Data: RandomAccessCollection>(
-        _ data: Data, selection: Binding<Value.ID?>, @TableColumnBuilder<Value, Never> columns: () -> [TableColumnSpec<Value>]
+        _ data: Data, selection: Binding<Value.ID?>, @TableColumnBuilder<Value, Never> columns: () -> [TableColumnDefinition<Value>]
     ) where Data.Element == Value {
         rows = Array(data); self.columns = columns(); self.selection = ListSelection(selection); sortOrder = nil
     }
     public init<Data: RandomAccessCollection>(
-        _ data: Data, selection: Binding<Set<Value.ID>>, @TableColumnBuilder<Value, Never> columns: () -> [TableColumnSpec<Value>]
+        _ data: Data, selection: Binding<Set<Value.ID>>, @TableColumnBuilder<Value, Never> columns: () -> [TableColumnDefinition<Value>]
     ) where Data.Element == Value {
         rows = Array(data); self.columns = columns(); self.selection = ListSelection(selection); sortOrder = nil
     }
     public init<Data: RandomAccessCollection>(
         _ data: Data, sortOrder: Binding<[KeyPathComparator<Value>]>,
-        @TableColumnBuilder<Value, KeyPathComparator<Value>> columns: () -> [TableColumnSpec<Value>]
+        @TableColumnBuilder<Value, KeyPathComparator<Value>> columns: () -> [TableColumnDefinition<Value>]
     ) where Data.Element == Value {
         rows = Array(data); self.columns = columns(); selection = nil; self.sortOrder = sortOrder
     }
     public init<Data: RandomAccessCollection>(
         _ data: Data, selection: Binding<Value.ID?>, sortOrder: Binding<[KeyPathComparator<Value>]>,
-        @TableColumnBuilder<Value, KeyPathComparator<Value>> columns: () -> [TableColumnSpec<Value>]
+        @TableColumnBuilder<Value, KeyPathComparator<Value>> columns: () -> [TableColumnDefinition<Value>]
     ) where Data.Element == Value {
         rows = Array(data); self.columns = columns(); self.selection = ListSelection(selection); self.sortOrder = sortOrder
     }
     public init<Data: RandomAccessCollection>(
         _ data: Data, selection: Binding<Set<Value.ID>>, sortOrder: Binding<[KeyPathComparator<Value>]>,
-        @TableColumnBuilder<Value, KeyPathComparator<Value>> columns: () -> [TableColumnSpec<Value>]
+        @TableColumnBuilder<Value, KeyPathComparator<Value>> columns: () -> [TableColumnDefinition<Value>]
     ) where Data.Element == Value {
         rows = Array(data); self.columns = columns(); self.selection = ListSelection(selection); self.sortOrder = sortOrder
     }
