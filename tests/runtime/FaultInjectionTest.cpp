@@ -151,6 +151,9 @@ struct Trial {
     QList<RecordedRequest> requests;
     QStringList problems;
     qint64 milliseconds = 0;
+    // Each process the trial followed, with its command line then, so a stalled trial says whom
+    // it waited on.
+    QStringList followed;
 };
 
 // The real program in a copy of its own, against the fake model service, always starting
@@ -298,6 +301,14 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
     start(kill.afterSaves);
     pid_t current = pid_t(child.processId());
     bool currentIsChild = true;
+    const auto follow = [&](pid_t pid) {
+        QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(pid));
+        const QByteArray words = commandLine.open(QIODevice::ReadOnly) ? commandLine.readAll().replace('\0', ' ')
+                                                                       : QByteArray();
+        trial.followed.append(QStringLiteral("%1 (%2)").arg(pid).arg(QString::fromLocal8Bit(words.trimmed())));
+        current = pid;
+    };
+    follow(current);
     // Which requests came after the kill is told by their senders, not by when this process
     // got round to reading them: under load a successor may have asked before the death was seen.
     QSet<pid_t> startedBeforeKill{current};
@@ -328,7 +339,7 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
                         return false;
                     }
                     sinceExit.invalidate();
-                    current = successors.first();
+                    follow(successors.first());
                     currentIsChild = false;
                     if (!trial.killed)
                         startedBeforeKill.insert(current);
@@ -347,11 +358,11 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
                 }
                 if (!successors.isEmpty()) {
                     // Killed after its restart had begun: the waiting script carries on.
-                    current = successors.first();
+                    follow(successors.first());
                     currentIsChild = false;
                 } else {
                     start({});
-                    current = pid_t(child.processId());
+                    follow(pid_t(child.processId()));
                     currentIsChild = true;
                 }
                 return false;
@@ -378,7 +389,9 @@ Trial Harness::run(const Kill &kill, std::chrono::milliseconds limit)
 
     trial.milliseconds = clock.elapsed();
     if (!settled)
-        trial.problems.append(QStringLiteral("the turn didn't come to rest within %1 s").arg(limit.count() / 1000));
+        trial.problems.append(QStringLiteral("the turn didn't come to rest within %1 s, following %2")
+                                  .arg(limit.count() / 1000)
+                                  .arg(trial.followed.join(QStringLiteral(" → "))));
     trial.settled = SavedConversation::read(conversationPath());
     trial.requests = server_.requests().mid(firstRequest);
     for (qsizetype index = firstRequest; index < server_.requests().size(); ++index) {
