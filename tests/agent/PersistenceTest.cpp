@@ -24,11 +24,18 @@ namespace {
 
 const QString currentKey = QStringLiteral("currentConversation");
 
-const Workspace copy = Workspace::forName(QStringLiteral("Persisting"));
+// Made at first use, after the test program has pointed the data folders at its own
+// private ones: a copy made before that would be shared by test programs running at once.
+const Workspace &persistingCopy()
+{
+    static const Workspace copy = Workspace::forName(QStringLiteral("Persisting"));
+    return copy;
+}
 
 // An agent of the copy, opened as the program opens it, whose every save is the real one.
 struct OpenedAgent : Agent {
-    explicit OpenedAgent(AgentOperations operations = test::fakeOperations()) : Agent(std::move(operations), copy)
+    explicit OpenedAgent(AgentOperations operations = test::fakeOperations())
+        : Agent(std::move(operations), persistingCopy())
     {
         this->operations().save = [this] { writeConversation(); };
         restore();
@@ -40,15 +47,18 @@ class Persistence : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        QDir(copy.root).removeRecursively();
-        QFile::remove(Defaults::path(copy.defaultsSuite()));
+        QDir(persistingCopy().root).removeRecursively();
+        QFile::remove(Defaults::path(persistingCopy().defaultsSuite()));
     }
     void TearDown() override { running.reset(); }
 
-    static QString folder() { return copy.root + "/Conversations"; }
-    static QString fileOf(const QUuid &id) { return copy.conversation(id); }
-    static QVariant current() { return Defaults::suiteValue(copy.defaultsSuite(), currentKey); }
-    static void setCurrent(const QString &text) { Defaults::setSuiteValue(copy.defaultsSuite(), currentKey, text); }
+    static QString folder() { return persistingCopy().root + "/Conversations"; }
+    static QString fileOf(const QUuid &id) { return persistingCopy().conversation(id); }
+    static QVariant current() { return Defaults::suiteValue(persistingCopy().defaultsSuite(), currentKey); }
+    static void setCurrent(const QString &text)
+    {
+        Defaults::setSuiteValue(persistingCopy().defaultsSuite(), currentKey, text);
+    }
 
     static void put(const QString &name, const QByteArray &bytes)
     {
@@ -415,7 +425,7 @@ TEST_F(Persistence, AfterALaunchOpenCallsAreAnsweredAndOnlyAnAskedForRestartGoes
 
 TEST_F(Persistence, AFullDiskIsShownInTheWindowAndForgottenOnceASaveSucceeds)
 {
-    Runtime runtime(copy);
+    Runtime runtime(persistingCopy());
     OpenedAgent agent;
     agent.setOperations(programOperations(agent, runtime));
     agent.setItems({userRow("Make a timer")});
